@@ -1,0 +1,28 @@
+#pragma once
+// The display's firmware version as the connectors report it: three version numbers, a
+// format kind and a spare byte. All zero means "unknown" (a failed read).
+
+#include <cstdint>
+#include <string>
+
+struct SFirmwareVersion {
+    uint8_t major = 0;
+    uint8_t minor = 0;
+    uint8_t build = 0;
+    uint8_t kind = 0;
+    uint8_t spare = 0;
+
+    bool IsZero() const { return major == 0 && minor == 0 && build == 0 && kind == 0 && spare == 0; }
+    // "3.1.2"; empty for the zero record.
+    std::string ToString() const {
+        if (IsZero()) {
+            return {};
+        }
+        return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(build);
+    }
+    friend bool operator==(const SFirmwareVersion&, const SFirmwareVersion&) = default;
+};
+
+// Format kind of a version taken from VCP 0xC9 (major from the maximum's low byte, minor and
+// build from the current value).
+constexpr uint8_t kFirmwareVersionKindVcpC9 = 5;

@@ -1,0 +1,57 @@
+#pragma once
+// What the program knows of each VCP code: how it may be accessed, whether it is continuous,
+// non-continuous or a table, and its read and write sizes. A code missing from the table is
+// never turned into an option.
+
+#include <cstdint>
+#include <map>
+
+enum ECodeAccess : uint32_t {
+    eAccessReadOnly = 0,
+    eAccessWriteOnly = 1,
+    eAccessReadWrite = 2,
+    eAccessPlaceholder = 3
+};
+enum ECodeType : uint32_t { eTypeContinuous = 0, eTypeNonContinuous = 1, eTypeTable = 2 };
+
+class CCodeInfo {
+public:
+    CCodeInfo() = default;
+    // Sizes start at 4/2 and follow the access: read-only has no write size, write-only no
+    // read size, a placeholder neither.
+    static CCodeInfo Continuous(uint32_t access_I);
+    static CCodeInfo NonContinuous(uint32_t access_I);
+    // A table gives its own sizes; the access rule then applies to them.
+    static CCodeInfo Table(uint32_t access_I, uint32_t readSize_I, uint32_t writeSize_I);
+    // Sizes exactly as given, for the few codes that keep both.
+    static CCodeInfo Explicit(uint32_t access_I, uint32_t type_I, uint32_t readSize_I, uint32_t writeSize_I);
+
+    uint32_t Access() const { return mAccess; }
+    uint32_t Type() const { return mType; }
+    uint32_t ReadSize() const { return mReadSize; }
+    uint32_t WriteSize() const { return mWriteSize; }
+
+    bool Readable() const { return mAccess == eAccessReadOnly || mAccess == eAccessReadWrite; }
+    bool Writable() const { return mAccess == eAccessWriteOnly || mAccess == eAccessReadWrite; }
+    bool WriteOnly() const { return mAccess == eAccessWriteOnly; }
+    bool Placeholder() const { return mAccess == eAccessPlaceholder; }
+    bool Continuous() const { return mType == eTypeContinuous; }
+    bool Table() const { return mType == eTypeTable; }
+
+    friend bool operator==(const CCodeInfo&, const CCodeInfo&) = default;
+
+private:
+    CCodeInfo(uint32_t access_I, uint32_t type_I, uint32_t readSize_I, uint32_t writeSize_I);
+    void ApplyAccessToSizes();
+
+    uint32_t mAccess = eAccessPlaceholder;
+    uint32_t mType = eTypeNonContinuous;
+    uint32_t mReadSize = 0;
+    uint32_t mWriteSize = 0;
+};
+
+using CodeInfoTable = std::map<uint8_t, CCodeInfo>;
+
+// The table for a display with this EDID product code (gamma and the red colour offset
+// differ by model).
+CodeInfoTable BuildCodeInfoTable(uint16_t edidProductCode_I);

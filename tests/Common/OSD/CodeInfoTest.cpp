@@ -1,0 +1,71 @@
+#include <gtest/gtest.h>
+
+#include "CEdidBuilder.h"
+#include "CodeInfo.h"
+#include "ModelGroups.h"
+
+namespace {
+// Product codes of one display of each kind (EDID product code -> tablet family).
+constexpr uint16_t kGroupCDisplay = 0x1060;       // family 0x037C
+constexpr uint16_t kEarlySerialDisplay = 0x1040;  // family 0x0304
+constexpr uint16_t kOtherDisplay = 0x1070;        // family 0x03A6
+}  // namespace
+
+TEST(CodeInfo, SizesFollowTheAccess) {
+    CodeInfoTable table = BuildCodeInfoTable(kOtherDisplay);
+    auto expect = [&table](uint8_t code, uint32_t access, uint32_t type, uint32_t readSize,
+                           uint32_t writeSize) {
+        ASSERT_TRUE(table.count(code)) << std::hex << int(code);
+        const CCodeInfo& info = table.at(code);
+        EXPECT_EQ(info.Access(), access) << std::hex << int(code);
+        EXPECT_EQ(info.Type(), type) << std::hex << int(code);
+        EXPECT_EQ(info.ReadSize(), readSize) << std::hex << int(code);
+        EXPECT_EQ(info.WriteSize(), writeSize) << std::hex << int(code);
+    };
+    expect(0x10, eAccessReadWrite, eTypeContinuous, 4, 2);
+    expect(0x6B, eAccessReadWrite, eTypeContinuous, 4, 2);
+    expect(0xF4, eAccessReadWrite, eTypeNonContinuous, 4, 2);
+    expect(0xC9, eAccessReadOnly, eTypeNonContinuous, 4, 0);
+    expect(0x04, eAccessWriteOnly, eTypeNonContinuous, 0, 2);
+    expect(0xEA, eAccessWriteOnly, eTypeNonContinuous, 0, 2);
+    expect(0x52, eAccessReadOnly, eTypeNonContinuous, 4, 2);
+    expect(0x8B, eAccessWriteOnly, eTypeNonContinuous, 4, 2);
+    expect(0xC2, eAccessReadOnly, eTypeContinuous, 4, 0);
+    expect(0x76, eAccessWriteOnly, eTypeTable, 0, 19);
+    expect(0xF2, eAccessReadOnly, eTypeTable, 70, 0);
+    expect(0xC3, eAccessReadWrite, eTypeTable, 256, 256);
+    EXPECT_EQ(table.count(0x00), 0u);
+    EXPECT_EQ(table.count(0xF5), 0u);
+    EXPECT_EQ(table.count(0x07), 0u);
+    EXPECT_EQ(table.size(), 76u + 46u + 11u + 10u + 3u + 1u + 11u + 2u);
+}
+
+TEST(CodeInfo, GammaAndRedOffsetDependOnTheModel) {
+    EXPECT_TRUE(BuildCodeInfoTable(kGroupCDisplay).at(0x72).Continuous());
+    EXPECT_FALSE(BuildCodeInfoTable(kOtherDisplay).at(0x72).Continuous());
+    EXPECT_FALSE(BuildCodeInfoTable(kEarlySerialDisplay).at(0xE4).Continuous());
+    EXPECT_TRUE(BuildCodeInfoTable(kOtherDisplay).at(0xE4).Continuous());
+}
+
+TEST(ModelGroups, MembershipGoesThroughTheProductFamilies) {
+    // Group C holds the 0x037C family, whose product codes are 0x1060 and 0x1063.
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupC, 0x1060));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupC, 0x1063));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupC, 0x1057));
+    EXPECT_FALSE(IsInModelGroup(EModelGroup::GroupC, 0x1070));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupA, 0x1065));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupB, 0x1072));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupD, 0x1052));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::FixedColorPresets, 0x1048));
+    EXPECT_FALSE(IsInModelGroup(EModelGroup::FixedColorPresets, 0x1060));
+    // An unknown product code belongs to no group.
+    EXPECT_FALSE(IsInModelGroup(EModelGroup::GroupA, 0x2222));
+    EXPECT_TRUE(IsInAnyFamily({0x0304, 0x03A6}, 0x1070));
+    EXPECT_FALSE(IsInAnyFamily({0x0304}, 0x1070));
+    for (EModelGroup group :
+         {EModelGroup::ColorOffsetRedIsColorPreset, EModelGroup::ContinuousGammaDefaultMccs,
+          EModelGroup::FixedColorPresets, EModelGroup::ExtendedDisplayPresets, EModelGroup::NoFan,
+          EModelGroup::BatteryModeMissingZero}) {
+        EXPECT_FALSE(ModelGroupProductIds(group).empty()) << ModelGroupName(group);
+    }
+}
