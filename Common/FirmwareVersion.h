@@ -23,6 +23,16 @@ struct SFirmwareVersion {
     friend bool operator==(const SFirmwareVersion&, const SFirmwareVersion&) = default;
 };
 
-// Format kind of a version taken from VCP 0xC9 (major from the maximum's low byte, minor and
-// build from the current value).
+// Format kind of a version taken from VCP 0xC9.
 constexpr uint8_t kFirmwareVersionKindVcpC9 = 5;
+
+// The displays report their major version in the low byte of 0xC9's maximum, and minor and
+// build in the high and low bytes of its current value.
+inline SFirmwareVersion FirmwareVersionFromVcpC9(uint16_t current_I, uint16_t maximum_I) {
+    SFirmwareVersion version;
+    version.major = static_cast<uint8_t>(maximum_I & 0xFF);
+    version.minor = static_cast<uint8_t>(current_I >> 8);
+    version.build = static_cast<uint8_t>(current_I & 0xFF);
+    version.kind = kFirmwareVersionKindVcpC9;
+    return version;
+}

@@ -43,6 +43,8 @@ public:
     void ClearHasOriginal() { mHasOriginal = false; }
     // Current value back to the original, without any check (revert, restore, reset).
     void ResetValueToOriginal() { mValue = mOriginal; }
+    // Puts back a current value the display still has (after a write it did not take).
+    void RestoreValue(int32_t value_I) { mValue = value_I; }
     // The original becomes the current value (the display has stored it).
     void CommitValueAsOriginal() { mOriginal = mValue; }
 

@@ -1,0 +1,96 @@
+#pragma once
+// One physical display that answers DDC/CI. Discovery creates it over an open connector with
+// the display's EDID product code; Initialize reads the display's name and capabilities and
+// builds the option map; afterwards options are read and written one transaction at a time.
+//
+// Every operation blocks for the transport's waits and the pauses the firmware needs after a
+// write; all of them go through the process clock. The object takes no lock: one thread at a
+// time uses a display.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CVCPOption.h"
+#include "CapabilitiesParser.h"
+#include "CodeInfo.h"
+#include "Connector.h"
+#include "FirmwareVersion.h"
+
+struct SMCCSVersion {
+    uint32_t major = 0;
+    uint8_t minor = 0;
+
+    bool IsValid() const { return major != 0 || minor != 0; }
+    // "2.2" -> 2.2; anything unreadable gives the invalid version.
+    static SMCCSVersion Parse(const std::string& text_I);
+};
+
+// What a get returns: the option's range and current value after an optional read.
+struct SVCPValue {
+    bool valid = false;  // the code has an option and its last read succeeded
+    int32_t value = 0;
+    SRange range;
+    std::string error;
+};
+
+class CDisplay {
+public:
+    CDisplay(std::shared_ptr<Connector> connector_I, uint16_t edidNumber_I);
+    virtual ~CDisplay();
+    CDisplay(const CDisplay&) = delete;
+    CDisplay& operator=(const CDisplay&) = delete;
+
+    // Reads name and capabilities from the connector, or uses capsStr_I when it is not empty
+    // (the connector is then asked for nothing). False when the display cannot be used.
+    bool Initialize(const std::string& capsStr_I = std::string());
+
+    // One get transaction; the result (value or error text) lands in the option.
+    bool ReadVCPValue_(const VCPOptionPtr& option_I);
+    // One set transaction with the option's current value, then the firmware's pause.
+    bool WriteVCPValue_(const VCPOptionPtr& option_I);
+
+    bool SetVCPValue(uint32_t vcpCode_I, int32_t value_I);
+    // SetVCPValue until the display reads back the value; retryCount_I + 1 attempts at most.
+    bool SetVCPValueVerify(uint32_t vcpCode_I, int32_t value_I, int retryCount_I);
+    SVCPValue GetVCPValue(uint32_t vcpCode_I, bool forceRead_I);
+    // Puts an option back to the value the display had when first read.
+    bool RestoreOriginal(uint32_t vcpCode_I);
+    // Forgets the options, commands and capabilities (also done on destruction).
+    void ClearData();
+
+    uint16_t EDIDNumber() const { return mEDIDNumber; }
+    const std::shared_ptr<Connector>& GetConnector() const { return mConnector; }
+    const std::string& MonitorName() const { return mMonitorName; }
+    void SetMonitorName(const std::string& name_I) { mMonitorName = name_I; }
+    const CapabilitiesMap& Capabilities() const { return mCapabilities; }
+    const std::string& Protocol() const { return mProtocol; }
+    const std::string& DisplayType() const { return mType; }
+    const SMCCSVersion& MCCSVersion() const { return mMCCSVersion; }
+    const SFirmwareVersion& FirmwareVersion() const { return mFirmwareVersion; }
+    const VCPOptionsMap& Options() const { return mVCPOptionsMap; }
+    VCPOptionPtr Option(uint32_t vcpCode_I) const;
+    bool HasOption(uint32_t vcpCode_I) const { return Option(vcpCode_I) != nullptr; }
+    const std::vector<uint32_t>& Commands() const { return mCommands; }
+    const CodeInfoTable& CodeInformation() const { return mCodeInfo; }
+
+protected:
+    // The write with one retry after 60 ms that SetVCPValue, RestoreOriginal and Revert share.
+    // True when the option ends without an error.
+    bool WriteWithRetry(const VCPOptionPtr& option_I);
+    // The per-model corrections of the option map.
+    void ApplyModelCorrections();
+
+    std::shared_ptr<Connector> mConnector;
+    uint16_t mEDIDNumber;
+    std::string mMonitorName;
+    CapabilitiesMap mCapabilities;
+    std::string mProtocol;
+    std::string mType;
+    SMCCSVersion mMCCSVersion;
+    CodeInfoTable mCodeInfo;
+    VCPOptionsMap mVCPOptionsMap;
+    std::vector<uint32_t> mCommands;
+    SFirmwareVersion mFirmwareVersion;
+};

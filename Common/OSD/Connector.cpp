@@ -1,0 +1,117 @@
+#include "Connector.h"
+
+#include "Assert.h"
+#include "Clock.h"
+#include "DdcPackets.h"
+#include "DebugLog.h"
+#include "EdidText.h"
+
+Connector::~Connector() { mEDIDCache.clear(); }
+
+bool Connector::Close() {
+    mEDIDCache.clear();
+    return true;
+}
+
+std::string Connector::TrimCapabilitiesString(const ByteBuffer& capsStr_I) {
+    VLR_ASSERT_AS(!capsStr_I.empty() && capsStr_I[0] == '(', "capsStr_I[0] == '('");
+    std::string capabilitiesStr;
+    int depth = 0;
+    bool opened = false;
+    for (uint8_t byte : capsStr_I) {
+        if (byte == '(') {
+            ++depth;
+            opened = true;
+        } else if (byte == ')') {
+            --depth;
+        }
+        capabilitiesStr += static_cast<char>(byte);
+        if (opened && depth == 0) {
+            break;  // fill bytes, NULs and strays after the balanced string are dropped
+        }
+    }
+    VLR_ASSERT(!capabilitiesStr.empty());
+    if (DebugLog::IsOn(ELogLevel::Info)) {
+        DLog("caps: ");
+        for (char c : capabilitiesStr) {
+            DLog("%c", c);
+        }
+        DLog("\n");
+    }
+    return capabilitiesStr;
+}
+
+bool Connector::ScalarReset() {
+    const ByteBuffer request = BuildScalerResetMessage();
+    DLogHex("Reset w", request);
+    ByteBuffer inBuffer = SendRequest(request, Ddc::kScalerResetWaitSeconds, Ddc::kReplySize, 0);
+    if (inBuffer.size() < 4) {
+        DLog("Send request failed\n");
+        return false;
+    }
+    const uint8_t received = inBuffer.back();
+    const uint8_t computed = StripReplyChecksum(inBuffer);
+    if (received != computed) {
+        DLogVerbose("ScalarReset:Read checksum failed %i %i\n", received, computed);
+    }
+    DLogHex("Reset r", inBuffer);
+    const bool getReply = inBuffer[0] == 0x6E && inBuffer[1] == 0x88 && inBuffer[2] == 0x02;
+    const bool nullRotatedOnce = inBuffer[0] == 0x80 && inBuffer[1] == 0xBE && inBuffer[2] == 0x6E;
+    const bool nullRotatedTwice = inBuffer[0] == 0xBE && inBuffer[1] == 0x6E && inBuffer[2] == 0x80;
+    if (getReply || nullRotatedOnce || nullRotatedTwice) {
+        return true;
+    }
+    DLog("response was one we don't recognize\n");
+    return false;
+}
+
+bool Connector::SaveSettingsToScalar() {
+    const ByteBuffer request = BuildSaveCurrentSettingsRequest();
+    DLogHex("Save w", request);
+    ByteBuffer inBuffer = SendRequest(request, Ddc::kSaveWaitSeconds, Ddc::kReplySize, 0);
+    if (inBuffer.size() < 3) {
+        DLogVerbose("Send request failed\n");
+        return false;
+    }
+    const uint8_t received = inBuffer.back();
+    const uint8_t computed = StripReplyChecksum(inBuffer);
+    if (received != computed) {
+        DLogVerbose("SaveSettingsToScalar:Read checksum failed %i %i\n", received, computed);
+    }
+    DLogHex("Save r", inBuffer);
+    // The null message 6E 80 BE, or a rotation of it that some transports return.
+    auto isNullByte = [](uint8_t byte) { return byte == 0x6E || byte == 0x80 || byte == 0xBE; };
+    if (isNullByte(inBuffer[0]) && isNullByte(inBuffer[1])) {
+        Clock::PauseMs(200);
+        return true;
+    }
+    DLog("response was one we don't recognize\n");
+    return false;
+}
+
+bool Connector::FillEDIDCache(int32_t sid_I) {
+    if (mEDIDCache.empty()) {
+        mEDIDCache = ReadEDID(sid_I);
+    }
+    return !mEDIDCache.empty();
+}
+
+std::string Connector::MonitorName() {
+    if (!FillEDIDCache(-1)) {
+        return {};
+    }
+    std::string name = Edid::DescriptorText(mEDIDCache, Edid::kTagMonitorName);
+    DLogHex("EDID result", mEDIDCache);
+    DLog("Monitor Name %s\n", name.c_str());
+    return name;
+}
+
+std::string Connector::SerialNumber(int32_t sid_I) {
+    if (!FillEDIDCache(sid_I)) {
+        return {};
+    }
+    std::string serial = Edid::DescriptorText(mEDIDCache, Edid::kTagSerialNumber);
+    DLogHex("EDID result", mEDIDCache);
+    DLog("Serial Number %s\n", serial.c_str());
+    return serial;
+}

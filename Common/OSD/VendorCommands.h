@@ -1,0 +1,23 @@
+#pragma once
+// The maker's vendor commands over DDC/CI: factory mode (C0 E1) and the EDID read in sixteen
+// 16-byte chunks (C0 66), which needs factory mode. Used by every transport that carries raw
+// DDC/CI bytes to the display's controller.
+
+#include <cstdint>
+#include <string>
+
+#include "ByteBuffer.h"
+
+class Connector;
+
+// 6E 51 84 C0 E1 00 flag chk
+ByteBuffer BuildFactoryModeRequest(bool on_I);
+// 6E 51 83 C0 66 index chk
+ByteBuffer BuildEdidChunkRequest(uint8_t index_I);
+
+// Switches factory mode; the display answers with the null message.
+bool SetFactoryMode(Connector& connector_I, bool on_I);
+
+// The 256-byte EDID read chunk by chunk between factory mode on and off. timerLabel_I names
+// the connector in the timing line.
+ByteBuffer ReadEdidByVendorCommand(Connector& connector_I, const char* timerLabel_I);
