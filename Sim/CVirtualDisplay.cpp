@@ -64,9 +64,10 @@ CVirtualDisplay::CVirtualDisplay(SVirtualDisplayModel model_I) : mModel(std::mov
 ByteBuffer CVirtualDisplay::Handle(const ByteBuffer& request_I) {
     std::lock_guard<std::mutex> lock(mMutex);
     const uint8_t opcode = request_I.size() > 3 ? request_I[3] : 0;
-    const int vcpCode = request_I.size() > 4 && (opcode == ddcCC_GetVCPFeatureRequest || opcode == ddcCC_SetVCPFeatureRequest)
-                            ? request_I[4]
-                            : kAnyCode;
+    const int vcpCode =
+        request_I.size() > 4 && (opcode == ddcCC_GetVCPFeatureRequest || opcode == ddcCC_SetVCPFeatureRequest)
+            ? request_I[4]
+            : kAnyCode;
     STransaction transaction;
     transaction.time = Clock::Get().Now();
     transaction.request = request_I;
@@ -113,12 +114,11 @@ ByteBuffer CVirtualDisplay::Answer(const ByteBuffer& request_I) {
             }
             return BuildNullMessage();
         case ddcCC_CapabilitiesRequest:
-            return request_I.size() == 7 ? AnswerCapabilities(static_cast<uint16_t>((request_I[4] << 8) | request_I[5]))
-                                         : ByteBuffer{};
-        case 0xC0:
-            return AnswerVendor(request_I);
-        default:
-            return BuildNullMessage();
+            return request_I.size() == 7
+                       ? AnswerCapabilities(static_cast<uint16_t>((request_I[4] << 8) | request_I[5]))
+                       : ByteBuffer{};
+        case 0xC0: return AnswerVendor(request_I);
+        default: return BuildNullMessage();
     }
 }
 
@@ -167,8 +167,7 @@ void CVirtualDisplay::ApplySet(uint8_t code_I, uint16_t value_I) {
                 }
             }
             return;
-        default:
-            break;
+        default: break;
     }
     if (state.control.continuous) {
         if (value_I > state.control.maximum) {
@@ -188,8 +187,8 @@ void CVirtualDisplay::ApplySet(uint8_t code_I, uint16_t value_I) {
 }
 
 ByteBuffer CVirtualDisplay::AnswerCapabilities(uint16_t offset_I) const {
-    ByteBuffer reply{Ddc::kDisplayAddress, 0x00, ddcCC_CapabilitiesReplyCode, static_cast<uint8_t>(offset_I >> 8),
-                     static_cast<uint8_t>(offset_I & 0xFF)};
+    ByteBuffer reply{Ddc::kDisplayAddress, 0x00, ddcCC_CapabilitiesReplyCode,
+                     static_cast<uint8_t>(offset_I >> 8), static_cast<uint8_t>(offset_I & 0xFF)};
     if (offset_I < mCapabilities.size()) {
         const size_t count = std::min(kCapabilitiesChunk, mCapabilities.size() - offset_I);
         reply.insert(reply.end(), mCapabilities.begin() + offset_I, mCapabilities.begin() + offset_I + count);
@@ -249,12 +248,13 @@ void CVirtualDisplay::RestoreDefaults(bool colourOnly_I, bool store_I) {
     }
 }
 
-void CVirtualDisplay::BeBusyFor(std::chrono::milliseconds duration_I) { mBusyUntil = Clock::Get().Now() + duration_I; }
+void CVirtualDisplay::BeBusyFor(std::chrono::milliseconds duration_I) {
+    mBusyUntil = Clock::Get().Now() + duration_I;
+}
 
 ByteBuffer CVirtualDisplay::ApplyFault(EFault fault_I, ByteBuffer reply_I) {
     switch (fault_I) {
-        case EFault::NullMessage:
-            return BuildNullMessage();
+        case EFault::NullMessage: return BuildNullMessage();
         case EFault::CorruptChecksum:
             if (!reply_I.empty()) {
                 reply_I.back() ^= 0x5A;
@@ -274,11 +274,8 @@ ByteBuffer CVirtualDisplay::ApplyFault(EFault fault_I, ByteBuffer reply_I) {
                 reply_I = Seal(reply_I);
             }
             return reply_I;
-        case EFault::TruncatedReply:
-            reply_I.resize(reply_I.size() / 2);
-            return reply_I;
-        default:
-            return reply_I;
+        case EFault::TruncatedReply: reply_I.resize(reply_I.size() / 2); return reply_I;
+        default: return reply_I;
     }
 }
 
@@ -336,7 +333,8 @@ size_t CVirtualDisplay::CountRequests(uint8_t opcode_I, int vcpCode_I) const {
     size_t count = 0;
     for (const STransaction& transaction : mTransactions) {
         const ByteBuffer& request = transaction.request;
-        if (request.size() > 4 && request[3] == opcode_I && (vcpCode_I == kAnyCode || request[4] == vcpCode_I)) {
+        if (request.size() > 4 && request[3] == opcode_I &&
+            (vcpCode_I == kAnyCode || request[4] == vcpCode_I)) {
             ++count;
         }
     }

@@ -7,7 +7,8 @@
 #include "VendorCommands.h"
 #include "codes.h"
 
-CVirtualDisplayConnector::CVirtualDisplayConnector(std::shared_ptr<CVirtualDisplay> display_I, unsigned type_I)
+CVirtualDisplayConnector::CVirtualDisplayConnector(std::shared_ptr<CVirtualDisplay> display_I,
+                                                   unsigned type_I)
     : mDisplay(std::move(display_I)), mType(type_I) {}
 
 bool CVirtualDisplayConnector::Open(const std::string& name_I) {
@@ -26,8 +27,8 @@ bool CVirtualDisplayConnector::Close() {
     return Connector::Close();
 }
 
-ByteBuffer CVirtualDisplayConnector::SendRequest(const ByteBuffer& toSend_I, double delay_I, unsigned expectedSize_I,
-                                                 int32_t) {
+ByteBuffer CVirtualDisplayConnector::SendRequest(const ByteBuffer& toSend_I, double delay_I,
+                                                 unsigned expectedSize_I, int32_t) {
     if (!mOpen) {
         return {};
     }

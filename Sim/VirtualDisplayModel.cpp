@@ -17,7 +17,10 @@ std::string BuildCapabilitiesString(const SVirtualDisplayModel& model_I) {
             values = *control.listedValues;
         } else {
             for (uint16_t value : control.allowed) {
-                values += (values.empty() ? "" : " ") + StringPrintf("%02X", value);
+                if (!values.empty()) {
+                    values += ' ';
+                }
+                values += StringPrintf("%02X", value);
             }
         }
         if (!values.empty()) {

@@ -16,13 +16,13 @@ struct SVirtualControl {
     bool continuous = false;
     EControlAccess access = EControlAccess::ReadWrite;
     uint16_t factoryValue = 0;
-    uint16_t maximum = 0;              // continuous controls
-    std::vector<uint16_t> allowed;     // non-continuous values the firmware accepts; empty: any
+    uint16_t maximum = 0;           // continuous controls
+    std::vector<uint16_t> allowed;  // non-continuous values the firmware accepts; empty: any
     // The value list the capabilities string shows, when the firmware lists something other
     // than what it accepts; an empty text lists the code without a value group.
     std::optional<std::string> listedValues;
-    bool listed = true;                // appears in the capabilities string
-    bool colour = false;               // restored by Restore Factory Color Defaults (0x08)
+    bool listed = true;   // appears in the capabilities string
+    bool colour = false;  // restored by Restore Factory Color Defaults (0x08)
 };
 
 struct SVirtualDisplayModel {

@@ -10,33 +10,33 @@ namespace {
 
 enum class EGamma { None, TwoChoices, ThreeChoices, FineScale };
 
-// What a family's firmware offers.
+// What a family's firmware offers; everything not named is absent.
 struct SFamily {
-    const char* key;
-    const char* monitorName;
-    uint16_t productId;
-    uint16_t edidCode;
-    SFirmwareVersion firmware;
-    uint8_t brightnessCode;
-    EGamma gamma;
-    bool colourTemperatureAtE4;   // the first models keep their presets at 0xE4
-    bool limitedColourPresets;    // lists presets its panel cannot show
-    bool fullCustomColour;        // hue, saturation and offsets besides the gains
-    std::vector<uint16_t> colourSpaces;
-    std::vector<uint16_t> displayPresets;
-    uint8_t aspectCode;  // 0 for none
-    bool uniformity;
-    bool dynamicContrast;
-    bool energySmart;
-    bool lcdConditioning;
-    bool autoPowerDown;
-    bool osdLanguage;
-    bool led;
-    bool fan;
-    bool fanListedWithoutFan;
-    bool battery;
-    bool batteryListedWithoutZero;
-    bool listsMccsVersion;
+    const char* key = "";
+    const char* monitorName = "";
+    uint16_t productId = 0;
+    uint16_t edidCode = 0;
+    SFirmwareVersion firmware = {};
+    uint8_t brightnessCode = vcpC_Luminance;
+    EGamma gamma = EGamma::None;
+    bool colourTemperatureAtE4 = false;  // the first models keep their presets at 0xE4
+    bool limitedColourPresets = false;   // lists presets its panel cannot show
+    bool fullCustomColour = false;       // hue, saturation and offsets besides the gains
+    std::vector<uint16_t> colourSpaces = {};
+    std::vector<uint16_t> displayPresets = {};
+    uint8_t aspectCode = 0;
+    bool uniformity = false;
+    bool dynamicContrast = false;
+    bool energySmart = false;
+    bool lcdConditioning = false;
+    bool autoPowerDown = false;
+    bool osdLanguage = false;
+    bool led = false;
+    bool fan = false;
+    bool fanListedWithoutFan = false;
+    bool battery = false;
+    bool batteryListedWithoutZero = false;
+    bool listsMccsVersion = true;
 };
 
 SVirtualControl Continuous(uint8_t code, uint16_t factory, uint16_t maximum, bool colour = false) {
@@ -105,10 +105,10 @@ SVirtualDisplayModel BuildModel(const SFamily& family) {
         c.push_back(Continuous(gain, 100, 100, true));
     }
     if (family.fullCustomColour) {
-        for (uint8_t code : {vcpC_6AxisSaturationControlRed, vcpC_6AxisSaturationControlGreen,
-                             vcpC_6AxisSaturationControlBlue, vcpC_6AxisHueControlRed, vcpC_6AxisHueControlGreen,
-                             vcpC_6AxisHueControlBlue, vcpC_ColorOffsetRed, vcpC_ColorOffsetGreen,
-                             vcpC_ColorOffsetBlue}) {
+        for (uint8_t code :
+             {vcpC_6AxisSaturationControlRed, vcpC_6AxisSaturationControlGreen,
+              vcpC_6AxisSaturationControlBlue, vcpC_6AxisHueControlRed, vcpC_6AxisHueControlGreen,
+              vcpC_6AxisHueControlBlue, vcpC_ColorOffsetRed, vcpC_ColorOffsetGreen, vcpC_ColorOffsetBlue}) {
             c.push_back(Continuous(code, 50, 100, true));
         }
     }
@@ -119,8 +119,9 @@ SVirtualDisplayModel BuildModel(const SFamily& family) {
         case EGamma::None: break;
     }
     if (family.aspectCode != 0) {
-        std::vector<uint16_t> values = family.aspectCode == vcpC_DisplayScaling ? std::vector<uint16_t>{0x01, 0x02, 0x05}
-                                                                                : std::vector<uint16_t>{0x00, 0x01};
+        std::vector<uint16_t> values = family.aspectCode == vcpC_DisplayScaling
+                                           ? std::vector<uint16_t>{0x01, 0x02, 0x05}
+                                           : std::vector<uint16_t>{0x00, 0x01};
         c.push_back(Choice(family.aspectCode, values.front(), values));
     }
     c.push_back(Continuous(vcpC_Sharpness, 2, 4));
@@ -131,11 +132,14 @@ SVirtualDisplayModel BuildModel(const SFamily& family) {
         c.push_back(Choice(vcpC_OSDLanguage, 0x02, kOsdLanguages));
     }
     if (!family.displayPresets.empty()) {
-        SVirtualControl presets =
-            Choice(vcpC_DisplayPresets, 0x07, {0x00, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0A, 0x0B, 0x0C, 0x0D}, true);
+        SVirtualControl presets = Choice(vcpC_DisplayPresets, 0x07,
+                                         {0x00, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0A, 0x0B, 0x0C, 0x0D}, true);
         std::string listed;
         for (uint16_t value : family.displayPresets) {
-            listed += (listed.empty() ? "" : " ") + StringPrintf("%02X", value);
+            if (!listed.empty()) {
+                listed += ' ';
+            }
+            listed += StringPrintf("%02X", value);
         }
         presets.listedValues = listed;
         c.push_back(presets);
@@ -177,72 +181,142 @@ SVirtualDisplayModel BuildModel(const SFamily& family) {
         }
         c.push_back(battery);
     }
-    std::sort(c.begin(), c.end(), [](const SVirtualControl& a, const SVirtualControl& b) { return a.code < b.code; });
+    std::sort(c.begin(), c.end(),
+              [](const SVirtualControl& a, const SVirtualControl& b) { return a.code < b.code; });
     return model;
 }
 
 std::vector<SFamily> Families() {
     const std::vector<uint16_t> standardSpaces = {0x00, 0x01, 0x03};
     const std::vector<uint16_t> wideSpaces = {0x00, 0x01, 0x02, 0x03, 0x04, 0x07};
-    // key, name, product id, EDID code, firmware, brightness, gamma, E4 presets, limited presets,
-    // full custom colour, colour spaces, display presets, aspect, uniformity, dynamic contrast,
-    // energy smart, LCD conditioning, auto power down, OSD language, LED, fan, fan listed only,
-    // battery, battery listed without 0, mccs_ver
+    const std::vector<uint16_t> slatePresets = {0x00, 0x05, 0x06, 0x07, 0x08, 0x09};
+    auto early = [](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
+                    SFirmwareVersion fw) {
+        return SFamily{.key = key,
+                       .monitorName = name,
+                       .productId = productId,
+                       .edidCode = edidCode,
+                       .firmware = fw,
+                       .colourTemperatureAtE4 = true};
+    };
+    auto hd = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode) {
+        return SFamily{.key = key,
+                       .monitorName = name,
+                       .productId = productId,
+                       .edidCode = edidCode,
+                       .firmware = {2, 0, 5, 5, 0},
+                       .gamma = EGamma::TwoChoices,
+                       .limitedColourPresets = true,
+                       .fullCustomColour = true,
+                       .colourSpaces = standardSpaces,
+                       .aspectCode = vcpC_DisplayScaling,
+                       .osdLanguage = true,
+                       .led = true};
+    };
+    auto pro = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
+                   SFirmwareVersion fw, bool withFan) {
+        return SFamily{.key = key,
+                       .monitorName = name,
+                       .productId = productId,
+                       .edidCode = edidCode,
+                       .firmware = fw,
+                       .gamma = EGamma::FineScale,
+                       .fullCustomColour = true,
+                       .colourSpaces = wideSpaces,
+                       .aspectCode = vcpC_AspectRatio,
+                       .uniformity = true,
+                       .dynamicContrast = productId == 0x037C,
+                       .energySmart = true,
+                       .lcdConditioning = true,
+                       .autoPowerDown = true,
+                       .osdLanguage = true,
+                       .led = true,
+                       .fan = withFan,
+                       .listsMccsVersion = false};
+    };
+    auto slate = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
+                     SFirmwareVersion fw, const std::vector<uint16_t>& spaces) {
+        return SFamily{.key = key,
+                       .monitorName = name,
+                       .productId = productId,
+                       .edidCode = edidCode,
+                       .firmware = fw,
+                       .gamma = EGamma::ThreeChoices,
+                       .fullCustomColour = true,
+                       .colourSpaces = spaces,
+                       .displayPresets = slatePresets,
+                       .battery = true};
+    };
+    auto touch = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
+                     SFirmwareVersion fw) {
+        return SFamily{.key = key,
+                       .monitorName = name,
+                       .productId = productId,
+                       .edidCode = edidCode,
+                       .firmware = fw,
+                       .brightnessCode = vcpC_BacklightControl,
+                       .fullCustomColour = true,
+                       .colourSpaces = wideSpaces,
+                       .aspectCode = vcpC_DisplayScaling,
+                       .uniformity = true,
+                       .energySmart = true,
+                       .autoPowerDown = true,
+                       .led = true,
+                       .fanListedWithoutFan = true};
+    };
+    auto go = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode) {
+        return SFamily{.key = key,
+                       .monitorName = name,
+                       .productId = productId,
+                       .edidCode = edidCode,
+                       .firmware = {5, 0, 2, 5, 0},
+                       .brightnessCode = vcpC_BacklightLevelWhite,
+                       .fullCustomColour = true,
+                       .colourSpaces = standardSpaces,
+                       .aspectCode = vcpC_ScanMode,
+                       .energySmart = true,
+                       .autoPowerDown = true,
+                       .led = true,
+                       .battery = true,
+                       .batteryListedWithoutZero = true};
+    };
+    auto studio = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
+                      SFirmwareVersion fw, bool withLed) {
+        return SFamily{.key = key,
+                       .monitorName = name,
+                       .productId = productId,
+                       .edidCode = edidCode,
+                       .firmware = fw,
+                       .brightnessCode = vcpC_BacklightLevelWhite,
+                       .fullCustomColour = true,
+                       .colourSpaces = wideSpaces,
+                       .aspectCode = vcpC_ScanMode,
+                       .uniformity = true,
+                       .energySmart = true,
+                       .autoPowerDown = true,
+                       .led = withLed,
+                       .fan = true};
+    };
     return {
-        {"canvas-12", "Canvas 12", 0x0304, 0x1040, {1, 0, 8, 5, 0}, vcpC_Luminance, EGamma::None, true, false, false,
-         {}, {}, 0, false, false, false, false, false, false, false, false, false, false, false, true},
-        {"canvas-21", "Canvas 21", 0x0333, 0x1046, {1, 1, 2, 5, 0}, vcpC_Luminance, EGamma::None, true, false, false,
-         {}, {}, 0, false, false, false, false, false, false, false, false, false, false, false, true},
-        {"canvas-24", "Canvas 24", 0x0325, 0x1042, {1, 2, 0, 5, 0}, vcpC_Luminance, EGamma::None, true, false, false,
-         {}, {}, 0, false, false, false, false, false, false, false, false, false, false, false, true},
-        {"canvas-13-hd", "Canvas 13 HD", 0x032B, 0x1043, {2, 0, 5, 5, 0}, vcpC_Luminance, EGamma::TwoChoices, false,
-         true, true, standardSpaces, {}, vcpC_DisplayScaling, false, false, false, false, false, true, true, false,
-         false, false, false, true},
-        {"canvas-16-hd", "Canvas 16 HD", 0x032A, 0x1044, {2, 0, 5, 5, 0}, vcpC_Luminance, EGamma::TwoChoices, false,
-         true, true, standardSpaces, {}, vcpC_DisplayScaling, false, false, false, false, false, true, true, false,
-         false, false, false, true},
-        {"canvas-22-pro", "Canvas 22 Pro", 0x037C, 0x1060, {3, 1, 2, 5, 0}, vcpC_Luminance, EGamma::FineScale, false,
-         false, true, wideSpaces, {}, vcpC_AspectRatio, true, true, true, true, true, true, true, false, false, false,
-         false, false},
-        {"canvas-27-pro", "Canvas 27 Pro", 0x0352, 0x1057, {3, 1, 4, 5, 0}, vcpC_Luminance, EGamma::FineScale, false,
-         false, true, wideSpaces, {}, vcpC_AspectRatio, true, false, true, true, true, true, true, true, false, false,
-         false, false},
-        {"canvas-32-pro", "Canvas 32 Pro", 0x03B2, 0x1073, {3, 2, 0, 5, 0}, vcpC_Luminance, EGamma::FineScale, false,
-         false, true, wideSpaces, {}, vcpC_AspectRatio, true, false, true, true, true, true, true, true, false, false,
-         false, false},
-        {"slate-13", "Slate 13", 0x034D, 0x1052, {1, 4, 0, 5, 0}, vcpC_Luminance, EGamma::ThreeChoices, false, false,
-         true, standardSpaces, {0x00, 0x05, 0x06, 0x07, 0x08, 0x09}, 0, false, false, false, false, false, false,
-         false, false, false, true, false, true},
-        {"slate-16", "Slate 16", 0x034E, 0x1053, {1, 4, 0, 5, 0}, vcpC_Luminance, EGamma::ThreeChoices, false, false,
-         true, standardSpaces, {0x00, 0x05, 0x06, 0x07, 0x08, 0x09}, 0, false, false, false, false, false, false,
-         false, false, false, true, false, true},
-        {"slate-13-pro", "Slate 13 Pro", 0x0398, 0x1066, {2, 1, 1, 5, 0}, vcpC_Luminance, EGamma::ThreeChoices, false,
-         false, true, wideSpaces, {0x00, 0x05, 0x06, 0x07, 0x08, 0x09}, 0, false, false, false, false, false, false,
-         false, false, false, true, false, true},
-        {"slate-16-pro", "Slate 16 Pro", 0x0399, 0x1067, {2, 1, 1, 5, 0}, vcpC_Luminance, EGamma::ThreeChoices, false,
-         false, true, wideSpaces, {0x00, 0x05, 0x06, 0x07, 0x08, 0x09}, 0, false, false, false, false, false, false,
-         false, false, false, true, false, true},
-        {"canvas-24-touch", "Canvas 24 T", 0x0390, 0x1064, {4, 0, 3, 5, 0}, vcpC_BacklightControl, EGamma::None,
-         false, false, true, wideSpaces, {}, vcpC_DisplayScaling, true, false, true, false, true, false, true, false,
-         true, false, false, true},
-        {"canvas-32-touch", "Canvas 32 T", 0x0391, 0x1065, {4, 0, 3, 5, 0}, vcpC_BacklightControl, EGamma::None,
-         false, false, true, wideSpaces, {}, vcpC_DisplayScaling, true, false, true, false, true, false, true, false,
-         true, false, false, true},
-        {"canvas-27-touch", "Canvas 27 T", 0x0396, 0x1068, {4, 1, 0, 5, 0}, vcpC_BacklightControl, EGamma::None,
-         false, false, true, wideSpaces, {}, vcpC_DisplayScaling, true, false, true, false, true, false, true, false,
-         true, false, false, true},
-        {"canvas-16-go", "Canvas 16 Go", 0x03AE, 0x1071, {5, 0, 2, 5, 0}, vcpC_BacklightLevelWhite, EGamma::None,
-         false, false, true, standardSpaces, {}, vcpC_ScanMode, false, false, true, false, true, false, true, false,
-         false, true, true, true},
-        {"canvas-13-go", "Canvas 13 Go", 0x03B0, 0x1072, {5, 0, 2, 5, 0}, vcpC_BacklightLevelWhite, EGamma::None,
-         false, false, true, standardSpaces, {}, vcpC_ScanMode, false, false, true, false, true, false, true, false,
-         false, true, true, true},
-        {"studio-24", "Studio 24", 0x03A6, 0x1070, {6, 0, 1, 5, 0}, vcpC_BacklightLevelWhite, EGamma::None, false,
-         false, true, wideSpaces, {}, vcpC_ScanMode, true, false, true, false, true, false, false, true, false, false,
-         false, true},
-        {"studio-32", "Studio 32", 0x03BD, 0x1075, {6, 1, 0, 5, 0}, vcpC_BacklightLevelWhite, EGamma::None, false,
-         false, true, wideSpaces, {}, vcpC_ScanMode, true, false, true, false, true, false, true, true, false, false,
-         false, true},
+        early("canvas-12", "Canvas 12", 0x0304, 0x1040, {1, 0, 8, 5, 0}),
+        early("canvas-21", "Canvas 21", 0x0333, 0x1046, {1, 1, 2, 5, 0}),
+        early("canvas-24", "Canvas 24", 0x0325, 0x1042, {1, 2, 0, 5, 0}),
+        hd("canvas-13-hd", "Canvas 13 HD", 0x032B, 0x1043),
+        hd("canvas-16-hd", "Canvas 16 HD", 0x032A, 0x1044),
+        pro("canvas-22-pro", "Canvas 22 Pro", 0x037C, 0x1060, {3, 1, 2, 5, 0}, false),
+        pro("canvas-27-pro", "Canvas 27 Pro", 0x0352, 0x1057, {3, 1, 4, 5, 0}, true),
+        pro("canvas-32-pro", "Canvas 32 Pro", 0x03B2, 0x1073, {3, 2, 0, 5, 0}, true),
+        slate("slate-13", "Slate 13", 0x034D, 0x1052, {1, 4, 0, 5, 0}, standardSpaces),
+        slate("slate-16", "Slate 16", 0x034E, 0x1053, {1, 4, 0, 5, 0}, standardSpaces),
+        slate("slate-13-pro", "Slate 13 Pro", 0x0398, 0x1066, {2, 1, 1, 5, 0}, wideSpaces),
+        slate("slate-16-pro", "Slate 16 Pro", 0x0399, 0x1067, {2, 1, 1, 5, 0}, wideSpaces),
+        touch("canvas-24-touch", "Canvas 24 T", 0x0390, 0x1064, {4, 0, 3, 5, 0}),
+        touch("canvas-32-touch", "Canvas 32 T", 0x0391, 0x1065, {4, 0, 3, 5, 0}),
+        touch("canvas-27-touch", "Canvas 27 T", 0x0396, 0x1068, {4, 1, 0, 5, 0}),
+        go("canvas-16-go", "Canvas 16 Go", 0x03AE, 0x1071),
+        go("canvas-13-go", "Canvas 13 Go", 0x03B0, 0x1072),
+        studio("studio-24", "Studio 24", 0x03A6, 0x1070, {6, 0, 1, 5, 0}, false),
+        studio("studio-32", "Studio 32", 0x03BD, 0x1075, {6, 1, 0, 5, 0}, true),
     };
 }
 

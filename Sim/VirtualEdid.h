@@ -10,9 +10,9 @@
 
 struct SVirtualEdidIdentity {
     uint16_t productCode = 0;
-    uint32_t serialNumber = 0;    // the numeric serial of bytes 12-15
-    std::string serialText;       // descriptor 0xFF, at most 13 characters
-    std::string monitorName;      // descriptor 0xFC, at most 13 characters
+    uint32_t serialNumber = 0;  // the numeric serial of bytes 12-15
+    std::string serialText;     // descriptor 0xFF, at most 13 characters
+    std::string monitorName;    // descriptor 0xFC, at most 13 characters
     uint8_t week = 1;
     uint16_t year = 2024;
 };

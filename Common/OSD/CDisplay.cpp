@@ -23,7 +23,9 @@ SMCCSVersion SMCCSVersion::Parse(const std::string& text_I) {
 CDisplay::CDisplay(std::shared_ptr<Connector> connector_I, uint16_t edidNumber_I)
     : mConnector(std::move(connector_I)), mEDIDNumber(edidNumber_I) {}
 
-CDisplay::~CDisplay() { ClearData(); }
+CDisplay::~CDisplay() {
+    ClearData();
+}
 
 VCPOptionPtr CDisplay::Option(uint32_t vcpCode_I) const {
     if (vcpCode_I > 0xFF) {
@@ -102,7 +104,8 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
     if (vcp.empty()) {
         return fail("vcp missing");
     }
-    if (IsInModelGroup(EModelGroup::BatteryModeMissingZero, mEDIDNumber) && vcp.find("F4(02 03)") != std::string::npos) {
+    if (IsInModelGroup(EModelGroup::BatteryModeMissingZero, mEDIDNumber) &&
+        vcp.find("F4(02 03)") != std::string::npos) {
         // The firmware reports Battery Mode 0 but leaves it out of its list.
         DLog("CDisplay::Initialize: WARNING - HACKING 0xF4 options to include illegal zero value\n");
         vcp.insert(vcp.find("F4(") + 3, "00 ");
@@ -140,8 +143,8 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
 void CDisplay::ApplyModelCorrections() {
     auto replaceWithPresets = [this](uint8_t code_I, const char* optionSet_I) {
         if (mVCPOptionsMap.count(code_I) != 0) {
-            mVCPOptionsMap[code_I] =
-                std::make_shared<VCPOptionCodeWithEnumerationT<colorPresetCode>>(code_I, mCodeInfo.at(code_I), optionSet_I);
+            mVCPOptionsMap[code_I] = std::make_shared<VCPOptionCodeWithEnumerationT<colorPresetCode>>(
+                code_I, mCodeInfo.at(code_I), optionSet_I);
         }
     };
     if (IsInModelGroup(EModelGroup::FixedColorPresets, mEDIDNumber)) {
@@ -171,7 +174,8 @@ bool CDisplay::ReadVCPValue_(const VCPOptionPtr& option_I) {
     } else if (option_I->Info().Readable()) {
         ByteBuffer inBuffer;
         if (mConnector) {
-            inBuffer = mConnector->SendRequest(BuildGetVCPRequest(code), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
+            inBuffer =
+                mConnector->SendRequest(BuildGetVCPRequest(code), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
         }
         StripReplyChecksum(inBuffer);
         SGetReplyValue reply;
@@ -237,8 +241,8 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
             option_I->SetError("Device not open");
         } else {
             const uint16_t value = static_cast<uint16_t>(option_I->GetValue() & 0xFFFF);
-            ByteBuffer inBuffer = mConnector->SendRequest(BuildSetVCPRequest(code, value),
-                                                          Ddc::SetRequestWaitSeconds(code), Ddc::kReplySize, 0);
+            ByteBuffer inBuffer = mConnector->SendRequest(
+                BuildSetVCPRequest(code, value), Ddc::SetRequestWaitSeconds(code), Ddc::kReplySize, 0);
             StripReplyChecksum(inBuffer);
             if (inBuffer.size() < 2) {
                 option_I->SetError(mConnector->IsOpen() ? "Send request failed" : "Device not open");
@@ -250,19 +254,14 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
                     Clock::PauseMs(700);
                     Clock::PauseMs(1300);
                     break;
-                case vcpC_UniformityCompensation:
-                    Clock::PauseMs(1000);
-                    break;
+                case vcpC_UniformityCompensation: Clock::PauseMs(1000); break;
                 case vcpC_RestoreFactoryDefaults:
-                case vcpC_RestoreFactoryColorDefaults:
-                    Clock::PauseMs(5000);
-                    break;
+                case vcpC_RestoreFactoryColorDefaults: Clock::PauseMs(5000); break;
                 case vcpC_DisplayScaling:
                     // A scaling change often goes unanswered while the picture is rebuilt.
                     option_I->ClearError();
                     break;
-                default:
-                    break;
+                default: break;
             }
         }
     }

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr size_t kHeaderSize = 5;   // address, length, opcode, two offset bytes
+constexpr size_t kHeaderSize = 5;     // address, length, opcode, two offset bytes
 constexpr size_t kMaxChunkData = 32;  // MCCS: at most 32 data bytes per fragment
 constexpr size_t kMaxCapabilities = 0x8000;
 
@@ -50,8 +50,8 @@ std::string ReadCapabilitiesByOffset(Connector& connector_I, const SCapabilities
         EChunk chunk = EChunk::Bad;
         size_t taken = 0;
         for (int attempt = 0; attempt < timing_I.attemptsPerChunk && chunk == EChunk::Bad; ++attempt) {
-            ByteBuffer reply = connector_I.SendRequest(BuildCapabilitiesRequest(offset), timing_I.replyWaitSeconds,
-                                                       timing_I.expectedSize, 0);
+            ByteBuffer reply = connector_I.SendRequest(BuildCapabilitiesRequest(offset),
+                                                       timing_I.replyWaitSeconds, timing_I.expectedSize, 0);
             chunk = TakeChunk(reply, offset, caps, taken);
             if (chunk == EChunk::Bad) {
                 DLog("ReadCapabilitiesByOffset: bad reply at offset %u (attempt %i)\n", offset, attempt + 1);

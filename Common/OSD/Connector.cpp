@@ -6,7 +6,9 @@
 #include "DebugLog.h"
 #include "EdidText.h"
 
-Connector::~Connector() { mEDIDCache.clear(); }
+Connector::~Connector() {
+    mEDIDCache.clear();
+}
 
 bool Connector::Close() {
     mEDIDCache.clear();
@@ -41,20 +43,29 @@ std::string Connector::TrimCapabilitiesString(const ByteBuffer& capsStr_I) {
     return capabilitiesStr;
 }
 
-bool Connector::ScalarReset() {
-    const ByteBuffer request = BuildScalerResetMessage();
-    DLogHex("Reset w", request);
-    ByteBuffer inBuffer = SendRequest(request, Ddc::kScalerResetWaitSeconds, Ddc::kReplySize, 0);
-    if (inBuffer.size() < 4) {
-        DLog("Send request failed\n");
-        return false;
+ByteBuffer Connector::SendFixedCommand(const SFixedCommand& command_I) {
+    DLogHex(command_I.writeTitle, command_I.request);
+    ByteBuffer inBuffer = SendRequest(command_I.request, command_I.waitSeconds, Ddc::kReplySize, 0);
+    if (inBuffer.size() < command_I.minimumReplySize) {
+        DebugLog::Write(command_I.failureLevel, "Send request failed\n");
+        return {};
     }
     const uint8_t received = inBuffer.back();
     const uint8_t computed = StripReplyChecksum(inBuffer);
     if (received != computed) {
-        DLogVerbose("ScalarReset:Read checksum failed %i %i\n", received, computed);
+        DLogVerbose("%s:Read checksum failed %i %i\n", command_I.name, received, computed);
     }
-    DLogHex("Reset r", inBuffer);
+    DLogHex(command_I.readTitle, inBuffer);
+    return inBuffer;
+}
+
+bool Connector::ScalarReset() {
+    const ByteBuffer inBuffer = SendFixedCommand({BuildScalerResetMessage(), Ddc::kScalerResetWaitSeconds,
+                                                  "ScalarReset", "Reset w", "Reset r", 4, ELogLevel::Info});
+    if (inBuffer.empty()) {
+        return false;
+    }
+    // A get reply, or the null message as some transports rotate it.
     const bool getReply = inBuffer[0] == 0x6E && inBuffer[1] == 0x88 && inBuffer[2] == 0x02;
     const bool nullRotatedOnce = inBuffer[0] == 0x80 && inBuffer[1] == 0xBE && inBuffer[2] == 0x6E;
     const bool nullRotatedTwice = inBuffer[0] == 0xBE && inBuffer[1] == 0x6E && inBuffer[2] == 0x80;
@@ -66,20 +77,13 @@ bool Connector::ScalarReset() {
 }
 
 bool Connector::SaveSettingsToScalar() {
-    const ByteBuffer request = BuildSaveCurrentSettingsRequest();
-    DLogHex("Save w", request);
-    ByteBuffer inBuffer = SendRequest(request, Ddc::kSaveWaitSeconds, Ddc::kReplySize, 0);
-    if (inBuffer.size() < 3) {
-        DLogVerbose("Send request failed\n");
+    const ByteBuffer inBuffer =
+        SendFixedCommand({BuildSaveCurrentSettingsRequest(), Ddc::kSaveWaitSeconds, "SaveSettingsToScalar",
+                          "Save w", "Save r", 3, ELogLevel::Verbose});
+    if (inBuffer.empty()) {
         return false;
     }
-    const uint8_t received = inBuffer.back();
-    const uint8_t computed = StripReplyChecksum(inBuffer);
-    if (received != computed) {
-        DLogVerbose("SaveSettingsToScalar:Read checksum failed %i %i\n", received, computed);
-    }
-    DLogHex("Save r", inBuffer);
-    // The null message 6E 80 BE, or a rotation of it that some transports return.
+    // The null message 6E 80 BE, or a rotation of it.
     auto isNullByte = [](uint8_t byte) { return byte == 0x6E || byte == 0x80 || byte == 0xBE; };
     if (isNullByte(inBuffer[0]) && isNullByte(inBuffer[1])) {
         Clock::PauseMs(200);

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "ByteBuffer.h"
+#include "DebugLog.h"
 #include "FirmwareVersion.h"
 
 enum EConnectorType : unsigned {
@@ -61,5 +62,17 @@ protected:
     ByteBuffer mEDIDCache;
 
 private:
+    struct SFixedCommand {
+        ByteBuffer request;
+        double waitSeconds;
+        const char* name;
+        const char* writeTitle;
+        const char* readTitle;
+        size_t minimumReplySize;
+        ELogLevel failureLevel;
+    };
+    // Sends the reset or the save; returns the reply without its checksum byte, or nothing
+    // when the reply is too short. A checksum mismatch is only logged.
+    ByteBuffer SendFixedCommand(const SFixedCommand& command_I);
     bool FillEDIDCache(int32_t sid_I);
 };

@@ -23,7 +23,8 @@ ByteBuffer Frame(ByteBuffer packet_I) {
 }  // namespace
 
 ByteBuffer BuildFactoryModeRequest(bool on_I) {
-    return Frame({0x6E, 0x51, 0x84, kVendorOpcode, kFactoryModeCommand, 0x00, static_cast<uint8_t>(on_I ? 1 : 0)});
+    return Frame(
+        {0x6E, 0x51, 0x84, kVendorOpcode, kFactoryModeCommand, 0x00, static_cast<uint8_t>(on_I ? 1 : 0)});
 }
 
 ByteBuffer BuildEdidChunkRequest(uint8_t index_I) {
@@ -32,7 +33,8 @@ ByteBuffer BuildEdidChunkRequest(uint8_t index_I) {
 
 bool SetFactoryMode(Connector& connector_I, bool on_I) {
     DLog("Set Factory Mode %s\n", on_I ? "on" : "off");
-    ByteBuffer inBuffer = connector_I.SendRequest(BuildFactoryModeRequest(on_I), kFactoryModeWaitSeconds, 3, 0);
+    ByteBuffer inBuffer =
+        connector_I.SendRequest(BuildFactoryModeRequest(on_I), kFactoryModeWaitSeconds, 3, 0);
     DLogHex("Result", inBuffer);
     VLR_ASSERT(inBuffer.size() == 3);
     if (inBuffer.size() != 3) {

@@ -67,7 +67,8 @@ TEST(EdidText, EveryRealBlobGivesExactlyTheListedTexts) {
         EXPECT_EQ(Edid::DescriptorText(edid, Edid::kTagSerialNumber), ExpectedText(source.serial));
         // SOURCES.tsv lists the descriptors of the base block; the search covers the whole
         // buffer, so a name that only an extension block carries is found there.
-        const std::string name = source.file == "ed_elo-4600L-hdmi_ELO_4600.bin" ? "ELO ET4600L" : ExpectedText(source.name);
+        const std::string name =
+            source.file == "ed_elo-4600L-hdmi_ELO_4600.bin" ? "ELO ET4600L" : ExpectedText(source.name);
         EXPECT_EQ(Edid::DescriptorText(edid, Edid::kTagMonitorName), name);
         withoutSerial += source.serial.empty();
     }
@@ -77,14 +78,15 @@ TEST(EdidText, EveryRealBlobGivesExactlyTheListedTexts) {
 TEST(EdidText, DescriptorRulesAtTheirEdges) {
     // Serial "ABC123", its 0x0A and padding blanks.
     ByteBuffer edid(128, 0x11);
-    const uint8_t serial[] = {0x00, 0x00, 0x00, 0xFF, 0x00, 'A', 'B', 'C', '1', '2', '3', 0x0A, ' ', ' ', ' ', ' ', ' ', ' '};
+    const uint8_t serial[] = {0x00, 0x00, 0x00, 0xFF, 0x00, 'A', 'B', 'C', '1',
+                              '2',  '3',  0x0A, ' ',  ' ',  ' ', ' ', ' ', ' '};
     std::copy(std::begin(serial), std::end(serial), edid.begin() + 72);
     EXPECT_EQ(Edid::DescriptorText(edid, 0xFF), "ABC123");
     EXPECT_EQ(Edid::DescriptorText(edid, 0xFC), "");
 
     // A full 13-character field runs on into printable bytes that follow it.
-    const uint8_t name[] = {0x00, 0x00, 0x00, 0xFC, 0x00, 'C', 'a', 'n', 'v', 'a', 's', ' ',
-                            '2', '2', ' ', 'P', 'r', 'o'};
+    const uint8_t name[] = {0x00, 0x00, 0x00, 0xFC, 0x00, 'C', 'a', 'n', 'v',
+                            'a',  's',  ' ',  '2',  '2',  ' ', 'P', 'r', 'o'};
     std::copy(std::begin(name), std::end(name), edid.begin() + 90);
     edid[108] = 'X';
     edid[109] = 0x05;

@@ -25,7 +25,8 @@ struct TVirtualBench {
         connector->Open(0);
         cdisplay = std::make_unique<DisplayT>(connector, model_I.edidProductCode);
     }
-    explicit TVirtualBench(const std::string& presetKey_I) : TVirtualBench(*FindVirtualDisplayPreset(presetKey_I)) {}
+    explicit TVirtualBench(const std::string& presetKey_I)
+        : TVirtualBench(*FindVirtualDisplayPreset(presetKey_I)) {}
 
     // Initialises and forgets the traffic and pauses that took.
     bool Initialize() {

@@ -13,7 +13,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-std::vector<long long> Ms(std::initializer_list<long long> values) { return values; }
+std::vector<long long> Ms(std::initializer_list<long long> values) {
+    return values;
+}
 
 template <typename E>
 std::vector<uint32_t> OptionSetOf(const CDisplay& display, uint8_t code) {
@@ -44,7 +46,9 @@ TEST(CDisplayInitialize, EveryFamilyPresetInitialisesWithItsCorrections) {
         const uint16_t code = model.edidProductCode;
         const bool groupA = IsInModelGroup(EModelGroup::GroupA, code);
         const bool sixB = IsInAnyFamily({0x03A6, 0x03BD}, code) || IsInModelGroup(EModelGroup::GroupB, code);
-        EXPECT_TRUE(display.HasOption(groupA ? vcpC_BacklightControl : sixB ? vcpC_BacklightLevelWhite : vcpC_Luminance));
+        EXPECT_TRUE(display.HasOption(groupA ? vcpC_BacklightControl
+                                      : sixB ? vcpC_BacklightLevelWhite
+                                             : vcpC_Luminance));
         if (IsInModelGroup(EModelGroup::FixedColorPresets, code)) {
             EXPECT_EQ(OptionSetOf<colorPresetCode>(display, 0x14), (std::vector<uint32_t>{4, 5, 8, 11}));
         }
@@ -98,7 +102,8 @@ TEST(CDisplayInitialize, AsksTheDisplayWithTheProtocolsWaits) {
 
     // A second run rebuilds from a given text and asks the display nothing.
     bench.display->ClearTransactions();
-    ASSERT_TRUE(bench.cdisplay->Initialize("(prot(monitor)type(lcd)model(x)cmds(01)vcp(10 12)mccs_ver(2.1))"));
+    ASSERT_TRUE(
+        bench.cdisplay->Initialize("(prot(monitor)type(lcd)model(x)cmds(01)vcp(10 12)mccs_ver(2.1))"));
     EXPECT_TRUE(bench.display->Transactions().empty());
     EXPECT_EQ(bench.cdisplay->Options().size(), 2u);
     EXPECT_EQ(bench.cdisplay->MCCSVersion().minor, 1u);
@@ -115,9 +120,11 @@ TEST(CDisplayInitialize, FailuresEndWithTheirLogLines) {
         {"(prot(monitor)type(lcd)cmds(01)vcp(10)mccs_ver(2.2))", " : model missing\n"},
         {"(prot(monitor)type(lcd)model(x)cmds(01)vcp(10))", " : mccs_ver missing\n"},
         {"(prot(monitor)type(lcd)model(x)cmds(01)mccs_ver(2.2))", " : vcp missing\n"},
-        {"(prot(monitor)type(lcd)model(x)cmds(01)vcp(FD FE 07)mccs_ver(2.2))", " : CreateVCPCodeMap failed\n"},
+        {"(prot(monitor)type(lcd)model(x)cmds(01)vcp(FD FE 07)mccs_ver(2.2))",
+         " : CreateVCPCodeMap failed\n"},
         {"(prot(monitor)type(lcd)model(x)cmds()vcp(10 12)mccs_ver(2.2))", " : cmds missing\n"},
-        {"(prot(monitor)type(lcd)model(x)cmds(zz)vcp(10 12)mccs_ver(2.2))", " : CreateCommandsVector failed\n"},
+        {"(prot(monitor)type(lcd)model(x)cmds(zz)vcp(10 12)mccs_ver(2.2))",
+         " : CreateCommandsVector failed\n"},
     };
     for (const SCase& c : cases) {
         SCOPED_TRACE(c.caps);
@@ -154,7 +161,8 @@ TEST(CDisplayInitialize, BatteryModeListWithoutZeroIsCorrectedOnlyWhereTheFirmwa
     CLogCapture log;
     SVirtualBench go("canvas-16-go");
     ASSERT_TRUE(go.cdisplay->Initialize());
-    EXPECT_TRUE(log.Contains("CDisplay::Initialize: WARNING - HACKING 0xF4 options to include illegal zero value\n"));
+    EXPECT_TRUE(
+        log.Contains("CDisplay::Initialize: WARNING - HACKING 0xF4 options to include illegal zero value\n"));
     EXPECT_TRUE(log.Contains("Updated caps for 0xF4: "));
     EXPECT_NE(go.cdisplay->Capabilities().at("vcp").find("F4(00 02 03)"), std::string::npos);
     SVCPValue battery = go.cdisplay->GetVCPValue(vcpC_BatteryMode, false);
@@ -164,7 +172,8 @@ TEST(CDisplayInitialize, BatteryModeListWithoutZeroIsCorrectedOnlyWhereTheFirmwa
 
     log.Clear();
     SVirtualBench studio("studio-24");
-    ASSERT_TRUE(studio.cdisplay->Initialize("(prot(monitor)type(lcd)model(x)cmds(01)vcp(10 F4(02 03))mccs_ver(2.2))"));
+    ASSERT_TRUE(studio.cdisplay->Initialize(
+        "(prot(monitor)type(lcd)model(x)cmds(01)vcp(10 F4(02 03))mccs_ver(2.2))"));
     EXPECT_EQ(OptionSetOf<uint32_t>(*studio.cdisplay, 0xF4), (std::vector<uint32_t>{2, 3}));
     EXPECT_FALSE(log.Contains("HACKING"));
 }
@@ -178,7 +187,8 @@ TEST(CDisplayReadWrite, SetWritesReadsBackAndPausesAsTheFirmwareNeeds) {
     EXPECT_EQ(bench.clock.PausesMs(), Ms({70, 50, 70}));
     EXPECT_EQ(bench.display->Value(vcpC_Contrast), 60);
     ASSERT_EQ(bench.display->Transactions().size(), 2u);
-    EXPECT_EQ(bench.display->Transactions()[0].request, (ByteBuffer{0x6E, 0x51, 0x84, 0x03, 0x12, 0x00, 0x3C, 0x96}));
+    EXPECT_EQ(bench.display->Transactions()[0].request,
+              (ByteBuffer{0x6E, 0x51, 0x84, 0x03, 0x12, 0x00, 0x3C, 0x96}));
     EXPECT_EQ(bench.display->Transactions()[1].request, BuildGetVCPRequest(vcpC_Contrast));
 
     bench.clock.ClearPauses();
@@ -202,8 +212,9 @@ TEST(CDisplayReadWrite, SetWritesReadsBackAndPausesAsTheFirmwareNeeds) {
     EXPECT_TRUE(display.RestoreOriginal(0x99));
     EXPECT_TRUE(bench.display->Transactions().empty());
     EXPECT_TRUE(bench.clock.Pauses().empty());
-    EXPECT_EQ(log.Asserts(), (std::vector<std::string>{"mVCPOptionsMap.count(vcpCode_I)", "mVCPOptionsMap.count(vcpCode_I)",
-                                                       "mVCPOptionsMap.count(vcpCode_I)"}));
+    EXPECT_EQ(log.Asserts(),
+              (std::vector<std::string>{"mVCPOptionsMap.count(vcpCode_I)", "mVCPOptionsMap.count(vcpCode_I)",
+                                        "mVCPOptionsMap.count(vcpCode_I)"}));
 }
 
 TEST(CDisplayReadWrite, AFailedFirstWriteIsRetriedOnceAfter60ms) {
@@ -285,7 +296,8 @@ TEST(CDisplayReadWrite, RestoreWritesTheOriginalAndRereadsAfter1000msOr60ms) {
         ASSERT_TRUE(bench.cdisplay->SetVCPValue(vcpC_SelectColorPreset, 8));
         EXPECT_EQ(bench.display->Value(vcpC_SelectColorPreset), 8);
         bench.clock.ClearPauses();
-        bench.display->Faults().FailNext(EFault::NoReply, 1, ddcCC_GetVCPFeatureRequest, vcpC_SelectColorPreset);
+        bench.display->Faults().FailNext(EFault::NoReply, 1, ddcCC_GetVCPFeatureRequest,
+                                         vcpC_SelectColorPreset);
         EXPECT_TRUE(bench.cdisplay->RestoreOriginal(vcpC_SelectColorPreset));
         const long long reread = std::string(key) == "canvas-13-hd" ? 1000 : 60;
         EXPECT_EQ(bench.clock.PausesMs(), Ms({70, 50, 70, reread, 70}));
@@ -309,7 +321,8 @@ TEST(CDisplayReadWrite, RestoreWritesTheOriginalAndRereadsAfter1000msOr60ms) {
 TEST(CDisplayReadWrite, TableOptionsAndClosedConnectorsReportWithoutTraffic) {
     SVirtualBench bench("studio-24");
     ASSERT_TRUE(bench.InitializeAndReadAll());
-    auto table = std::make_shared<VCPOptionSingleCode>(vcpC_AssetTag, CCodeInfo::Table(eAccessReadWrite, 16, 16));
+    auto table =
+        std::make_shared<VCPOptionSingleCode>(vcpC_AssetTag, CCodeInfo::Table(eAccessReadWrite, 16, 16));
     CLogCapture log;
     EXPECT_FALSE(bench.cdisplay->ReadVCPValue_(table));
     EXPECT_EQ(table->Error(), "Table codes not supported");
@@ -362,13 +375,15 @@ TEST(CDisplayReadWrite, UnderRandomFaultsAValidValueIsNeverAWrongValue) {
     ASSERT_TRUE(bench.InitializeAndReadAll());
     bench.display->Faults().SetRate(0.3, 1234);
     std::mt19937 random(99);
-    const uint8_t codes[] = {vcpC_Luminance, vcpC_Contrast, vcpC_SelectColorPreset, vcpC_Sharpness, vcpC_Gamma};
+    const uint8_t codes[] = {vcpC_Luminance, vcpC_Contrast, vcpC_SelectColorPreset, vcpC_Sharpness,
+                             vcpC_Gamma};
     CLogCapture log(false);
     size_t valid = 0;
     for (int round = 0; round < 400; ++round) {
         const uint8_t code = codes[random() % std::size(codes)];
         if (random() % 2 == 0) {
-            const int32_t value = code == vcpC_SelectColorPreset ? (random() % 2 ? 5 : 8) : int32_t(random() % 5);
+            const int32_t value =
+                code == vcpC_SelectColorPreset ? (random() % 2 ? 5 : 8) : int32_t(random() % 5);
             bench.cdisplay->SetVCPValue(code, value);
         }
         SVCPValue value = bench.cdisplay->GetVCPValue(code, true);

@@ -24,7 +24,8 @@ public:
     bool Open(const std::string&) override { return true; }
     bool Open(int32_t) override { return true; }
     bool IsOpen() const override { return true; }
-    ByteBuffer SendRequest(const ByteBuffer& toSend_I, double delay_I, unsigned expectedSize_I, int32_t) override {
+    ByteBuffer SendRequest(const ByteBuffer& toSend_I, double delay_I, unsigned expectedSize_I,
+                           int32_t) override {
         requests.push_back(toSend_I);
         delays.push_back(delay_I);
         expectedSizes.push_back(expectedSize_I);
@@ -48,13 +49,16 @@ ByteBuffer WithChecksum(ByteBuffer bytes) {
     return bytes;
 }
 
-ByteBuffer Bytes(const std::string& text) { return ByteBuffer(text.begin(), text.end()); }
+ByteBuffer Bytes(const std::string& text) {
+    return ByteBuffer(text.begin(), text.end());
+}
 
 }  // namespace
 
 TEST(Connector, TrimCapabilitiesKeepsTheBalancedString) {
     CLogCapture log;
-    EXPECT_EQ(Connector::TrimCapabilitiesString(Bytes("(prot(monitor)vcp(10))xyz")), "(prot(monitor)vcp(10))");
+    EXPECT_EQ(Connector::TrimCapabilitiesString(Bytes("(prot(monitor)vcp(10))xyz")),
+              "(prot(monitor)vcp(10))");
     EXPECT_EQ(Connector::TrimCapabilitiesString(Bytes(std::string("(a(b))\0\0\0", 9))), "(a(b))");
     EXPECT_EQ(Connector::TrimCapabilitiesString(Bytes("(a(b)")), "(a(b)");
     EXPECT_TRUE(log.Asserts().empty());
@@ -106,8 +110,11 @@ TEST(Connector, SaveSettingsAcceptsTheNullMessageAndItsRotationsThenPauses200ms)
     CScopedClock scoped(clock);
     CLogCapture log;
     CScriptedConnector connector;
-    connector.replies = {WithChecksum({0x6E, 0x80}), WithChecksum({0x80, 0xBE}), WithChecksum({0xBE, 0x6E}),
-                         {0x6E, 0x80}, WithChecksum({0x6E, 0x88, 0x02})};
+    connector.replies = {WithChecksum({0x6E, 0x80}),
+                         WithChecksum({0x80, 0xBE}),
+                         WithChecksum({0xBE, 0x6E}),
+                         {0x6E, 0x80},
+                         WithChecksum({0x6E, 0x88, 0x02})};
     EXPECT_TRUE(connector.SaveSettingsToScalar());
     EXPECT_TRUE(connector.SaveSettingsToScalar());
     EXPECT_TRUE(connector.SaveSettingsToScalar());
