@@ -118,11 +118,11 @@ SVirtualDisplayModel BuildModel(const SFamily& family) {
         case EGamma::FineScale: c.push_back(Continuous(vcpC_Gamma, 22, 40, true)); break;
         case EGamma::None: break;
     }
-    if (family.aspectCode != 0) {
-        std::vector<uint16_t> values = family.aspectCode == vcpC_DisplayScaling
-                                           ? std::vector<uint16_t>{0x01, 0x02, 0x05}
-                                           : std::vector<uint16_t>{0x00, 0x01};
-        c.push_back(Choice(family.aspectCode, values.front(), values));
+    if (family.aspectCode == vcpC_ScanMode) {
+        c.push_back(Choice(vcpC_ScanMode, 0x00, {0x00, 0x01}));
+    } else if (family.aspectCode != 0) {
+        // 0x86 and 0xE2 take display-scaling values: full screen, 1:1, keep proportions.
+        c.push_back(Choice(family.aspectCode, 0x02, {0x01, 0x02, 0x05}));
     }
     c.push_back(Continuous(vcpC_Sharpness, 2, 4));
     c.push_back(ReadOnly(vcpC_DisplayTechnologyType, 0x03));

@@ -297,6 +297,7 @@ bool CDisplay::SetVCPValue(uint32_t vcpCode_I, int32_t value_I) {
     if (option->HasOriginal() && !option->IsValue(value_I) && option->SetValue(value_I)) {
         if (!WriteWithRetry(option)) {
             DLogVerbose("SetVCPValue write failed %s\n", option->Error().c_str());
+            NoteFailure(option);
             option->ClearError();
             // The display did not take the value: keep believing what it has, so a retry
             // writes again instead of finding the value already current.
@@ -366,6 +367,75 @@ bool CDisplay::RestoreOriginal(uint32_t vcpCode_I) {
         }
     }
     return true;
+}
+
+void CDisplay::NoteFailure(const VCPOptionPtr& option_I) {
+    mLastFailure = VCPCodeName(option_I->GetCode()) + ": " + option_I->Error();
+}
+
+bool CDisplay::Save() {
+    for (auto& opt : mVCPOptionsMap) {
+        VLR_ASSERT(opt.second);
+        // Write-only codes are actions, not settings: there is nothing to keep.
+        if (!opt.second || opt.second->Info().WriteOnly() || !opt.second->IsChanged()) {
+            continue;
+        }
+        opt.second->ClearError();
+        opt.second->CommitValueAsOriginal();
+        opt.second->ClearError();
+    }
+    if (!mConnector) {
+        return true;
+    }
+    return mConnector->SaveSettingsToScalar();
+}
+
+bool CDisplay::Revert() {
+    bool allWritten = true;
+    for (auto& opt : mVCPOptionsMap) {
+        if (!opt.second || opt.second->Info().WriteOnly() || !opt.second->IsChanged()) {
+            continue;
+        }
+        opt.second->ClearError();
+        opt.second->ResetValueToOriginal();
+        WriteVCPValue_(opt.second);
+        if (opt.second->HasError()) {
+            VLR_ASSERT(!opt.second->HasError());
+            Clock::PauseMs(60);
+            opt.second->ClearError();
+            WriteVCPValue_(opt.second);
+            if (opt.second->HasError()) {
+                NoteFailure(opt.second);
+                allWritten = false;
+            }
+        }
+        ReadVCPValue_(opt.second);
+        opt.second->ClearError();
+    }
+    return allWritten;
+}
+
+void CDisplay::ResetOneOption(VCPOptionBase& option_I) {
+    option_I.ClearError();
+    if (!option_I.Info().WriteOnly()) {
+        option_I.ClearHasOriginal();
+    }
+    option_I.ResetValueToOriginal();
+}
+
+void CDisplay::ResetData(bool allOptions_I) {
+    for (auto& opt : mVCPOptionsMap) {
+        if (!opt.second || (opt.first == vcpC_DisplayPresets && !allOptions_I)) {
+            continue;
+        }
+        ResetOneOption(*opt.second);
+    }
+}
+
+void CDisplay::ResetOptionData(uint32_t vcpCode_I) {
+    if (VCPOptionPtr option = Option(vcpCode_I)) {
+        ResetOneOption(*option);
+    }
 }
 
 void CDisplay::ClearData() {

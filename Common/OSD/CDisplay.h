@@ -46,6 +46,16 @@ public:
     // (the connector is then asked for nothing). False when the display cannot be used.
     bool Initialize(const std::string& capsStr_I = std::string());
 
+    // Makes the display keep every changed setting; true without a connector.
+    virtual bool Save();
+    // Writes every changed setting back to the value the display had when first read.
+    virtual bool Revert();
+    // Forgets what was read, so the next get reads the display again. Display Presets (0xF0)
+    // are kept unless allOptions_I is set.
+    virtual void ResetData(bool allOptions_I);
+    // The same for one option.
+    void ResetOptionData(uint32_t vcpCode_I);
+
     // One get transaction; the result (value or error text) lands in the option.
     bool ReadVCPValue_(const VCPOptionPtr& option_I);
     // One set transaction with the option's current value, then the firmware's pause.
@@ -59,6 +69,15 @@ public:
     bool RestoreOriginal(uint32_t vcpCode_I);
     // Forgets the options, commands and capabilities (also done on destruction).
     void ClearData();
+
+    // What went wrong in the last failed set, e.g. "Contrast: Send request failed"; empty
+    // when nothing has failed.
+    const std::string& LastFailure() const { return mLastFailure; }
+    void ClearLastFailure() { mLastFailure.clear(); }
+
+    // Displays whose colour adjustments take raw values rather than percentages.
+    bool AllowsRawColorValues() const { return mAllowRawColorValues; }
+    void SetAllowRawColorValues(bool allow_I) { mAllowRawColorValues = allow_I; }
 
     uint16_t EDIDNumber() const { return mEDIDNumber; }
     const std::shared_ptr<Connector>& GetConnector() const { return mConnector; }
@@ -81,6 +100,8 @@ protected:
     bool WriteWithRetry(const VCPOptionPtr& option_I);
     // The per-model corrections of the option map.
     void ApplyModelCorrections();
+    void NoteFailure(const VCPOptionPtr& option_I);
+    static void ResetOneOption(VCPOptionBase& option_I);
 
     std::shared_ptr<Connector> mConnector;
     uint16_t mEDIDNumber;
@@ -93,4 +114,6 @@ protected:
     VCPOptionsMap mVCPOptionsMap;
     std::vector<uint32_t> mCommands;
     SFirmwareVersion mFirmwareVersion;
+    std::string mLastFailure;
+    bool mAllowRawColorValues = false;
 };

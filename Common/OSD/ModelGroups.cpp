@@ -81,3 +81,7 @@ const char* ModelGroupName(EModelGroup group_I) {
 bool IsInAnyFamily(std::initializer_list<uint16_t> productIds_I, uint16_t edidProductCode_I) {
     return IsInFamilies(std::vector<uint16_t>(productIds_I), edidProductCode_I);
 }
+
+bool IsInAnyFamily(const std::vector<uint16_t>& productIds_I, uint16_t edidProductCode_I) {
+    return IsInFamilies(productIds_I, edidProductCode_I);
+}

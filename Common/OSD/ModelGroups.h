@@ -40,3 +40,4 @@ const char* ModelGroupName(EModelGroup group_I);
 
 // True when the product code is in the family of any of the given tablets.
 bool IsInAnyFamily(std::initializer_list<uint16_t> productIds_I, uint16_t edidProductCode_I);
+bool IsInAnyFamily(const std::vector<uint16_t>& productIds_I, uint16_t edidProductCode_I);

@@ -260,7 +260,7 @@ TEST(CDisplayReadWrite, SlowCommandsGetTheirPausesAndScalingNeverFails) {
     SVirtualBench hd("canvas-13-hd");
     ASSERT_TRUE(hd.InitializeAndReadAll());
     hd.display->Faults().FailNext(EFault::NoReply, 1, ddcCC_SetVCPFeatureRequest, vcpC_DisplayScaling);
-    EXPECT_TRUE(hd.cdisplay->SetVCPValue(vcpC_DisplayScaling, 2));
+    EXPECT_TRUE(hd.cdisplay->SetVCPValue(vcpC_DisplayScaling, 5));
     EXPECT_EQ(hd.clock.PausesMs(), Ms({250, 50, 70}));
 }
 

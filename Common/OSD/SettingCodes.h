@@ -1,0 +1,70 @@
+#pragma once
+// Which VCP code, and which values, carry each user-level setting on each product family: the
+// one place that says so. The settings delegate asks it; nothing else tests families for this.
+
+#include <cstdint>
+#include <vector>
+
+enum class ESetting {
+    Brightness,
+    Contrast,
+    ColorSettingMode,
+    ColorTemperature,
+    ColorSpace,
+    Gamma,
+    AspectRatio,
+    PowerLedBrightness,
+    Sharpness,
+    UniformityCompensation,
+    EnergySmart,
+    DynamicContrast,
+    AutoPowerDown,
+    FanSpeed,
+    LcdConditioning,
+    BatteryMode,
+    ScanMode,
+    OsdLanguage,
+};
+
+// The VCP code of the setting on the display with this EDID product code; 0 when the family
+// has no code for it.
+uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I);
+
+// One choice of a combo: the string id of its label and the value behind it.
+struct SEntry {
+    uint32_t stringId = 0;
+    int32_t value = 0;
+    friend bool operator==(const SEntry&, const SEntry&) = default;
+};
+
+// The labels of the values a setting's VCP code can take, in the order the dialogs list them.
+// For aspect ratio the labels depend on the code the family uses.
+const std::vector<SEntry>& ColorTemperatureLabels();
+const std::vector<SEntry>& ColorSpaceLabels();
+std::vector<SEntry> AspectRatioLabels(uint8_t vcpCode_I);
+const std::vector<SEntry>& PowerLedLabels();
+const std::vector<SEntry>& UniformityLabels();
+
+// Colour temperature presets in kelvin (0 for a value that is not one).
+uint32_t ColorTemperatureKelvin(int32_t presetValue_I);
+
+// How a family sets gamma.
+enum class EGammaScale {
+    None,
+    FineScale,      // 0x72 is continuous: value = gamma x 10
+    ThreeChoices,   // 1.9, 2.2, 2.4 as 0x72 = 1, 2, 3
+    TwoChoices,     // 2.2, 2.4 as 0x72 = 1, 2
+    DirectChoices,  // 1.9, 2.2, 2.4 as 0x72 = 0, 1, 2
+};
+EGammaScale GammaScale(uint16_t edidProductCode_I);
+
+// Colour setting mode values, as the display presets of the families that switch modes with
+// 0xF0 also use them.
+enum EColorSettingMode : int32_t {
+    eColorModeTemperature = 1,
+    eColorModeSpace = 2,
+    eColorModeCustom = 3,
+};
+// The 0xF0 value that selects a mode, and back; 0 / eColorModeTemperature when there is none.
+int32_t DisplayPresetForColorMode(int32_t mode_I);
+int32_t ColorModeForDisplayPreset(int32_t presetValue_I);
