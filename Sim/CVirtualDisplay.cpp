@@ -14,6 +14,7 @@ constexpr size_t kCapabilitiesChunk = 32;
 constexpr int kEdidChunks = 16;
 constexpr size_t kDisplayInfoTextSize = 13;
 constexpr size_t kTransactionLogLimit = 1 << 16;
+constexpr size_t kTableReadChunk = 31;
 
 ByteBuffer Seal(ByteBuffer reply_I) {
     reply_I.push_back(Checksum(reply_I, Ddc::kReplyChecksumSeed));
@@ -118,6 +119,11 @@ ByteBuffer CVirtualDisplay::Answer(const ByteBuffer& request_I) {
                        ? AnswerCapabilities(static_cast<uint16_t>((request_I[4] << 8) | request_I[5]))
                        : ByteBuffer{};
         case 0xC0: return AnswerVendor(request_I);
+        case ddcCC_TableReadRequest:
+            return request_I.size() == 8
+                       ? AnswerTableRead(request_I[4],
+                                         static_cast<uint16_t>((request_I[5] << 8) | request_I[6]))
+                       : ByteBuffer{};
         default: return BuildNullMessage();
     }
 }
@@ -213,6 +219,29 @@ ByteBuffer CVirtualDisplay::AnswerVendor(const ByteBuffer& request_I) {
         return Seal(reply);
     }
     return BuildNullMessage();
+}
+
+// The maker's table read (6E 51 84 E2 <table> <offset> chk), answered like the MCCS
+// capabilities reply but with opcode E4 and at most 31 data bytes, so that a reply fits 37
+// bytes; past the end of the table the null message. Table F3 is the capabilities string,
+// table C9 the firmware version (major, minor, build).
+ByteBuffer CVirtualDisplay::AnswerTableRead(uint8_t table_I, uint16_t offset_I) const {
+    ByteBuffer table;
+    if (table_I == ddcCC_CapabilitiesRequest) {
+        table.assign(mCapabilities.begin(), mCapabilities.end());
+    } else if (table_I == vcpC_DisplayFirmwareLevel) {
+        table = {mModel.firmware.major, mModel.firmware.minor, mModel.firmware.build};
+    }
+    if (offset_I >= table.size()) {
+        return BuildNullMessage();
+    }
+    ByteBuffer reply{Ddc::kDisplayAddress, 0x00, ddcCC_TableReadReplyCode,
+                     static_cast<uint8_t>(offset_I >> 8), static_cast<uint8_t>(offset_I & 0xFF)};
+    const size_t count = std::min(kTableReadChunk, table.size() - offset_I);
+    reply.insert(reply.end(), table.begin() + offset_I,
+                 table.begin() + static_cast<std::ptrdiff_t>(offset_I + count));
+    reply[1] = static_cast<uint8_t>(Ddc::kLengthFlag | (reply.size() - 2));
+    return Seal(reply);
 }
 
 // The display information record, a get reply of 0xF2 carrying: bytes 6-7 the EDID product

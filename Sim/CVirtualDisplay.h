@@ -1,8 +1,8 @@
 #pragma once
 // A software model of a pen display's controller that answers raw DDC/CI request bytes as the
 // display firmware does: get and set VCP, capabilities by offset, save current settings,
-// factory and colour defaults, the maker's factory-mode, EDID-chunk and scaler-reset
-// commands, the firmware level (0xC9) and the display information record (0xF2). It keeps
+// factory and colour defaults, the maker's factory-mode, EDID-chunk, table-read and
+// scaler-reset commands, the firmware level (0xC9) and the display information record (0xF2). It keeps
 // current and saved values (saved ones survive a power cycle), needs time after slow
 // commands as the firmware does, injects faults on demand and logs every transaction with
 // the time on the process clock.
@@ -71,6 +71,7 @@ private:
     void ApplySet(uint8_t code_I, uint16_t value_I);
     ByteBuffer AnswerCapabilities(uint16_t offset_I) const;
     ByteBuffer AnswerVendor(const ByteBuffer& request_I);
+    ByteBuffer AnswerTableRead(uint8_t table_I, uint16_t offset_I) const;
     ByteBuffer AnswerDisplayInformation() const;
     void RestoreDefaults(bool colourOnly_I, bool store_I);
     void BeBusyFor(std::chrono::milliseconds duration_I);

@@ -35,6 +35,9 @@ bool UiDisplayDelegate::Write(uint8_t vcpCode_I, int32_t value_I) {
     if (vcpCode_I == 0 || !HasOption(vcpCode_I)) {
         return false;
     }
+    // A set only goes out for an option whose value was read; read it first rather than let
+    // the user's change be dropped.
+    GetVCPValue(vcpCode_I, false);
     return SetVCPValue(vcpCode_I, value_I);
 }
 

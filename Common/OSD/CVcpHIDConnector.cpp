@@ -1,0 +1,265 @@
+#include "CVcpHIDConnector.h"
+
+#include <algorithm>
+
+#include "Assert.h"
+#include "Clock.h"
+#include "DdcPackets.h"
+#include "DebugLog.h"
+#include "StringUtilities.h"
+#include "codes.h"
+
+namespace {
+
+constexpr size_t kStatusByte = 4;
+constexpr size_t kReplyStart = 6;
+constexpr int kMaxStatusReads = 4;
+constexpr uint32_t kPollPauseMs = 100;
+constexpr size_t kMinimumStatusSize = 4;
+constexpr size_t kMinimumGetStatusSize = 15;
+// Where a get reply's maximum and current value sit in a status report.
+constexpr size_t kMaximumLowByte = 13;
+constexpr size_t kCurrentLowByte = 15;
+
+// Whether the status carries the display's get reply for this code.
+bool CarriesGetReply(const ByteBuffer& status_I, uint8_t code_I) {
+    return status_I.size() > kCurrentLowByte && status_I[kReplyStart] == Ddc::kDisplayAddress &&
+           status_I[kReplyStart + 2] == ddcCC_VCPReplyCode && status_I[kReplyStart + 3] == 0x00 &&
+           status_I[kReplyStart + 4] == code_I;
+}
+
+bool IsBusy(const ByteBuffer& status_I) {
+    return status_I.size() > kStatusByte && (status_I[kStatusByte] == 0x01 || status_I[kStatusByte] == 0x05);
+}
+
+// A minimum-size check with the assertion text the HID code uses everywhere.
+bool HasMinimumSize(const ByteBuffer& buf_I, size_t minExpectedSize) {
+    VLR_ASSERT(buf_I.size() >= minExpectedSize);
+    return buf_I.size() >= minExpectedSize;
+}
+
+}  // namespace
+
+bool CVcpHIDConnector::Open(const std::string& name_I) {
+    return OpenHIDDevice(name_I);
+}
+
+bool CVcpHIDConnector::Open(int32_t) {
+    VLR_ASSERT_FAIL("Not supported by this connector.");
+    return false;
+}
+
+bool CVcpHIDConnector::Close() {
+    mCapabilities.clear();
+    mMonitorName.clear();
+    mSerialNumber.clear();
+    mFirmwareVersion = {};
+    return Connector::Close();
+}
+
+bool CVcpHIDConnector::IsOpen() const {
+    VLR_ASSERT_FAIL("must be implemented in subclasses");
+    return false;
+}
+
+bool CVcpHIDConnector::OpenHIDDevice(const std::string&) {
+    VLR_ASSERT_FAIL("must be implemented in subclasses");
+    return false;
+}
+
+bool CVcpHIDConnector::CloseHIDDevice() {
+    VLR_ASSERT_FAIL("must be implemented in subclasses");
+    return false;
+}
+
+bool CVcpHIDConnector::SetFeature(const ByteBuffer&) {
+    VLR_ASSERT_FAIL("must be implemented in subclasses");
+    return false;
+}
+
+bool CVcpHIDConnector::GetFeature(ByteBuffer&) {
+    VLR_ASSERT_FAIL("must be implemented in subclasses");
+    return false;
+}
+
+ByteBuffer CVcpHIDConnector::ReadEDID(int32_t) {
+    VLR_ASSERT_FAIL("Not supported by this connector.");
+    return {};
+}
+
+ByteBuffer CVcpHIDConnector::BuildCommand(uint8_t command_I, const ByteBuffer& codeOrOffset_I) {
+    auto byteAt = [&codeOrOffset_I](size_t index_I) -> uint8_t {
+        return index_I < codeOrOffset_I.size() ? codeOrOffset_I[index_I] : 0;
+    };
+    switch (command_I) {
+        case ddcCC_GetVCPFeatureRequest: return BuildGetVCPRequest(byteAt(0));
+        case ddcCC_SetVCPFeatureRequest:
+            return BuildSetVCPRequest(byteAt(0), static_cast<uint16_t>((byteAt(1) << 8) | byteAt(2)));
+        case ddcCC_CapabilitiesRequest:
+            return BuildCapabilitiesRequest(static_cast<uint16_t>((byteAt(0) << 8) | byteAt(1)));
+        default: DLog("BuildCommand - error - command not supported: %i", command_I); return {};
+    }
+}
+
+ByteBuffer CVcpHIDConnector::GetStatus() {
+    ByteBuffer report{0xE5, 0x04, 0x00};
+    if (!SetFeature(report)) {
+        DLog("GetStatus: fail SetFeature\n");
+        return report;
+    }
+    if (!GetFeature(report)) {
+        DLog("GetStatus: GetStatus: GetFeature failed\n");
+    }
+    DLogHex("status bytes returned:", report);
+    return report;
+}
+
+ByteBuffer CVcpHIDConnector::SubmitRequest(const ByteBuffer& command_I, uint32_t kind_I) {
+    VLR_ASSERT_AS(!command_I.empty(), "Empty cmdbuf!");
+    if (kind_I != kRequestWithData && kind_I != kRequestWithoutData) {
+        VLR_ASSERT_FAIL("Oops - unsupported request");
+        return {0x00};
+    }
+    ByteBuffer report;
+    report.reserve(5 + command_I.size());
+    for (uint8_t byte :
+         {uint8_t(0xE5), uint8_t(0x04), static_cast<uint8_t>(kind_I), uint8_t(0x00), uint8_t(0x00)}) {
+        report.push_back(byte);
+    }
+    report.insert(report.end(), command_I.begin(), command_I.end());
+    if (!SetFeature(report)) {
+        DLog("CVcpHIDConnector::SubmitRequest - SetFeature failed");
+        return {0x00};
+    }
+    ByteBuffer status;
+    for (int read = 0; read < kMaxStatusReads; ++read) {
+        status = GetStatus();
+        HasMinimumSize(status, kMinimumStatusSize);
+        if (status.size() > kStatusByte && !IsBusy(status)) {
+            break;
+        }
+        Clock::PauseMs(kPollPauseMs);
+    }
+    DLogHex("SubmitRequest result", status);
+    return status;
+}
+
+ByteBuffer CVcpHIDConnector::SendRequest(const ByteBuffer& toSend_I, double, unsigned, int32_t) {
+    if (!IsOpen()) {
+        return {};
+    }
+    if (toSend_I.size() < 4 || toSend_I[0] != Ddc::kDisplayAddress || toSend_I[1] != Ddc::kHostAddress) {
+        VLR_ASSERT_FAIL("Zero-length request vector");
+        VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+        return {};
+    }
+    const uint8_t command = toSend_I[3];
+    const uint8_t code = toSend_I.size() > 4 ? toSend_I[4] : 0;
+    switch (command) {
+        case ddcCC_GetVCPFeatureRequest: {
+            const ByteBuffer status = SubmitRequest(toSend_I, kRequestWithData);
+            if (!HasMinimumSize(status, kMinimumGetStatusSize) || status.size() <= kCurrentLowByte) {
+                DLog("CVcpHIDConnector::SendRequest - GetRequest failed\n");
+                return {};
+            }
+            // A status without the display's answer, or with its refusal, has no value to
+            // pass on: better no reply than a made-up zero.
+            if (!CarriesGetReply(status, code)) {
+                DLog("CVcpHIDConnector::SendRequest - GetRequest failed\n");
+                return {};
+            }
+            // Only the low bytes of maximum and current are passed on.
+            return BuildSimulatedReply(command, code, status[kCurrentLowByte], status[kMaximumLowByte]);
+        }
+        case ddcCC_SetVCPFeatureRequest:
+        case ddcCC_SaveCurrentSettingsRequest: {
+            const ByteBuffer status = SubmitRequest(toSend_I, kRequestWithoutData);
+            if (status.empty()) {
+                DLog("CVcpHIDConnector::SendRequest - SetRequest failed\n");
+                return {};
+            }
+            return BuildSimulatedReply(command, code, 0, 0);
+        }
+        default:
+            VLR_ASSERT_FAIL("Oops - unsupported vcpCode");
+            VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+            return {};
+    }
+}
+
+std::string CVcpHIDConnector::CapabilitiesString() {
+    if (!mCapabilities.empty()) {
+        return mCapabilities;
+    }
+    std::string text;
+    uint16_t offset = 0;
+    while (text.size() < 0x8000) {
+        const ByteBuffer status =
+            SubmitRequest(BuildCommand(ddcCC_CapabilitiesRequest,
+                                       {static_cast<uint8_t>(offset >> 8), static_cast<uint8_t>(offset)}),
+                          kRequestWithData);
+        if (status.size() < 9) {
+            break;
+        }
+        // The offset and data bytes of the reply, as its length byte counts them.
+        const int n = static_cast<int>(status[7] & 0x7F) - 1;
+        if (n <= 2 || static_cast<size_t>(9 + n) > status.size()) {
+            break;
+        }
+        const auto data = status.begin() + 11;
+        const auto end = status.begin() + 9 + n;
+        text.append(data, std::find(data, end, 0));
+        offset = static_cast<uint16_t>(offset + n - 2);
+    }
+    if (!text.empty()) {
+        mCapabilities = TrimCapabilitiesString(ByteBuffer(text.begin(), text.end()));
+    }
+    return mCapabilities;
+}
+
+std::string CVcpHIDConnector::ReadDisplayInformationText(size_t first_I, size_t minimumSize_I,
+                                                         const char* name_I) {
+    const ByteBuffer status =
+        SubmitRequest(BuildCommand(ddcCC_GetVCPFeatureRequest, {vcpC_DisplayInfo}), kRequestWithData);
+    if (status.size() <= 1) {
+        DLog("%s - failed\n", name_I);
+        return {};
+    }
+    if (!HasMinimumSize(status, minimumSize_I)) {
+        return {};
+    }
+    const auto begin = status.begin() + static_cast<std::ptrdiff_t>(first_I);
+    const auto end = begin + 13;
+    return TrimRightWhitespace(std::string(begin, std::find(begin, end, 0)));
+}
+
+std::string CVcpHIDConnector::MonitorName() {
+    if (mMonitorName.empty()) {
+        mMonitorName = ReadDisplayInformationText(23, 36, "MonitorName");
+        DLog("CVcpHIDConnector::MonitorName: %s\n", mMonitorName.c_str());
+    }
+    return mMonitorName;
+}
+
+std::string CVcpHIDConnector::SerialNumber(int32_t) {
+    if (mSerialNumber.empty()) {
+        mSerialNumber = ReadDisplayInformationText(36, 49, "SerialNumber");
+        DLog("CVcpHIDConnector::SerialNumber: %s\n", mSerialNumber.c_str());
+    }
+    return mSerialNumber;
+}
+
+SFirmwareVersion CVcpHIDConnector::FWVersion() {
+    if (!mFirmwareVersion.IsZero()) {
+        return mFirmwareVersion;
+    }
+    const ByteBuffer status = SubmitRequest(
+        BuildCommand(ddcCC_GetVCPFeatureRequest, {vcpC_DisplayFirmwareLevel}), kRequestWithData);
+    if (status.size() < 15 || status[0] == 0 || !CarriesGetReply(status, vcpC_DisplayFirmwareLevel)) {
+        DLog("FWVersion - failed\n");
+        return {};
+    }
+    mFirmwareVersion = {status[kMaximumLowByte], status[kMaximumLowByte + 1], status[kCurrentLowByte],
+                        kFirmwareVersionKindVcpC9, 0};
+    return mFirmwareVersion;
+}

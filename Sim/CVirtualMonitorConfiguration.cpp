@@ -1,0 +1,190 @@
+#include "CVirtualMonitorConfiguration.h"
+
+#include <cstring>
+
+#include "DdcPackets.h"
+
+CVirtualMonitorConfiguration::Handle CVirtualMonitorConfiguration::AddMonitor(
+    const std::vector<std::shared_ptr<CVirtualDisplay>>& displays_I) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    const Handle monitor = mNextHandle;
+    mNextHandle += 0x10;
+    std::vector<Handle>& physical = mMonitors[monitor];
+    for (const auto& display : displays_I) {
+        const Handle handle = mNextHandle++;
+        physical.push_back(handle);
+        mPhysical[handle] = display;
+    }
+    mNextHandle += 0x10;
+    return monitor;
+}
+
+void CVirtualMonitorConfiguration::FailNext(EMcaCall call_I, uint32_t errorCode_I, unsigned times_I) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mPlannedFailures[call_I].insert(mPlannedFailures[call_I].end(), times_I, errorCode_I);
+}
+
+size_t CVirtualMonitorConfiguration::CallCount(EMcaCall call_I) const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    auto it = mCalls.find(call_I);
+    return it == mCalls.end() ? 0 : it->second;
+}
+
+bool CVirtualMonitorConfiguration::Enter(EMcaCall call_I, uint32_t& error_O) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    ++mCalls[call_I];
+    std::vector<uint32_t>& planned = mPlannedFailures[call_I];
+    if (planned.empty()) {
+        return true;
+    }
+    error_O = planned.front();
+    planned.erase(planned.begin());
+    return false;
+}
+
+std::shared_ptr<CVirtualDisplay> CVirtualMonitorConfiguration::Find(Handle physical_I,
+                                                                    uint32_t& error_O) const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    auto it = mPhysical.find(physical_I);
+    if (it == mPhysical.end()) {
+        error_O = McaError::kInvalidPhysicalMonitorHandle;
+        return nullptr;
+    }
+    return it->second;
+}
+
+std::shared_ptr<CVirtualDisplay> CVirtualMonitorConfiguration::DisplayOf(Handle physical_I) const {
+    uint32_t ignored = 0;
+    return Find(physical_I, ignored);
+}
+
+bool CVirtualMonitorConfiguration::GetNumberOfPhysicalMonitors(Handle monitor_I, uint32_t& count_O,
+                                                               uint32_t& error_O) {
+    if (!Enter(EMcaCall::GetNumberOfPhysicalMonitors, error_O)) {
+        return false;
+    }
+    std::lock_guard<std::mutex> lock(mMutex);
+    auto it = mMonitors.find(monitor_I);
+    if (it == mMonitors.end()) {
+        error_O = McaError::kInvalidMonitorHandle;
+        return false;
+    }
+    count_O = static_cast<uint32_t>(it->second.size());
+    return true;
+}
+
+bool CVirtualMonitorConfiguration::GetPhysicalMonitors(Handle monitor_I, uint32_t size_I,
+                                                       std::vector<SPhysicalMonitor>& monitors_O,
+                                                       uint32_t& error_O) {
+    if (!Enter(EMcaCall::GetPhysicalMonitors, error_O)) {
+        return false;
+    }
+    std::lock_guard<std::mutex> lock(mMutex);
+    auto it = mMonitors.find(monitor_I);
+    if (it == mMonitors.end()) {
+        error_O = McaError::kInvalidMonitorHandle;
+        return false;
+    }
+    if (size_I < it->second.size()) {
+        error_O = McaError::kInsufficientBuffer;
+        return false;
+    }
+    monitors_O.clear();
+    for (Handle handle : it->second) {
+        monitors_O.push_back({handle, L"Generic PnP Monitor"});
+    }
+    return true;
+}
+
+bool CVirtualMonitorConfiguration::Exchange(CVirtualDisplay& display_I, const ByteBuffer& request_I,
+                                            ByteBuffer& reply_O, uint32_t& error_O) const {
+    reply_O = display_I.Handle(request_I);
+    if (reply_O.empty()) {
+        error_O = McaError::kI2CErrorReceivingData;
+        return false;
+    }
+    if (Checksum(reply_O, Ddc::kReplyChecksumSeed) != 0) {
+        error_O = McaError::kInvalidMessageChecksum;
+        return false;
+    }
+    return true;
+}
+
+bool CVirtualMonitorConfiguration::GetVCPFeature(Handle physical_I, uint8_t code_I, uint32_t& type_O,
+                                                 uint32_t& current_O, uint32_t& maximum_O,
+                                                 uint32_t& error_O) {
+    if (!Enter(EMcaCall::GetVCPFeature, error_O)) {
+        return false;
+    }
+    std::shared_ptr<CVirtualDisplay> display = Find(physical_I, error_O);
+    ByteBuffer reply;
+    if (!display || !Exchange(*display, BuildGetVCPRequest(code_I), reply, error_O)) {
+        return false;
+    }
+    StripReplyChecksum(reply);
+    SGetReplyValue value;
+    const std::string problem = CheckGetReply(reply, code_I, true, value);
+    if (problem == "vcp code error") {
+        error_O = McaError::kVcpNotSupported;
+        return false;
+    }
+    if (!problem.empty()) {
+        error_O = McaError::kInvalidData;
+        return false;
+    }
+    type_O = value.type;
+    current_O = value.current;
+    maximum_O = value.maximum;
+    return true;
+}
+
+bool CVirtualMonitorConfiguration::SetVCPFeature(Handle physical_I, uint8_t code_I, uint32_t value_I,
+                                                 uint32_t& error_O) {
+    if (!Enter(EMcaCall::SetVCPFeature, error_O)) {
+        return false;
+    }
+    std::shared_ptr<CVirtualDisplay> display = Find(physical_I, error_O);
+    ByteBuffer reply;
+    return display &&
+           Exchange(*display, BuildSetVCPRequest(code_I, static_cast<uint16_t>(value_I)), reply, error_O);
+}
+
+bool CVirtualMonitorConfiguration::GetCapabilitiesStringLength(Handle physical_I, uint32_t& length_O,
+                                                               uint32_t& error_O) {
+    if (!Enter(EMcaCall::GetCapabilitiesStringLength, error_O)) {
+        return false;
+    }
+    std::shared_ptr<CVirtualDisplay> display = Find(physical_I, error_O);
+    if (!display) {
+        return false;
+    }
+    length_O = static_cast<uint32_t>(display->CapabilitiesString().size() + 1);
+    return true;
+}
+
+bool CVirtualMonitorConfiguration::CapabilitiesRequest(Handle physical_I, char* buffer_O, uint32_t length_I,
+                                                       uint32_t& error_O) {
+    if (!Enter(EMcaCall::CapabilitiesRequest, error_O)) {
+        return false;
+    }
+    std::shared_ptr<CVirtualDisplay> display = Find(physical_I, error_O);
+    if (!display) {
+        return false;
+    }
+    const std::string& caps = display->CapabilitiesString();
+    if (buffer_O == nullptr || length_I < caps.size() + 1) {
+        error_O = McaError::kInsufficientBuffer;
+        return false;
+    }
+    std::memcpy(buffer_O, caps.c_str(), caps.size() + 1);
+    return true;
+}
+
+bool CVirtualMonitorConfiguration::SaveCurrentSettings(Handle physical_I, uint32_t& error_O) {
+    if (!Enter(EMcaCall::SaveCurrentSettings, error_O)) {
+        return false;
+    }
+    std::shared_ptr<CVirtualDisplay> display = Find(physical_I, error_O);
+    ByteBuffer reply;
+    return display && Exchange(*display, BuildSaveCurrentSettingsRequest(), reply, error_O);
+}
