@@ -1,0 +1,31 @@
+#pragma once
+// Makes virtual HID devices the process's HID devices for the lifetime of the object: device
+// paths open as handles to them, and the feature-report calls reach them.
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "CVirtualHidDevice.h"
+#include "HidApi.h"
+
+class CSimulatedHidApi {
+public:
+    CSimulatedHidApi();
+    ~CSimulatedHidApi();
+    CSimulatedHidApi(const CSimulatedHidApi&) = delete;
+    CSimulatedHidApi& operator=(const CSimulatedHidApi&) = delete;
+
+    // A device at this path; an exclusive one refuses to open (another program holds it).
+    void AddDevice(const std::string& path_I, std::shared_ptr<CVirtualHidDevice> device_I,
+                   bool exclusive_I = false);
+
+    struct SCounters {
+        unsigned opens = 0;
+        unsigned closes = 0;
+        unsigned setFeatures = 0;
+        unsigned getFeatures = 0;
+        unsigned lastReportLength = 0;
+    };
+    static SCounters Counters();
+};

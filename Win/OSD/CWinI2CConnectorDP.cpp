@@ -1,0 +1,182 @@
+#include "CWinI2CConnectorDP.h"
+
+#include "Assert.h"
+#include "DdcPackets.h"
+#include "DebugLog.h"
+#include "PhysicalMonitors.h"
+#include "WinStrings.h"
+#include "codes.h"
+
+CWinI2CConnectorDP::~CWinI2CConnectorDP() {
+    ReleasePhysicalMonitors();
+}
+
+bool CWinI2CConnectorDP::Open(const SDisplayInfo& displayInfo_I) {
+    if (!displayInfo_I.HasRequiredFields()) {
+        VLR_ASSERT_FAIL("Oops - displayInfo couldn't be initialized!");
+        return false;
+    }
+    Close();
+    mDisplayInfo = displayInfo_I;
+    mPhysicalMonitors = GetPhysicalMonitors(mDisplayInfo.monitor);
+    if (mPhysicalMonitors.empty()) {
+        VLR_ASSERT_FAIL("Oops - no physical handles found!");
+        Close();
+        return false;
+    }
+    return true;
+}
+
+void CWinI2CConnectorDP::ReleasePhysicalMonitors() {
+    if (!mPhysicalMonitors.empty()) {
+        MonitorConfigurationApi().DestroyPhysicalMonitors(static_cast<DWORD>(mPhysicalMonitors.size()),
+                                                          mPhysicalMonitors.data());
+        mPhysicalMonitors.clear();
+    }
+}
+
+bool CWinI2CConnectorDP::Close() {
+    ReleasePhysicalMonitors();
+    mDisplayInfo = SDisplayInfo{};
+    CI2CConnectorDP::Close();
+    return true;
+}
+
+bool CWinI2CConnectorDP::IsOpen() const {
+    return mDisplayInfo.HasRequiredFields();
+}
+
+HANDLE CWinI2CConnectorDP::PhysicalHandle() const {
+    if (mDisplayInfo.physicalMonitorIndex >= mPhysicalMonitors.size()) {
+        return nullptr;
+    }
+    return mPhysicalMonitors[mDisplayInfo.physicalMonitorIndex].hPhysicalMonitor;
+}
+
+bool CWinI2CConnectorDP::GetVCPFeature(uint8_t code_I, DWORD& current_O, DWORD& maximum_O) {
+    if (!IsOpen()) {
+        return false;
+    }
+    Dxva2::MC_VCP_CODE_TYPE type = Dxva2::MC_SET_PARAMETER;
+    if (!MonitorConfigurationApi().GetVCPFeatureAndVCPFeatureReply(PhysicalHandle(), code_I, &type,
+                                                                   &current_O, &maximum_O)) {
+        DLog("CWinI2CConnectorDP::GetVCPFeature: ERROR - %i\n", static_cast<int>(GetLastError()));
+        return false;
+    }
+    return true;
+}
+
+bool CWinI2CConnectorDP::SetVCPFeature(uint8_t code_I, DWORD value_I) {
+    if (!IsOpen()) {
+        return false;
+    }
+    if (!MonitorConfigurationApi().SetVCPFeature(PhysicalHandle(), code_I, value_I)) {
+        DLog("CWinI2CConnectorDP::SetVCPFeature: ERROR - %i\n", static_cast<int>(GetLastError()));
+        return false;
+    }
+    return true;
+}
+
+ByteBuffer CWinI2CConnectorDP::SendRequest(const ByteBuffer& toSend_I, double, unsigned, int32_t) {
+    if (!IsOpen()) {
+        return {};
+    }
+    if (toSend_I.size() < 4 || toSend_I[0] != Ddc::kDisplayAddress || toSend_I[1] != Ddc::kHostAddress) {
+        VLR_ASSERT_FAIL("Zero-length request vector");
+        VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+        return {};
+    }
+    const SMonitorConfigurationApi& api = MonitorConfigurationApi();
+    const uint8_t command = toSend_I[3];
+    const uint8_t code = toSend_I.size() > 4 ? toSend_I[4] : 0;
+    switch (command) {
+        case ddcCC_GetVCPFeatureRequest: {
+            Dxva2::MC_VCP_CODE_TYPE type = Dxva2::MC_SET_PARAMETER;
+            DWORD current = 0;
+            DWORD maximum = 0;
+            if (!api.GetVCPFeatureAndVCPFeatureReply(PhysicalHandle(), code, &type, &current, &maximum)) {
+                DLog("CWinI2CConnectorDP::SendRequest: GetVCPFeatureAndVCPFeatureReply error: %i\n",
+                     static_cast<int>(GetLastError()));
+                return {};
+            }
+            return BuildSimulatedReply(command, code, static_cast<uint16_t>(current),
+                                       static_cast<uint16_t>(maximum));
+        }
+        case ddcCC_SetVCPFeatureRequest:
+        case ddcCC_SaveCurrentSettingsRequest: {
+            // A save becomes a set of the packet's byte 4 (for the standard save packet its
+            // checksum, 0xB2) to 0: this is how these displays are told to store.
+            DWORD value = 0;
+            if (command == ddcCC_SetVCPFeatureRequest) {
+                if (toSend_I.size() < 7) {
+                    VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+                    return {};
+                }
+                value = static_cast<DWORD>(toSend_I[5] * 256 + toSend_I[6]);
+            }
+            if (!api.SetVCPFeature(PhysicalHandle(), code, value)) {
+                DLog("CWinI2CConnectorDP::SendRequest: GetVCPFeatureAndVCPFeatureReply error: %i\n",
+                     static_cast<int>(GetLastError()));
+                return {};
+            }
+            return BuildSimulatedReply(command, code, 0, 0);
+        }
+        default:
+            VLR_ASSERT_FAIL("Oops - unsupported vcpCode");
+            VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+            return {};
+    }
+}
+
+std::string CWinI2CConnectorDP::CapabilitiesString() {
+    if (!IsOpen()) {
+        return {};
+    }
+    const SMonitorConfigurationApi& api = MonitorConfigurationApi();
+    std::string error;
+    std::string caps;
+    DWORD length = 0;
+    if (!api.GetCapabilitiesStringLength(PhysicalHandle(), &length)) {
+        error = "GetCapabilitiesStringLength, errcode: " + std::to_string(GetLastError());
+    } else if (length == 0) {
+        error = "GetCapabilitiesStringLength: zero string length, errcode: " + std::to_string(GetLastError());
+    } else {
+        std::string buffer(length, '\0');
+        if (!api.CapabilitiesRequestAndCapabilitiesReply(PhysicalHandle(), buffer.data(), length)) {
+            error = "CapabilitiesRequestAndCapabilitiesReply, errcode: " + std::to_string(GetLastError());
+        } else {
+            caps = buffer.c_str();
+        }
+    }
+    if (!error.empty()) {
+        DLog("ERROR: CWinI2CConnectorDP::CapabilitiesString - %s\n", error.c_str());
+        mLastCapabilitiesError = error;
+        return {};
+    }
+    return caps;
+}
+
+std::string CWinI2CConnectorDP::MonitorName() {
+    return IsOpen() ? Narrow(mDisplayInfo.monitorName) : std::string();
+}
+
+std::string CWinI2CConnectorDP::SerialNumber(int32_t) {
+    return IsOpen() ? Narrow(mDisplayInfo.serialNumber) : std::string();
+}
+
+SFirmwareVersion CWinI2CConnectorDP::FWVersion() {
+    if (!IsOpen()) {
+        return {};
+    }
+    DWORD current = 0;
+    DWORD maximum = 0;
+    if (!GetVCPFeature(vcpC_DisplayFirmwareLevel, current, maximum)) {
+        DLog("CWinI2CConnectorDP::FWVersion - ERROR: %i\n", static_cast<int>(GetLastError()));
+        return {};
+    }
+    return FirmwareVersionFromVcpC9(static_cast<uint16_t>(current), static_cast<uint16_t>(maximum));
+}
+
+ByteBuffer CWinI2CConnectorDP::ReadEDID(int32_t) {
+    return IsOpen() ? mDisplayInfo.edid : ByteBuffer();
+}

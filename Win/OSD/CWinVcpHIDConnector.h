@@ -1,0 +1,25 @@
+#pragma once
+// The HID connector's Windows half: the device handle and the two feature-report calls, with
+// every report exactly 512 bytes.
+
+#include <windows.h>
+
+#include "CVcpHIDConnector.h"
+
+class CWinVcpHIDConnector : public CVcpHIDConnector {
+public:
+    static constexpr size_t kReportSize = 512;
+
+    CWinVcpHIDConnector() = default;
+    ~CWinVcpHIDConnector() override;
+
+    bool Close() override;
+    bool IsOpen() const override { return mDevice != nullptr; }
+    bool OpenHIDDevice(const std::string& devicePath_I) override;
+    bool CloseHIDDevice() override;
+    bool SetFeature(const ByteBuffer& report_I) override;
+    bool GetFeature(ByteBuffer& report_IO) override;
+
+private:
+    HANDLE mDevice = nullptr;
+};

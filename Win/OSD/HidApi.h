@@ -1,0 +1,16 @@
+#pragma once
+// The calls the HID connector makes, reached through one table: the real kernel32 and hid.dll
+// functions by default, a simulation in tests and in the demo.
+
+#include <windows.h>
+
+struct SHidApi {
+    HANDLE(WINAPI* CreateFileA)(LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE);
+    BOOL(WINAPI* CloseHandle)(HANDLE);
+    BOOLEAN(WINAPI* HidD_SetFeature)(HANDLE, PVOID, ULONG);
+    BOOLEAN(WINAPI* HidD_GetFeature)(HANDLE, PVOID, ULONG);
+};
+
+const SHidApi& HidApi();
+// Replaces the table; nullptr puts the real functions back.
+void SetHidApi(const SHidApi* api_I);
