@@ -12,6 +12,7 @@ namespace {
 constexpr uint8_t kResultUnsupported = 0x01;
 constexpr size_t kCapabilitiesChunk = 32;
 constexpr int kEdidChunks = 16;
+constexpr uint8_t kWholeEdid = 0xFF;
 constexpr size_t kDisplayInfoTextSize = 13;
 constexpr size_t kTransactionLogLimit = 1 << 16;
 constexpr size_t kTableReadChunk = 31;
@@ -208,6 +209,10 @@ ByteBuffer CVirtualDisplay::AnswerVendor(const ByteBuffer& request_I) {
     if (command == 0xE1 && request_I.size() == 8) {
         mFactoryMode = request_I[6] != 0;
         return BuildNullMessage();
+    }
+    if (command == 0x66 && request_I.size() == 7 && request_I[5] == kWholeEdid) {
+        // The serial firmware sends its whole EDID in one answer.
+        return Seal(mEdid);
     }
     if (command == 0x66 && request_I.size() == 7 && mFactoryMode && request_I[5] < kEdidChunks) {
         const size_t start = static_cast<size_t>(request_I[5]) * 16;

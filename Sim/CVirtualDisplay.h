@@ -35,6 +35,8 @@ public:
     const SVirtualDisplayModel& Model() const { return mModel; }
     const std::string& CapabilitiesString() const { return mCapabilities; }
     const ByteBuffer& Edid() const { return mEdid; }
+    // Replaces the EDID the display reports (a captured one, of any length).
+    void SetEdid(ByteBuffer edid_I) { mEdid = std::move(edid_I); }
 
     bool Supports(uint8_t code_I) const;
     // The current and the stored value of a control (0 for an unknown code).

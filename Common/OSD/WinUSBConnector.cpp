@@ -1,0 +1,169 @@
+#include "WinUSBConnector.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Assert.h"
+#include "Clock.h"
+#include "DdcPackets.h"
+#include "DebugLog.h"
+#include "ScopedTimer.h"
+#include "VendorCommands.h"
+#include "codes.h"
+
+namespace {
+
+constexpr uint32_t kErrorBadCommand = 22;  // ERROR_BAD_COMMAND: the device is gone
+constexpr double kCapabilitiesWaitSeconds = 0.2;
+constexpr double kEdidWaitSeconds = 0.7;
+constexpr unsigned kEdidSize = 256;
+constexpr size_t kMaxChunkData = 32;
+constexpr size_t kMaxCapabilities = 0x8000;
+
+bool IsNullReply(const ByteBuffer& reply_I) {
+    return reply_I.size() == 3 && reply_I[0] == 0x6E && reply_I[1] == 0x80 && reply_I[2] == 0xBE;
+}
+
+}  // namespace
+
+CWinUSBConnector::CWinUSBConnector(std::unique_ptr<ISerialPort> port_I) : mPort(std::move(port_I)) {}
+
+CWinUSBConnector::~CWinUSBConnector() {
+    Close();
+}
+
+bool CWinUSBConnector::Open(const std::string& name_I) {
+    DLog("%s Serial port = %s\n", "CWinUSBConnector::Open", name_I.c_str());
+    return mPort && mPort->Open(name_I);
+}
+
+bool CWinUSBConnector::Open(int32_t) {
+    VLR_ASSERT_FAIL("This is not used by serial connections");
+    return false;
+}
+
+bool CWinUSBConnector::Close() {
+    if (mPort && mPort->IsOpen()) {
+        mPort->Close();
+    }
+    return Connector::Close();
+}
+
+bool CWinUSBConnector::IsOpen() const {
+    return mPort && mPort->IsOpen();
+}
+
+ByteBuffer CWinUSBConnector::SendRequest(const ByteBuffer& toSend_I, double delay_I, unsigned expectedSize_I,
+                                         int32_t) {
+    CScopedTimer timer("CWinUSBConnector::SendRequest", " Full SendRequest");
+    if (!IsOpen()) {
+        return {};
+    }
+    mPort->ClearErrors();
+    mPort->Purge();
+    size_t written = 0;
+    if (!mPort->Write(toSend_I, written) || written != toSend_I.size()) {
+        const uint32_t error = mPort->LastError();
+        DLog("Failed to write the data to the display\n");
+        DLog("WriteFile failed (%d)\n", static_cast<int>(error));
+        if (error == kErrorBadCommand) {
+            mPort->Close();  // the device is gone for good
+        }
+        return {};
+    }
+    mPort->ClearErrors();
+    Clock::PauseMs(static_cast<uint32_t>(delay_I * 1000));
+
+    // The expected size is only a hint: everything the display sent is taken.
+    ByteBuffer reply;
+    reply.reserve(std::max<size_t>(expectedSize_I, kReadBlockSize));
+    for (;;) {
+        ByteBuffer block;
+        if (!mPort->Read(kReadBlockSize, block)) {
+            DLog("ReadFile failed (%d)\n", static_cast<int>(mPort->LastError()));
+            break;
+        }
+        if (block.empty()) {
+            if (reply.empty()) {
+                DLog("ReadFile empty (%d)\n", static_cast<int>(mPort->LastError()));
+            }
+            break;
+        }
+        reply.insert(reply.end(), block.begin(), block.end());
+    }
+    reply.push_back(Checksum(reply, Ddc::kReplyChecksumSeed));
+    return reply;
+}
+
+std::string CWinUSBConnector::CapabilitiesString() {
+    ByteBuffer caps;
+    uint16_t offset = 0;
+    while (caps.size() < kMaxCapabilities) {
+        ByteBuffer inBuffer =
+            SendRequest(BuildCapabilitiesRequest(offset), kCapabilitiesWaitSeconds, Ddc::kReplySize, 0);
+        if (inBuffer.size() < HEADER_SIZE || IsNullReply(inBuffer)) {
+            break;
+        }
+        const uint8_t received = inBuffer.back();
+        const uint8_t computed =
+            Checksum(ByteBuffer(inBuffer.begin(), inBuffer.end() - 1), Ddc::kReplyChecksumSeed);
+        if (received != computed) {
+            VLR_ASSERT_FAIL("CapabilitiesString read checksum mismatch");
+            DLog("CapabilitiesString:Read checksum failed %i %i\n", received, computed);
+        }
+        // Data runs from the header to the appended checksum, at most 32 bytes of it.
+        const size_t available = inBuffer.size() - 1 > HEADER_SIZE ? inBuffer.size() - 1 - HEADER_SIZE : 0;
+        const size_t count = std::min(available, kMaxChunkData);
+        if (count == 0) {
+            break;  // an empty fragment ends the string
+        }
+        if (offset == 0) {
+            VLR_ASSERT(inBuffer[HEADER_SIZE] == '(');
+        }
+        caps.insert(caps.end(), inBuffer.begin() + HEADER_SIZE, inBuffer.begin() + HEADER_SIZE + count);
+        offset = static_cast<uint16_t>(offset + count);
+    }
+    std::string capabilitiesStr(caps.begin(), caps.end());
+    VLR_ASSERT(!capabilitiesStr.empty());
+    if (capabilitiesStr.empty()) {
+        return {};
+    }
+    VLR_ASSERT_AS(capabilitiesStr[0] == '(', "caps[0] == '('");
+    Clock::PauseMs(100);
+    return TrimCapabilitiesString(caps);
+}
+
+ByteBuffer CWinUSBConnector::BuildEdidRequest() {
+    return BuildEdidChunkRequest(0xFF);
+}
+
+ByteBuffer CWinUSBConnector::ReadEDID(int32_t) {
+    CScopedTimer timer("CWinUSBConnector::ReadEDID", " Send EDID request");
+    ByteBuffer inBuffer = SendRequest(BuildEdidRequest(), kEdidWaitSeconds, kEdidSize, 0);
+    if (Checksum(inBuffer, Ddc::kReplyChecksumSeed) != 0) {
+        VLR_ASSERT_FAIL("ReadEDID read checksum mismatch");
+        DLog("ReadEDID:Read checksum failed %i %i\n", inBuffer.empty() ? 0 : inBuffer.back(),
+             Checksum(ByteBuffer(inBuffer.begin(), inBuffer.end() - (inBuffer.empty() ? 0 : 1)), 0x50));
+    }
+    if (inBuffer.size() <= 1) {
+        return {};  // nothing but the appended checksum
+    }
+    inBuffer.pop_back();
+    if (DebugLog::IsOn(ELogLevel::Info)) {
+        std::string text(inBuffer.begin(), inBuffer.end());
+        DLog("Data read from Scalar in string form \n\"%s\"\n", text.c_str());
+    }
+    return inBuffer;
+}
+
+SFirmwareVersion CWinUSBConnector::FWVersion() {
+    ByteBuffer reply =
+        SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
+    StripReplyChecksum(reply);
+    SGetReplyValue value;
+    if (!CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value).empty()) {
+        DLog("CWinUSBConnector::FWVersion - failed\n");
+        return {};
+    }
+    return FirmwareVersionFromVcpC9(value.current, value.maximum);
+}

@@ -1,0 +1,36 @@
+#pragma once
+// A serial port wired in-process to a virtual display: what is written is one request to the
+// display, and its answer (without the checksum byte, as serial firmware sends it) arrives to
+// be read in blocks.
+
+#include <deque>
+#include <memory>
+
+#include "CVirtualDisplay.h"
+#include "SerialPort.h"
+
+class CVirtualSerialPort : public ISerialPort {
+public:
+    explicit CVirtualSerialPort(std::shared_ptr<CVirtualDisplay> display_I);
+
+    bool Open(const std::string& name_I) override;
+    void Close() override { mOpen = false; }
+    bool IsOpen() const override { return mOpen; }
+    void ClearErrors() override {}
+    bool Purge() override;
+    bool Write(const ByteBuffer& bytes_I, size_t& written_O) override;
+    bool Read(size_t maxBytes_I, ByteBuffer& data_O) override;
+    uint32_t LastError() const override { return mLastError; }
+
+    // The next write fails with this system error (22 unplugs the device).
+    void FailNextWrite(uint32_t error_I) { mWriteError = error_I; }
+    unsigned Reads() const { return mReads; }
+
+private:
+    std::shared_ptr<CVirtualDisplay> mDisplay;
+    std::deque<uint8_t> mPending;
+    bool mOpen = false;
+    uint32_t mLastError = 0;
+    uint32_t mWriteError = 0;
+    unsigned mReads = 0;
+};

@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include "CVirtualSerialPort.h"
+#include "DdcPackets.h"
+#include "LogCapture.h"
+#include "TestData.h"
+#include "UiDisplayDelegate.h"
+#include "VirtualBench.h"
+#include "WinUSBConnector.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+struct SSerialBench {
+    CVirtualClock clock;
+    CScopedClock scoped{clock};
+    std::shared_ptr<CVirtualDisplay> display;
+    CVirtualSerialPort* port = nullptr;
+    std::shared_ptr<CWinUSBConnector> connector;
+
+    explicit SSerialBench(const char* key) {
+        display = std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset(key));
+        auto serial = std::make_unique<CVirtualSerialPort>(display);
+        port = serial.get();
+        connector = std::make_shared<CWinUSBConnector>(std::move(serial));
+        connector->Open("COM5");
+    }
+};
+
+}  // namespace
+
+TEST(WinUSBConnector, RepliesGetTheirChecksumFromTheConnector) {
+    SSerialBench bench("studio-24");
+    EXPECT_EQ(bench.connector->GetType(), 0u);
+    EXPECT_EQ(bench.connector->SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0),
+              BuildSimulatedReply(0x01, 0x12, 50, 100));
+    EXPECT_EQ(bench.clock.PausesMs(), (std::vector<long long>{70}));
+
+    // Nothing answered: the lone checksum byte 50, which the display object rejects.
+    CLogCapture log;
+    bench.display->Faults().FailNext(EFault::NoReply);
+    EXPECT_EQ(bench.connector->SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0), ByteBuffer{0x50});
+    EXPECT_TRUE(log.Contains("ReadFile empty (0)\n"));
+
+    // Error 22 closes the port for good.
+    bench.port->FailNextWrite(22);
+    EXPECT_TRUE(bench.connector->SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0).empty());
+    EXPECT_TRUE(log.Contains("Failed to write the data to the display\n"));
+    EXPECT_TRUE(log.Contains("WriteFile failed (22)\n"));
+    EXPECT_FALSE(bench.connector->IsOpen());
+    EXPECT_FALSE(bench.connector->Open(0));
+    EXPECT_EQ(log.Asserts(), std::vector<std::string>{"This is not used by serial connections"});
+}
+
+TEST(WinUSBConnector, CapabilitiesInChunksAndTheEdidInOneLongAnswer) {
+    SSerialBench bench("slate-16");
+    const std::string& caps = bench.display->CapabilitiesString();
+    CLogCapture log;
+    EXPECT_EQ(bench.connector->CapabilitiesString(), caps);
+    std::vector<long long> expected((caps.size() + 31) / 32 + 1, 200);
+    expected.push_back(100);
+    EXPECT_EQ(bench.clock.PausesMs(), expected);
+    EXPECT_TRUE(log.Asserts().empty());
+
+    // A captured 384-byte EDID arrives over two 256-byte reads.
+    bench.display->SetEdid(TestData::ReadBytes("edid/ed_dell-up2715k-dp_DEL_40B6.bin"));
+    bench.clock.ClearPauses();
+    const unsigned readsBefore = bench.port->Reads();
+    const ByteBuffer edid = bench.connector->ReadEDID(-1);
+    EXPECT_EQ(edid, bench.display->Edid());
+    EXPECT_EQ(bench.port->Reads() - readsBefore, 3u);
+    EXPECT_EQ(bench.clock.PausesMs(), (std::vector<long long>{700}));
+    EXPECT_EQ(bench.connector->SerialNumber(-1), "F1JCM57D140S");
+    EXPECT_EQ(bench.connector->FWVersion(), (SFirmwareVersion{1, 4, 0, 5, 0}));
+}
+
+TEST(WinUSBConnector, ADisplayObjectRunsOverTheSerialLogic) {
+    SSerialBench bench("canvas-21");
+    CLogCapture log;
+    UiDisplayDelegate display(bench.connector, 0x1046);
+    ASSERT_TRUE(display.Initialize());
+    EXPECT_EQ(display.MonitorName(), "Canvas 21");
+    EXPECT_TRUE(display.SetColorTemperature(cpc_9300K));
+    EXPECT_EQ(bench.display->Value(vcpC_ColorOffsetRed), cpc_9300K);
+    EXPECT_TRUE(display.Save());
+    EXPECT_TRUE(display.FactoryReset());
+    EXPECT_EQ(bench.display->Value(vcpC_ColorOffsetRed), cpc_6500K);
+    EXPECT_TRUE(log.Asserts().empty());
+}
