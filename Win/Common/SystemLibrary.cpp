@@ -15,7 +15,13 @@ HMODULE LoadTrustedLibrary(const wchar_t* name_I, ELibraryLocation where_I) {
     if (where_I == ELibraryLocation::SystemOrApplicationDir) {
         flags |= LOAD_LIBRARY_SEARCH_APPLICATION_DIR;
     }
+    // A missing library must not bring up a system error box.
+    DWORD previousMode = 0;
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &previousMode);
     HMODULE module = LoadLibraryExW(name_I, nullptr, flags);
+    const DWORD error = GetLastError();
+    SetThreadErrorMode(previousMode, nullptr);
+    SetLastError(error);
     if (module == nullptr) {
         DLog("LoadTrustedLibrary: %s not loaded, error %lu\n", Narrow(name_I).c_str(), GetLastError());
     }

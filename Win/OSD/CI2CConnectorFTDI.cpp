@@ -1,0 +1,111 @@
+#include "CI2CConnectorFTDI.h"
+
+#include "Clock.h"
+#include "DebugLog.h"
+
+namespace {
+constexpr ULONG kUsbTransferSize = 65536;
+constexpr ULONG kTimeoutMs = 5000;
+constexpr UCHAR kLatencyMs = 16;
+constexpr int kReadPolls = 200;  // 1 ms apart
+}  // namespace
+
+// FT_Write and FT_Read for the MPSSE engine, waiting for answers to arrive.
+class CI2CConnectorFTDI::CChannel : public IMpsseChannel {
+public:
+    CChannel(const SFtd2xxApi& api_I, FT_HANDLE handle_I) : mApi(api_I), mHandle(handle_I) {}
+
+    bool Write(const ByteBuffer& bytes_I) override {
+        DWORD written = 0;
+        ByteBuffer copy = bytes_I;
+        return mApi.FT_Write(mHandle, copy.data(), static_cast<DWORD>(copy.size()), &written) == FT_OK &&
+               written == copy.size();
+    }
+
+    bool Read(size_t count_I, ByteBuffer& bytes_O) override {
+        for (int poll = 0; poll < kReadPolls; ++poll) {
+            DWORD queued = 0;
+            if (mApi.FT_GetQueueStatus(mHandle, &queued) != FT_OK) {
+                return false;
+            }
+            if (queued >= count_I) {
+                bytes_O.assign(count_I, 0);
+                DWORD received = 0;
+                return mApi.FT_Read(mHandle, bytes_O.data(), static_cast<DWORD>(count_I), &received) ==
+                           FT_OK &&
+                       received == count_I;
+            }
+            Clock::PauseMs(1);
+        }
+        DLog("CI2CConnectorFTDI: the bridge did not answer\n");
+        return false;
+    }
+
+private:
+    const SFtd2xxApi& mApi;
+    FT_HANDLE mHandle;
+};
+
+CI2CConnectorFTDI::CI2CConnectorFTDI() = default;
+
+CI2CConnectorFTDI::~CI2CConnectorFTDI() {
+    Close();
+}
+
+int CI2CConnectorFTDI::DeviceCount() {
+    const SFtd2xxApi* api = Ftd2xxApi();
+    DWORD count = 0;
+    if (api == nullptr || api->FT_CreateDeviceInfoList == nullptr ||
+        api->FT_CreateDeviceInfoList(&count) != FT_OK) {
+        return 0;
+    }
+    return static_cast<int>(count);
+}
+
+bool CI2CConnectorFTDI::Open(int32_t deviceIndex_I) {
+    Close();
+    const SFtd2xxApi* api = Ftd2xxApi();
+    if (api == nullptr || api->FT_Open == nullptr) {
+        DLog("CI2CConnectorFTDI::Open: no D2XX driver\n");
+        return false;
+    }
+    if (api->FT_Open(deviceIndex_I, &mHandle) != FT_OK) {
+        DLog("CI2CConnectorFTDI::Open: device %i does not open\n", deviceIndex_I);
+        mHandle = nullptr;
+        return false;
+    }
+    const bool configured = api->FT_ResetDevice(mHandle) == FT_OK &&
+                            api->FT_Purge(mHandle, FT_PURGE_RX | FT_PURGE_TX) == FT_OK &&
+                            api->FT_SetUSBParameters(mHandle, kUsbTransferSize, kUsbTransferSize) == FT_OK &&
+                            api->FT_SetChars(mHandle, 0, 0, 0, 0) == FT_OK &&
+                            api->FT_SetTimeouts(mHandle, kTimeoutMs, kTimeoutMs) == FT_OK &&
+                            api->FT_SetLatencyTimer(mHandle, kLatencyMs) == FT_OK &&
+                            api->FT_SetBitMode(mHandle, 0x00, FT_BITMODE_RESET) == FT_OK &&
+                            api->FT_SetBitMode(mHandle, 0x00, FT_BITMODE_MPSSE) == FT_OK;
+    if (!configured) {
+        DLog("CI2CConnectorFTDI::Open: device %i refuses the MPSSE set-up\n", deviceIndex_I);
+        Close();
+        return false;
+    }
+    Clock::PauseMs(50);  // the engine needs a moment after the mode change
+    mChannel = std::make_unique<CChannel>(*api, mHandle);
+    auto master = std::make_unique<CMpsseI2CMaster>(*mChannel);
+    if (!master->Initialise()) {
+        Close();
+        return false;
+    }
+    SetMaster(std::move(master));
+    return true;
+}
+
+bool CI2CConnectorFTDI::Close() {
+    CDdcI2CConnector::Close();
+    mChannel.reset();
+    if (mHandle != nullptr) {
+        if (const SFtd2xxApi* api = Ftd2xxApi(); api != nullptr && api->FT_Close != nullptr) {
+            api->FT_Close(mHandle);
+        }
+        mHandle = nullptr;
+    }
+    return true;
+}
