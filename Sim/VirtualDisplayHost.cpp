@@ -59,14 +59,15 @@ int main(int argc, char** argv) {
         } else if (option == "--edid" && hasValue) {
             edidFile = argv[++i];
         } else if (option == "--fault" && hasValue) {
-            const std::string spec = argv[++i];
-            const size_t colon = spec.find(':');
-            const EFault fault = ParseFault(spec.substr(0, colon));
+            const std::string faultText = argv[++i];
+            const size_t colon = faultText.find(':');
+            const EFault fault = ParseFault(faultText.substr(0, colon));
             if (fault == EFault::None) {
                 return Usage("unknown fault kind");
             }
-            const unsigned count =
-                colon == std::string::npos ? 1u : static_cast<unsigned>(std::atoi(spec.c_str() + colon + 1));
+            const unsigned count = colon == std::string::npos
+                                       ? 1u
+                                       : static_cast<unsigned>(std::atoi(faultText.c_str() + colon + 1));
             faults.emplace_back(fault, count);
         } else if (option == "--fault-rate" && hasValue) {
             rate = std::atof(argv[++i]);

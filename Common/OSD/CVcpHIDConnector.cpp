@@ -17,6 +17,8 @@ constexpr int kMaxStatusReads = 4;
 constexpr uint32_t kPollPauseMs = 100;
 constexpr size_t kMinimumStatusSize = 4;
 constexpr size_t kMinimumGetStatusSize = 15;
+constexpr size_t kMaxCapabilities = 0x8000;
+constexpr int kMaxCapabilityChunks = 2048;
 // Where a get reply's maximum and current value sit in a status report.
 constexpr size_t kMaximumLowByte = 13;
 constexpr size_t kCurrentLowByte = 15;
@@ -148,9 +150,7 @@ ByteBuffer CVcpHIDConnector::SendRequest(const ByteBuffer& toSend_I, double, uns
     if (!IsOpen()) {
         return {};
     }
-    if (toSend_I.size() < 4 || toSend_I[0] != Ddc::kDisplayAddress || toSend_I[1] != Ddc::kHostAddress) {
-        VLR_ASSERT_FAIL("Zero-length request vector");
-        VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+    if (!IsTranslatableRequest(toSend_I)) {
         return {};
     }
     const uint8_t command = toSend_I[3];
@@ -180,10 +180,7 @@ ByteBuffer CVcpHIDConnector::SendRequest(const ByteBuffer& toSend_I, double, uns
             }
             return BuildSimulatedReply(command, code, 0, 0);
         }
-        default:
-            VLR_ASSERT_FAIL("Oops - unsupported vcpCode");
-            VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
-            return {};
+        default: ReportUntranslatableCommand(); return {};
     }
 }
 
@@ -193,7 +190,8 @@ std::string CVcpHIDConnector::CapabilitiesString() {
     }
     std::string text;
     uint16_t offset = 0;
-    while (text.size() < 0x8000) {
+    // Bounded, also for a display that keeps sending empty (all-NUL) fragments.
+    for (int chunk = 0; chunk < kMaxCapabilityChunks && text.size() < kMaxCapabilities; ++chunk) {
         const ByteBuffer status =
             SubmitRequest(BuildCommand(ddcCC_CapabilitiesRequest,
                                        {static_cast<uint8_t>(offset >> 8), static_cast<uint8_t>(offset)}),

@@ -142,3 +142,17 @@ ByteBuffer BuildSimulatedReply(uint8_t command_I, uint8_t vcpCode_I, uint16_t cu
     reply.push_back(Checksum(reply, Ddc::kReplyChecksumSeed));
     return reply;
 }
+
+bool IsTranslatableRequest(const ByteBuffer& request_I) {
+    if (request_I.size() < 4 || request_I[0] != Ddc::kDisplayAddress || request_I[1] != Ddc::kHostAddress) {
+        VLR_ASSERT_FAIL("Zero-length request vector");
+        VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+        return false;
+    }
+    return true;
+}
+
+void ReportUntranslatableCommand() {
+    VLR_ASSERT_FAIL("Oops - unsupported vcpCode");
+    VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+}

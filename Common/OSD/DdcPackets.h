@@ -71,6 +71,12 @@ struct SGetReplyValue {
 std::string CheckGetReply(const ByteBuffer& inBuffer, uint8_t requestedCode_I, bool continuous_I,
                           SGetReplyValue& value_O);
 
+// For transports that carry out requests through an API call: whether the request is a host
+// request they can decode (at least 4 bytes, 6E 51 first); asserts when it is not.
+bool IsTranslatableRequest(const ByteBuffer& request_I);
+// Asserts that a request's command has no API call; the caller answers with nothing.
+void ReportUntranslatableCommand();
+
 // The reply a display would have sent for a request that a transport carried out through an
 // API call: a get reply (result and type 00) for command 01, the null message for 03 and 0C.
 // Any other command asserts and yields the single checksum byte 50.

@@ -19,6 +19,8 @@ constexpr double kEdidWaitSeconds = 0.7;
 constexpr unsigned kEdidSize = 256;
 constexpr size_t kMaxChunkData = 32;
 constexpr size_t kMaxCapabilities = 0x8000;
+// A line that never stops sending is not a display answering one request.
+constexpr size_t kMaxReplySize = 0x10000;
 
 bool IsNullReply(const ByteBuffer& reply_I) {
     return reply_I.size() == 3 && reply_I[0] == 0x6E && reply_I[1] == 0x80 && reply_I[2] == 0xBE;
@@ -77,7 +79,7 @@ ByteBuffer CWinUSBConnector::SendRequest(const ByteBuffer& toSend_I, double dela
     // The expected size is only a hint: everything the display sent is taken.
     ByteBuffer reply;
     reply.reserve(std::max<size_t>(expectedSize_I, kReadBlockSize));
-    for (;;) {
+    while (reply.size() < kMaxReplySize) {
         ByteBuffer block;
         if (!mPort->Read(kReadBlockSize, block)) {
             DLog("ReadFile failed (%d)\n", static_cast<int>(mPort->LastError()));

@@ -81,9 +81,7 @@ ByteBuffer CWinI2CConnectorDP::SendRequest(const ByteBuffer& toSend_I, double, u
     if (!IsOpen()) {
         return {};
     }
-    if (toSend_I.size() < 4 || toSend_I[0] != Ddc::kDisplayAddress || toSend_I[1] != Ddc::kHostAddress) {
-        VLR_ASSERT_FAIL("Zero-length request vector");
-        VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
+    if (!IsTranslatableRequest(toSend_I)) {
         return {};
     }
     const SMonitorConfigurationApi& api = MonitorConfigurationApi();
@@ -121,10 +119,7 @@ ByteBuffer CWinI2CConnectorDP::SendRequest(const ByteBuffer& toSend_I, double, u
             }
             return BuildSimulatedReply(command, code, 0, 0);
         }
-        default:
-            VLR_ASSERT_FAIL("Oops - unsupported vcpCode");
-            VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
-            return {};
+        default: ReportUntranslatableCommand(); return {};
     }
 }
 

@@ -155,6 +155,24 @@ TEST(VcpHIDConnector, ACapabilitiesReadEndsAtOnceOnAnEmptyFirstReply) {
     EXPECT_EQ(connector.gets, 1);
 }
 
+TEST(VcpHIDConnector, EndlessEmptyFragmentsDoNotHangTheCapabilitiesRead) {
+    // Every status carries a 32-byte fragment of NULs at whatever offset is asked for.
+    class CNulCapsConnector : public CVcpHIDConnector {
+    public:
+        bool IsOpen() const override { return true; }
+        bool SetFeature(const ByteBuffer&) override { return true; }
+        bool GetFeature(ByteBuffer& report_IO) override {
+            report_IO = ByteBuffer(512, 0x00);
+            ByteBuffer reply{0x6E, 0x80 | 35, 0xE3, 0x00, 0x00};
+            reply.resize(37, 0x00);
+            std::copy(reply.begin(), reply.end(), report_IO.begin() + 6);
+            return true;
+        }
+    } connector;
+    CLogCapture log(false);
+    EXPECT_EQ(connector.CapabilitiesString(), "");
+}
+
 TEST(VcpHIDConnector, ADisplayObjectRunsEndToEndOverHID) {
     SHidBench bench("studio-32");
     CLogCapture log;
