@@ -53,6 +53,16 @@ std::shared_ptr<CVirtualDisplay> CVirtualMonitorConfiguration::Find(Handle physi
     return it->second;
 }
 
+const std::vector<CVirtualMonitorConfiguration::Handle>* CVirtualMonitorConfiguration::PhysicalOf(
+    Handle monitor_I, uint32_t& error_O) const {
+    auto it = mMonitors.find(monitor_I);
+    if (it == mMonitors.end()) {
+        error_O = McaError::kInvalidMonitorHandle;
+        return nullptr;
+    }
+    return &it->second;
+}
+
 std::shared_ptr<CVirtualDisplay> CVirtualMonitorConfiguration::DisplayOf(Handle physical_I) const {
     uint32_t ignored = 0;
     return Find(physical_I, ignored);
@@ -64,12 +74,11 @@ bool CVirtualMonitorConfiguration::GetNumberOfPhysicalMonitors(Handle monitor_I,
         return false;
     }
     std::lock_guard<std::mutex> lock(mMutex);
-    auto it = mMonitors.find(monitor_I);
-    if (it == mMonitors.end()) {
-        error_O = McaError::kInvalidMonitorHandle;
+    const std::vector<Handle>* physical = PhysicalOf(monitor_I, error_O);
+    if (physical == nullptr) {
         return false;
     }
-    count_O = static_cast<uint32_t>(it->second.size());
+    count_O = static_cast<uint32_t>(physical->size());
     return true;
 }
 
@@ -80,17 +89,16 @@ bool CVirtualMonitorConfiguration::GetPhysicalMonitors(Handle monitor_I, uint32_
         return false;
     }
     std::lock_guard<std::mutex> lock(mMutex);
-    auto it = mMonitors.find(monitor_I);
-    if (it == mMonitors.end()) {
-        error_O = McaError::kInvalidMonitorHandle;
+    const std::vector<Handle>* physical = PhysicalOf(monitor_I, error_O);
+    if (physical == nullptr) {
         return false;
     }
-    if (size_I < it->second.size()) {
+    if (size_I < physical->size()) {
         error_O = McaError::kInsufficientBuffer;
         return false;
     }
     monitors_O.clear();
-    for (Handle handle : it->second) {
+    for (Handle handle : *physical) {
         monitors_O.push_back({handle, L"Generic PnP Monitor"});
     }
     return true;

@@ -68,6 +68,8 @@ public:
 private:
     bool Enter(EMcaCall call_I, uint32_t& error_O);
     std::shared_ptr<CVirtualDisplay> Find(Handle physical_I, uint32_t& error_O) const;
+    // The physical monitors of a monitor handle (the caller holds the lock).
+    const std::vector<Handle>* PhysicalOf(Handle monitor_I, uint32_t& error_O) const;
     // Sends a request and checks what came back; false with the API's error when it failed.
     bool Exchange(CVirtualDisplay& display_I, const ByteBuffer& request_I, ByteBuffer& reply_O,
                   uint32_t& error_O) const;

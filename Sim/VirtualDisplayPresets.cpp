@@ -186,116 +186,107 @@ SVirtualDisplayModel BuildModel(const SFamily& family) {
     return model;
 }
 
+// A family with nothing but its identity; the helpers below add what it offers.
+SFamily Identity(const char* key, const char* name, uint16_t productId, uint16_t edidCode,
+                 SFirmwareVersion fw) {
+    SFamily family;
+    family.key = key;
+    family.monitorName = name;
+    family.productId = productId;
+    family.edidCode = edidCode;
+    family.firmware = fw;
+    return family;
+}
+
 std::vector<SFamily> Families() {
     const std::vector<uint16_t> standardSpaces = {0x00, 0x01, 0x03};
     const std::vector<uint16_t> wideSpaces = {0x00, 0x01, 0x02, 0x03, 0x04, 0x07};
     const std::vector<uint16_t> slatePresets = {0x00, 0x05, 0x06, 0x07, 0x08, 0x09};
     auto early = [](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
                     SFirmwareVersion fw) {
-        return SFamily{.key = key,
-                       .monitorName = name,
-                       .productId = productId,
-                       .edidCode = edidCode,
-                       .firmware = fw,
-                       .colourTemperatureAtE4 = true};
+        SFamily family = Identity(key, name, productId, edidCode, fw);
+        family.colourTemperatureAtE4 = true;
+        return family;
     };
     auto hd = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode) {
-        return SFamily{.key = key,
-                       .monitorName = name,
-                       .productId = productId,
-                       .edidCode = edidCode,
-                       .firmware = {2, 0, 5, 5, 0},
-                       .gamma = EGamma::TwoChoices,
-                       .limitedColourPresets = true,
-                       .fullCustomColour = true,
-                       .colourSpaces = standardSpaces,
-                       .aspectCode = vcpC_DisplayScaling,
-                       .osdLanguage = true,
-                       .led = true};
+        SFamily family = Identity(key, name, productId, edidCode, {2, 0, 5, 5, 0});
+        family.gamma = EGamma::TwoChoices;
+        family.limitedColourPresets = true;
+        family.fullCustomColour = true;
+        family.colourSpaces = standardSpaces;
+        family.aspectCode = vcpC_DisplayScaling;
+        family.osdLanguage = true;
+        family.led = true;
+        return family;
     };
     auto pro = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
                    SFirmwareVersion fw, bool withFan) {
-        return SFamily{.key = key,
-                       .monitorName = name,
-                       .productId = productId,
-                       .edidCode = edidCode,
-                       .firmware = fw,
-                       .gamma = EGamma::FineScale,
-                       .fullCustomColour = true,
-                       .colourSpaces = wideSpaces,
-                       .aspectCode = vcpC_AspectRatio,
-                       .uniformity = true,
-                       .dynamicContrast = productId == 0x037C,
-                       .energySmart = true,
-                       .lcdConditioning = true,
-                       .autoPowerDown = true,
-                       .osdLanguage = true,
-                       .led = true,
-                       .fan = withFan,
-                       .listsMccsVersion = false};
+        SFamily family = Identity(key, name, productId, edidCode, fw);
+        family.gamma = EGamma::FineScale;
+        family.fullCustomColour = true;
+        family.colourSpaces = wideSpaces;
+        family.aspectCode = vcpC_AspectRatio;
+        family.uniformity = true;
+        family.dynamicContrast = productId == 0x037C;
+        family.energySmart = true;
+        family.lcdConditioning = true;
+        family.autoPowerDown = true;
+        family.osdLanguage = true;
+        family.led = true;
+        family.fan = withFan;
+        family.listsMccsVersion = false;
+        return family;
     };
     auto slate = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
                      SFirmwareVersion fw, const std::vector<uint16_t>& spaces) {
-        return SFamily{.key = key,
-                       .monitorName = name,
-                       .productId = productId,
-                       .edidCode = edidCode,
-                       .firmware = fw,
-                       .gamma = EGamma::ThreeChoices,
-                       .fullCustomColour = true,
-                       .colourSpaces = spaces,
-                       .displayPresets = slatePresets,
-                       .battery = true};
+        SFamily family = Identity(key, name, productId, edidCode, fw);
+        family.gamma = EGamma::ThreeChoices;
+        family.fullCustomColour = true;
+        family.colourSpaces = spaces;
+        family.displayPresets = slatePresets;
+        family.battery = true;
+        return family;
     };
     auto touch = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
                      SFirmwareVersion fw) {
-        return SFamily{.key = key,
-                       .monitorName = name,
-                       .productId = productId,
-                       .edidCode = edidCode,
-                       .firmware = fw,
-                       .brightnessCode = vcpC_BacklightControl,
-                       .fullCustomColour = true,
-                       .colourSpaces = wideSpaces,
-                       .aspectCode = vcpC_DisplayScaling,
-                       .uniformity = true,
-                       .energySmart = true,
-                       .autoPowerDown = true,
-                       .led = true,
-                       .fanListedWithoutFan = true};
+        SFamily family = Identity(key, name, productId, edidCode, fw);
+        family.brightnessCode = vcpC_BacklightControl;
+        family.fullCustomColour = true;
+        family.colourSpaces = wideSpaces;
+        family.aspectCode = vcpC_DisplayScaling;
+        family.uniformity = true;
+        family.energySmart = true;
+        family.autoPowerDown = true;
+        family.led = true;
+        family.fanListedWithoutFan = true;
+        return family;
     };
     auto go = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode) {
-        return SFamily{.key = key,
-                       .monitorName = name,
-                       .productId = productId,
-                       .edidCode = edidCode,
-                       .firmware = {5, 0, 2, 5, 0},
-                       .brightnessCode = vcpC_BacklightLevelWhite,
-                       .fullCustomColour = true,
-                       .colourSpaces = standardSpaces,
-                       .aspectCode = vcpC_ScanMode,
-                       .energySmart = true,
-                       .autoPowerDown = true,
-                       .led = true,
-                       .battery = true,
-                       .batteryListedWithoutZero = true};
+        SFamily family = Identity(key, name, productId, edidCode, {5, 0, 2, 5, 0});
+        family.brightnessCode = vcpC_BacklightLevelWhite;
+        family.fullCustomColour = true;
+        family.colourSpaces = standardSpaces;
+        family.aspectCode = vcpC_ScanMode;
+        family.energySmart = true;
+        family.autoPowerDown = true;
+        family.led = true;
+        family.battery = true;
+        family.batteryListedWithoutZero = true;
+        return family;
     };
     auto studio = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode,
                       SFirmwareVersion fw, bool withLed) {
-        return SFamily{.key = key,
-                       .monitorName = name,
-                       .productId = productId,
-                       .edidCode = edidCode,
-                       .firmware = fw,
-                       .brightnessCode = vcpC_BacklightLevelWhite,
-                       .fullCustomColour = true,
-                       .colourSpaces = wideSpaces,
-                       .aspectCode = vcpC_ScanMode,
-                       .uniformity = true,
-                       .energySmart = true,
-                       .autoPowerDown = true,
-                       .led = withLed,
-                       .fan = true};
+        SFamily family = Identity(key, name, productId, edidCode, fw);
+        family.brightnessCode = vcpC_BacklightLevelWhite;
+        family.fullCustomColour = true;
+        family.colourSpaces = wideSpaces;
+        family.aspectCode = vcpC_ScanMode;
+        family.uniformity = true;
+        family.energySmart = true;
+        family.autoPowerDown = true;
+        family.led = withLed;
+        family.fan = true;
+        return family;
     };
     return {
         early("canvas-12", "Canvas 12", 0x0304, 0x1040, {1, 0, 8, 5, 0}),
