@@ -32,6 +32,19 @@ const std::vector<SModelGroupRow>& Rows() {
         {EModelGroup::NoFan, "NoFan", {0x0390, 0x0396, 0x0391}},
         // The battery-powered models report Battery Mode 0 but leave it out of their list.
         {EModelGroup::BatteryModeMissingZero, "BatteryModeMissingZero", {0x03AE, 0x03B0}},
+        {EModelGroup::HidPairedByModel, "HidPairedByModel", {0x03A6, 0x03BD, 0x03AE, 0x03B0}},
+        {EModelGroup::LegacySerialPort, "LegacySerialPort", {0x0304, 0x0333, 0x0325}},
+        // Tested in this order; the first family that holds the display decides.
+        {EModelGroup::LegacyFtdiBridge,
+         "LegacyFtdiBridge",
+         {0x032B, 0x032A, 0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352, 0x0398, 0x0399, 0x0390, 0x03AE,
+          0x0396, 0x03B0, 0x03A6, 0x03BD}},
+        {EModelGroup::LegacyTiBridge, "LegacyTiBridge", {0x034D, 0x034E}},
+        // Earlier firmware starts its menu in English whatever the computer's language.
+        {EModelGroup::OsdLanguageSetByHost,
+         "OsdLanguageSetByHost",
+         {0x032B, 0x032A, 0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352}},
+        {EModelGroup::PenComputerScreen, "PenComputerScreen", {0x034D, 0x034E, 0x0398, 0x0399}},
         {EModelGroup::GroupA, "GroupA", {0x0390, 0x0396, 0x0391}},
         {EModelGroup::GroupB, "GroupB", {0x03AE, 0x03B0}},
         {EModelGroup::GroupC, "GroupC", {0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352}},

@@ -23,6 +23,18 @@ enum class EModelGroup {
     NoFan,
     // Battery Mode (0xF4) is listed as "F4(02 03)" although the firmware also reports 0.
     BatteryModeMissingZero,
+    // Discovery: any HID control interface may serve these models when no interface reports
+    // the display's serial number (their USB serial is the tablet's, not the panel's).
+    HidPairedByModel,
+    // Discovery, pairing without a serial number: the transport each model is built with.
+    LegacySerialPort,
+    LegacyFtdiBridge,
+    LegacyTiBridge,
+    // The program sets the on-screen-menu language to the interface language.
+    OsdLanguageSetByHost,
+    // The built-in screens of the maker's pen computer, whose colour range depends on whether
+    // they run inside the maker's own computer.
+    PenComputerScreen,
     // Families the settings delegate and the colour model treat alike.
     GroupA,
     GroupB,

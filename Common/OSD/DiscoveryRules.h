@@ -1,0 +1,65 @@
+#pragma once
+// The decisions of display discovery that need no operating system: which routes a
+// connection mode tries, which connector a model is expected on when no serial number pairs
+// it, how ids read from the system are taken apart, the on-screen-menu language values, and
+// the text shown when the graphics driver cannot reach a display. The Windows discovery asks
+// these; tests check them natively.
+
+#include <cstdint>
+#include <string>
+
+#include "Connector.h"
+
+// How discovery pairs monitors with control channels.
+enum EConnectionMode : uint32_t {
+    eConnectionHidOnly = 0,
+    eConnectionDisplayPortOnly = 1,
+    eConnectionLegacyOnly = 2,  // serial-number pairing over serial ports and bridges
+    eConnectionAll = 3,         // HID, then the graphics driver, then legacy pairing
+};
+
+namespace Discovery {
+
+// "No connector type": the value the legacy rule starts from.
+constexpr unsigned kNoConnectorType = 5;
+
+bool TriesHid(uint32_t mode_I);
+// Mode 1 always; mode 3 only when HID did not serve the display.
+bool TriesDisplayPort(uint32_t mode_I, bool servedByHid_I);
+// Mode 2 always; mode 3 only when the graphics driver failed.
+bool TriesLegacy(uint32_t mode_I, bool displayPortFailed_I);
+
+// With matching by model: any HID control interface serves these models.
+bool HidServesByModel(uint16_t productCode_I);
+// With matching by model: the connector type a model is reached over when its serial number
+// pairs with nothing (kNoConnectorType when none is expected).
+unsigned ExpectedLegacyConnectorType(uint16_t productCode_I);
+
+// Connector serial numbers equal record serial numbers byte for byte; an empty one never
+// pairs.
+bool SameSerialNumber(const std::string& connector_I, const std::string& record_I);
+
+// The seven characters "VLR" and the product code's digits that follow the first backslash
+// that starts "\VLR" in a hardware id; empty when there is none.
+std::string ShortNameFromHardwareId(const std::string& hardwareId_I);
+// The product code: up to four hexadecimal digits after "\VLR"; 0 when there are none (so
+// that no resource names it), with a log line.
+uint16_t ProductCodeFromDeviceId(const std::string& deviceId_I);
+// Device ids compare exactly, else without regard to case.
+bool SameDeviceId(const std::string& left_I, const std::string& right_I);
+
+// Serial ports that can lead to a display's controller.
+enum class EPortKind { NotSupported, FtdiVirtualComPort, SiliconLabsBridge };
+EPortKind ClassifyPortHardwareId(const std::string& hardwareId_I);
+
+// The MCCS OSD-language value for an interface language number; -1 when it has none.
+int OsdLanguageValue(int uiLanguage_I);
+
+// Whether the system manufacturer the BIOS reports is the maker itself.
+bool IsMakersOwnComputer(const std::string& systemManufacturer_I);
+
+// The text shown when a display could not be reached through the graphics driver.
+std::string DisplayPortErrorText(uint16_t productCode_I, const std::string& supportedName_I,
+                                 const std::string& connectorError_I);
+
+}  // namespace Discovery

@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include "DiscoveryRules.h"
+#include "LogCapture.h"
+
+using namespace Discovery;
+
+TEST(DiscoveryRules, ModesChooseTheirRoutes) {
+    EXPECT_TRUE(TriesHid(eConnectionHidOnly));
+    EXPECT_TRUE(TriesHid(eConnectionAll));
+    EXPECT_FALSE(TriesHid(eConnectionDisplayPortOnly));
+    EXPECT_FALSE(TriesHid(eConnectionLegacyOnly));
+
+    EXPECT_TRUE(TriesDisplayPort(eConnectionDisplayPortOnly, false));
+    EXPECT_TRUE(TriesDisplayPort(eConnectionAll, false));
+    EXPECT_FALSE(TriesDisplayPort(eConnectionAll, true));  // HID served it
+    EXPECT_FALSE(TriesDisplayPort(eConnectionHidOnly, false));
+
+    EXPECT_TRUE(TriesLegacy(eConnectionLegacyOnly, false));
+    EXPECT_TRUE(TriesLegacy(eConnectionAll, true));
+    EXPECT_FALSE(TriesLegacy(eConnectionAll, false));  // served by HID or the driver
+    EXPECT_FALSE(TriesLegacy(eConnectionDisplayPortOnly, true));
+}
+
+TEST(DiscoveryRules, TheExpectedConnectorFollowsTheFamily) {
+    // Serial-port families, every code of a family alike.
+    for (uint16_t code : {0x1040, 0x1046, 0x1042}) {
+        EXPECT_EQ(ExpectedLegacyConnectorType(code), eConnectorSerial) << code;
+    }
+    // FTDI: both codes of a two-code family, the HD panels and the Go models.
+    for (uint16_t code : {0x1043, 0x1048, 0x1044, 0x1049, 0x1060, 0x1063, 0x1057, 0x1073, 0x1066, 0x1067,
+                          0x1064, 0x1071, 0x1068, 0x1072, 0x1070, 0x1075}) {
+        EXPECT_EQ(ExpectedLegacyConnectorType(code), eConnectorFTDI) << code;
+    }
+    EXPECT_EQ(ExpectedLegacyConnectorType(0x1052), eConnectorTI);
+    EXPECT_EQ(ExpectedLegacyConnectorType(0x1053), eConnectorTI);
+    // Canvas 32 Touch's family is in no list; unknown codes neither.
+    EXPECT_EQ(ExpectedLegacyConnectorType(0x1065), kNoConnectorType);
+    EXPECT_EQ(ExpectedLegacyConnectorType(0x2222), kNoConnectorType);
+
+    for (uint16_t code : {0x1070, 0x1075, 0x1071, 0x1072}) {
+        EXPECT_TRUE(HidServesByModel(code)) << code;
+    }
+    EXPECT_FALSE(HidServesByModel(0x1060));
+}
+
+TEST(DiscoveryRules, SystemIdsAreTakenApartSafely) {
+    EXPECT_EQ(ShortNameFromHardwareId("MONITOR\\VLR1070"), "VLR1070");
+    EXPECT_EQ(ShortNameFromHardwareId("MONITOR\\VLR10701234"), "VLR1070");
+    EXPECT_EQ(ShortNameFromHardwareId("DISPLAY\\X\\VLR1043\\5&1"), "VLR1043");
+    EXPECT_EQ(ShortNameFromHardwareId("MONITOR\\VLR"), "VLR");
+    EXPECT_EQ(ShortNameFromHardwareId("MONITOR\\DEL40B6"), "");
+    EXPECT_EQ(ShortNameFromHardwareId("VLR1070"), "");  // no backslash before it
+    EXPECT_EQ(ShortNameFromHardwareId("\\VL"), "");
+    EXPECT_EQ(ShortNameFromHardwareId(""), "");
+
+    CLogCapture log;
+    EXPECT_EQ(ProductCodeFromDeviceId("MONITOR\\VLR1070\\{4d36e96e-e325-11ce-bfc1-08002be10318}\\0001"),
+              0x1070);
+    EXPECT_EQ(ProductCodeFromDeviceId("MONITOR\\VLR10\\{x}"), 0x10);
+    EXPECT_EQ(ProductCodeFromDeviceId("MONITOR\\VLRabcd\\0"), 0xABCD);
+    EXPECT_EQ(ProductCodeFromDeviceId("MONITOR\\VLRZZ12\\0"), 0);
+    EXPECT_TRUE(log.Contains("Discovery: no product code in device id MONITOR\\VLRZZ12\\0\n"));
+    EXPECT_EQ(ProductCodeFromDeviceId("MONITOR\\DEL40B6\\0"), 0);
+
+    EXPECT_TRUE(SameDeviceId("MONITOR\\VLR1070\\{A}\\0001", "MONITOR\\VLR1070\\{A}\\0001"));
+    EXPECT_TRUE(SameDeviceId("MONITOR\\VLR1070\\{4D36E96E}\\0001", "monitor\\vlr1070\\{4d36e96e}\\0001"));
+    EXPECT_FALSE(SameDeviceId("MONITOR\\VLR1070\\{A}\\0001", "MONITOR\\VLR1070\\{A}\\0002"));
+
+    EXPECT_EQ(ClassifyPortHardwareId("FTDIBUS\\COMPORT&VID_0403&PID_6014"), EPortKind::FtdiVirtualComPort);
+    EXPECT_EQ(ClassifyPortHardwareId("ftdibus\\comport&vid_0403&pid_6014\\6&abc"),
+              EPortKind::FtdiVirtualComPort);
+    EXPECT_EQ(ClassifyPortHardwareId("USB\\VID_10C4&PID_EA60&REV_0100"), EPortKind::SiliconLabsBridge);
+    EXPECT_EQ(ClassifyPortHardwareId("FTDIBUS\\COMPORT&VID_0403&PID_6001"), EPortKind::NotSupported);
+    EXPECT_EQ(ClassifyPortHardwareId("ACPI\\PNP0501"), EPortKind::NotSupported);
+
+    EXPECT_TRUE(SameSerialNumber("VC1070A40934", "VC1070A40934"));
+    EXPECT_FALSE(SameSerialNumber("VC1070A40934", "VC1070A40934 "));
+    EXPECT_FALSE(SameSerialNumber("", ""));  // an unread serial number pairs with nothing
+}
+
+TEST(DiscoveryRules, MenuLanguagesAndTheErrorText) {
+    const std::pair<int, int> rows[] = {{0, 0x02},  {1, 0x0D},  {2, 0x01},  {3, 0x26},  {4, 0x03},
+                                        {5, 0x04},  {6, 0x06},  {7, 0x07},  {8, 0x05},  {9, 0x0A},
+                                        {10, 0x08}, {12, 0x14}, {13, 0x09}, {15, 0x1E}, {19, 0x02}};
+    for (const auto& [language, value] : rows) {
+        EXPECT_EQ(OsdLanguageValue(language), value) << language;
+    }
+    for (int language : {-1, 11, 14, 16, 17, 18, 20, 23, 24}) {
+        EXPECT_EQ(OsdLanguageValue(language), -1) << language;
+    }
+
+    EXPECT_TRUE(IsMakersOwnComputer("Velor Co.,Ltd"));
+    EXPECT_FALSE(IsMakersOwnComputer("Velor Co., Ltd"));
+    EXPECT_FALSE(IsMakersOwnComputer(""));
+
+    EXPECT_EQ(DisplayPortErrorText(0x1070, "Velor Studio 24", "GetCapabilitiesStringLength, errcode: 5"),
+              "Display: VLR1070  [Velor Studio 24]\n    Could not connect through Display Port API\n"
+              "    GetCapabilitiesStringLength, errcode: 5");
+    EXPECT_EQ(DisplayPortErrorText(0x0A, "", ""),
+              "Display: VLR0A  []\n    Could not connect through Display Port API\n    ");
+}
