@@ -1,5 +1,6 @@
 #include "CVirtualMonitorConfiguration.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "DdcPackets.h"
@@ -17,6 +18,11 @@ CVirtualMonitorConfiguration::Handle CVirtualMonitorConfiguration::AddMonitor(
     }
     mNextHandle += 0x10;
     return monitor;
+}
+
+void CVirtualMonitorConfiguration::SetUnreachable(const std::shared_ptr<CVirtualDisplay>& display_I) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mUnreachable.push_back(display_I);
 }
 
 void CVirtualMonitorConfiguration::FailNext(EMcaCall call_I, uint32_t errorCode_I, unsigned times_I) {
@@ -48,6 +54,10 @@ std::shared_ptr<CVirtualDisplay> CVirtualMonitorConfiguration::Find(Handle physi
     auto it = mPhysical.find(physical_I);
     if (it == mPhysical.end()) {
         error_O = McaError::kInvalidPhysicalMonitorHandle;
+        return nullptr;
+    }
+    if (std::find(mUnreachable.begin(), mUnreachable.end(), it->second) != mUnreachable.end()) {
+        error_O = McaError::kI2CErrorReceivingData;
         return nullptr;
     }
     return it->second;

@@ -47,6 +47,10 @@ public:
     // A monitor handle whose physical monitors are these displays, in order.
     Handle AddMonitor(const std::vector<std::shared_ptr<CVirtualDisplay>>& displays_I);
 
+    // Every call that reaches this display fails as when it does not answer on the bus (a
+    // dock or converter that does not pass DDC/CI on).
+    void SetUnreachable(const std::shared_ptr<CVirtualDisplay>& display_I);
+
     // The next `times_I` calls of this function fail with the error code.
     void FailNext(EMcaCall call_I, uint32_t errorCode_I, unsigned times_I = 1);
     size_t CallCount(EMcaCall call_I) const;
@@ -77,6 +81,7 @@ private:
     mutable std::mutex mMutex;
     std::map<Handle, std::vector<Handle>> mMonitors;
     std::map<Handle, std::shared_ptr<CVirtualDisplay>> mPhysical;
+    std::vector<std::shared_ptr<CVirtualDisplay>> mUnreachable;
     std::map<EMcaCall, std::vector<uint32_t>> mPlannedFailures;
     std::map<EMcaCall, size_t> mCalls;
     Handle mNextHandle = 0x1000;

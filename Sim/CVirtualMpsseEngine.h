@@ -1,0 +1,46 @@
+#pragma once
+// The MPSSE engine of an FTDI FT232H wired as an I2C master to a virtual display's bus: it
+// takes the command bytes a D2XX host writes, follows the pins to find start and stop
+// conditions, clocks bytes out to and in from the bus, and queues what the host reads back
+// (acknowledge bits and data), as the engine does for the command set an I2C master uses.
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+
+#include "ByteBuffer.h"
+#include "CVirtualI2CBus.h"
+
+class CVirtualMpsseEngine {
+public:
+    explicit CVirtualMpsseEngine(std::shared_ptr<CVirtualDisplay> display_I);
+
+    void Write(const ByteBuffer& commands_I);
+    size_t Queued() const { return mOut.size(); }
+    // Up to count_I queued bytes.
+    ByteBuffer Read(size_t count_I);
+    void Reset();
+
+    CVirtualI2CBus& Bus() { return mBus; }
+
+private:
+    void SetPins(uint8_t value_I);
+    void ClockByteOut(uint8_t byte_I);
+    void AcknowledgeBit();
+    void ClockByteIn();
+    void Finish();
+
+    CVirtualI2CBus mBus;
+    std::deque<uint8_t> mOut;
+    ByteBuffer mPending;  // the command bytes of an incomplete command
+    bool mScl = true;
+    bool mSda = true;
+    bool mInTransfer = false;
+    bool mAddressed = false;
+    bool mAcknowledged = true;
+    uint8_t mAddress7 = 0;
+    bool mReading = false;
+    ByteBuffer mWritten;
+    ByteBuffer mReadData;
+    size_t mReadIndex = 0;
+};
