@@ -83,6 +83,9 @@ public:
     const std::shared_ptr<Connector>& GetConnector() const { return mConnector; }
     const std::string& MonitorName() const { return mMonitorName; }
     void SetMonitorName(const std::string& name_I) { mMonitorName = name_I; }
+    // The product name the interface shows (UTF-8), set by discovery.
+    const std::string& SupportedName() const { return mSupportedName; }
+    void SetSupportedName(const std::string& name_I) { mSupportedName = name_I; }
     const CapabilitiesMap& Capabilities() const { return mCapabilities; }
     const std::string& Protocol() const { return mProtocol; }
     const std::string& DisplayType() const { return mType; }
@@ -106,6 +109,7 @@ protected:
     std::shared_ptr<Connector> mConnector;
     uint16_t mEDIDNumber;
     std::string mMonitorName;
+    std::string mSupportedName;
     CapabilitiesMap mCapabilities;
     std::string mProtocol;
     std::string mType;

@@ -9,17 +9,19 @@ namespace {
 struct SDevice {
     std::shared_ptr<CVirtualHidDevice> device;
     bool exclusive = false;
+    uint16_t vendorId = 0;
+    uint16_t productId = 0;
 };
 
 std::mutex gMutex;
 std::map<std::string, SDevice> gDevices;
-std::vector<std::shared_ptr<CVirtualHidDevice>> gOpen;  // index + 1 is the handle value
+std::vector<SDevice> gOpen;  // index + 1 is the handle value
 CSimulatedHidApi::SCounters gCounters;
 
 std::shared_ptr<CVirtualHidDevice> DeviceOf(HANDLE handle_I) {
     const auto index = reinterpret_cast<uintptr_t>(handle_I);
     std::lock_guard<std::mutex> lock(gMutex);
-    return index >= 1 && index <= gOpen.size() ? gOpen[index - 1] : nullptr;
+    return index >= 1 && index <= gOpen.size() ? gOpen[index - 1].device : nullptr;
 }
 
 HANDLE WINAPI SimCreateFileA(LPCSTR path_I, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
@@ -34,7 +36,7 @@ HANDLE WINAPI SimCreateFileA(LPCSTR path_I, DWORD, DWORD, LPSECURITY_ATTRIBUTES,
         return INVALID_HANDLE_VALUE;
     }
     ++gCounters.opens;
-    gOpen.push_back(it->second.device);
+    gOpen.push_back(it->second);
     return reinterpret_cast<HANDLE>(static_cast<uintptr_t>(gOpen.size()));
 }
 
@@ -76,7 +78,20 @@ BOOLEAN WINAPI SimGetFeature(HANDLE handle_I, PVOID buffer_IO, ULONG length_I) {
     return TRUE;
 }
 
-const SHidApi kTable = {&SimCreateFileA, &SimCloseHandle, &SimSetFeature, &SimGetFeature};
+BOOLEAN WINAPI SimGetAttributes(HANDLE handle_I, PHIDD_ATTRIBUTES attributes_O) {
+    const auto index = reinterpret_cast<uintptr_t>(handle_I);
+    std::lock_guard<std::mutex> lock(gMutex);
+    if (index < 1 || index > gOpen.size() || attributes_O == nullptr) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    attributes_O->VendorID = gOpen[index - 1].vendorId;
+    attributes_O->ProductID = gOpen[index - 1].productId;
+    attributes_O->VersionNumber = 0x0100;
+    return TRUE;
+}
+
+const SHidApi kTable = {&SimCreateFileA, &SimCloseHandle, &SimSetFeature, &SimGetFeature, &SimGetAttributes};
 
 }  // namespace
 
@@ -96,9 +111,13 @@ CSimulatedHidApi::~CSimulatedHidApi() {
 }
 
 void CSimulatedHidApi::AddDevice(const std::string& path_I, std::shared_ptr<CVirtualHidDevice> device_I,
-                                 bool exclusive_I) {
+                                 bool exclusive_I, uint16_t vendorId_I, uint16_t productId_I) {
     std::lock_guard<std::mutex> lock(gMutex);
-    gDevices[path_I] = {std::move(device_I), exclusive_I};
+    gDevices[path_I] = {std::move(device_I), exclusive_I, vendorId_I, productId_I};
+}
+
+const SHidApi& CSimulatedHidApi::Table() {
+    return kTable;
 }
 
 CSimulatedHidApi::SCounters CSimulatedHidApi::Counters() {

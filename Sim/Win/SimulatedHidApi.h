@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "CEdidBuilder.h"
 #include "CVirtualHidDevice.h"
 #include "HidApi.h"
 
@@ -16,9 +17,14 @@ public:
     CSimulatedHidApi(const CSimulatedHidApi&) = delete;
     CSimulatedHidApi& operator=(const CSimulatedHidApi&) = delete;
 
-    // A device at this path; an exclusive one refuses to open (another program holds it).
+    // A device at this path; an exclusive one refuses to open (another program holds it). A
+    // null device opens but refuses every feature report (a collection without them).
     void AddDevice(const std::string& path_I, std::shared_ptr<CVirtualHidDevice> device_I,
-                   bool exclusive_I = false);
+                   bool exclusive_I = false, uint16_t vendorId_I = kVelorUsbVendorId,
+                   uint16_t productId_I = 0);
+
+    // The table of simulated functions (the discovery table opens HID paths with it too).
+    static const SHidApi& Table();
 
     struct SCounters {
         unsigned opens = 0;

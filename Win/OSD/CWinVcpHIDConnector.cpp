@@ -1,6 +1,7 @@
 #include "CWinVcpHIDConnector.h"
 
 #include "Assert.h"
+#include "CEdidBuilder.h"
 #include "DebugLog.h"
 #include "HidApi.h"
 
@@ -25,6 +26,32 @@ bool CWinVcpHIDConnector::OpenHIDDevice(const std::string& devicePath_I) {
         DLog("OpenHIDDevice: SUCCESS: opened a handle to instance: %s\n", devicePath_I.c_str());
     }
     return IsOpen();
+}
+
+void CWinVcpHIDConnector::AdoptDevice(HANDLE device_I) {
+    CloseHIDDevice();
+    mDevice = device_I == INVALID_HANDLE_VALUE ? nullptr : device_I;
+}
+
+bool CWinVcpHIDConnector::AnswersAsVcpDevice() {
+    if (!IsOpen()) {
+        return false;
+    }
+    HIDD_ATTRIBUTES attributes{};
+    attributes.Size = sizeof(attributes);
+    if (!HidApi().HidD_GetAttributes(mDevice, &attributes)) {
+        DLog("CWinVcpHIDConnector: HidD_GetAttributes error: [%i]\n", static_cast<int>(GetLastError()));
+        return false;
+    }
+    if (attributes.VendorID != kVelorUsbVendorId) {
+        return false;
+    }
+    // The status request changes nothing on the display; a collection without the control
+    // report refuses it.
+    const ByteBuffer statusRequest{0xE5, 0x04, 0x00};
+    ByteBuffer report(kReportSize, 0x00);
+    std::copy(statusRequest.begin(), statusRequest.end(), report.begin());
+    return HidApi().HidD_SetFeature(mDevice, report.data(), static_cast<ULONG>(report.size())) != FALSE;
 }
 
 bool CWinVcpHIDConnector::CloseHIDDevice() {

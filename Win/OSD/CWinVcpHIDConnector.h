@@ -20,6 +20,12 @@ public:
     bool SetFeature(const ByteBuffer& report_I) override;
     bool GetFeature(ByteBuffer& report_IO) override;
 
+    // Takes over a handle that discovery opened; the connector closes it.
+    void AdoptDevice(HANDLE device_I);
+    // A control interface of the maker's that accepts the VCP status report. Pen, touch and
+    // keyboard collections of the same device refuse it.
+    bool AnswersAsVcpDevice();
+
 private:
     HANDLE mDevice = nullptr;
 };

@@ -11,6 +11,7 @@ std::mutex gMutex;
 HMODULE gModule = nullptr;
 bool gTried = false;
 SFtd2xxApi gApi{};
+const SFtd2xxApi* gReplacement = nullptr;
 
 template <typename Function>
 bool Bind(const char* name_I, Function& slot_O) {
@@ -49,6 +50,9 @@ bool Load() {
 
 const SFtd2xxApi* Ftd2xxApi() {
     std::lock_guard<std::mutex> lock(gMutex);
+    if (gReplacement != nullptr) {
+        return gReplacement;
+    }
     static bool complete = false;
     if (!gTried) {
         gTried = true;
@@ -65,4 +69,9 @@ void UnloadFtd2xxApi() {
     }
     gApi = SFtd2xxApi{};
     gTried = false;
+}
+
+void SetFtd2xxApi(const SFtd2xxApi* api_I) {
+    std::lock_guard<std::mutex> lock(gMutex);
+    gReplacement = api_I;
 }

@@ -32,3 +32,5 @@ struct SFtd2xxApi {
 const SFtd2xxApi* Ftd2xxApi();
 // Lets go of the library, so the next call looks for it again.
 void UnloadFtd2xxApi();
+// Replaces the library's functions (a simulation); nullptr goes back to the library.
+void SetFtd2xxApi(const SFtd2xxApi* api_I);

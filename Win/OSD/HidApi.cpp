@@ -11,6 +11,11 @@ BOOLEAN WINAPI MissingFeature(HANDLE, PVOID, ULONG) {
     return FALSE;
 }
 
+BOOLEAN WINAPI MissingAttributes(HANDLE, PHIDD_ATTRIBUTES) {
+    SetLastError(ERROR_PROC_NOT_FOUND);
+    return FALSE;
+}
+
 template <typename Function>
 Function Find(HMODULE module_I, const char* name_I, Function missing_I) {
     FARPROC address = module_I != nullptr ? GetProcAddress(module_I, name_I) : nullptr;
@@ -24,6 +29,7 @@ SHidApi LoadReal() {
     api.CloseHandle = &::CloseHandle;
     api.HidD_SetFeature = Find(hid, "HidD_SetFeature", &MissingFeature);
     api.HidD_GetFeature = Find(hid, "HidD_GetFeature", &MissingFeature);
+    api.HidD_GetAttributes = Find(hid, "HidD_GetAttributes", &MissingAttributes);
     return api;
 }
 

@@ -1,0 +1,39 @@
+#pragma once
+// Makes a virtual machine the process's system for the lifetime of the object: SetupAPI lists
+// its monitors, HID interfaces and COM ports, the registry holds their EDIDs and port names
+// and its BIOS manufacturer, the desktop shows its monitors, and the Monitor Configuration
+// API, the HID calls, the COM ports and the FTDI driver reach its virtual displays. The real
+// discovery and the real connectors then run against it. One at a time per process.
+
+#include <memory>
+
+#include "CVirtualMonitorConfiguration.h"
+#include "DiscoverySystemApi.h"
+#include "SimulatedHidApi.h"
+#include "SimulatedMonitorConfigurationApi.h"
+#include "VirtualMachine.h"
+
+class CSimulatedMachine {
+public:
+    explicit CSimulatedMachine(SVirtualMachine machine_I);
+    ~CSimulatedMachine();
+    CSimulatedMachine(const CSimulatedMachine&) = delete;
+    CSimulatedMachine& operator=(const CSimulatedMachine&) = delete;
+
+    const SVirtualMachine& Machine() const;
+    CVirtualMonitorConfiguration& MonitorConfiguration() { return *mMonitorConfiguration; }
+    // The monitor handle of the n-th monitor (null when it is not on the desktop).
+    HMONITOR MonitorHandle(size_t index_I) const;
+
+    // How often discovery asked for the COM port list (once per search at most).
+    unsigned PortListings() const;
+    // How many COM ports were opened.
+    unsigned PortOpens() const;
+
+    static const SDiscoverySystemApi& Table();
+
+private:
+    std::shared_ptr<CVirtualMonitorConfiguration> mMonitorConfiguration;
+    std::unique_ptr<CSimulatedHidApi> mHid;
+    std::unique_ptr<CSimulatedMonitorConfigurationApi> mMca;
+};

@@ -1,0 +1,107 @@
+#pragma once
+// Display discovery: finds every attached pen display of the maker, decides over which
+// transport each is reached, and creates one initialised display object per display that
+// answers. Monitors come from the monitor setup class (hardware ids carrying "\VLR"); control
+// channels from HID interfaces, the graphics driver, serial ports and the USB-to-I2C bridges.
+// Each monitor record is paired with a channel by the HID serial number, through the graphics
+// driver, or by the serial number a serial or bridge connector reads from the display's EDID.
+//
+// Every system call goes through DiscoverySystemApi(); every pause through the process clock.
+// Init may run again for a fresh search once the previous displays have been released.
+
+#include <windows.h>
+// windows.h first: setupapi.h needs its types.
+#include <setupapi.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CDisplay.h"
+#include "Connector.h"
+#include "DiscoveryRules.h"
+#include "DisplayInfo.h"
+
+class CWinDisplayConfigInterface : public std::enable_shared_from_this<CWinDisplayConfigInterface> {
+public:
+    // The program's one discovery object.
+    static const std::shared_ptr<CWinDisplayConfigInterface>& Instance();
+    // A separate one (tests, benchmarks).
+    static std::shared_ptr<CWinDisplayConfigInterface> Create();
+
+    void SetConnectionMode(uint32_t mode_I) { mConnectionMode = mode_I; }
+    uint32_t ConnectionMode() const { return mConnectionMode; }
+    void SetMatchByModel(bool on_I) { mMatchByModel = on_I; }
+    void SetStopOnDisplayPortError(bool on_I) { mStopOnDisplayPortError = on_I; }
+    // The interface language: model names are looked up in it, and displays whose menu
+    // language the program sets get it.
+    void SetInterfaceLanguage(LANGID languageId_I);
+
+    // The whole search. True when at least one display was found and no error text was left.
+    bool Init();
+
+    const std::vector<SDisplayInfo>& DisplayInfos() const { return mDisplayInfos; }
+    std::vector<std::shared_ptr<CDisplay>> Displays() const;
+    const std::vector<std::shared_ptr<Connector>>& Connectors() const { return mConnectorList; }
+    // Empty after a normal search; otherwise what the interface shows.
+    const std::string& ErrorText() const { return mErrorText; }
+    // Lets go of every display and connector.
+    void Clear();
+
+    // The steps of the search, each usable on its own.
+    void FindDisplays();
+    void GetMonitorIDs(HDEVINFO devices_I);
+    // False when there is no device at the index.
+    bool GetNextMonitorID(HDEVINFO devices_I, DWORD index_I);
+    void GetSerialNumAndName(HDEVINFO devices_I, SP_DEVINFO_DATA& device_I, const std::string& hardwareId_I,
+                             SDisplayInfo& info_O);
+    void FindVcpHIDDevices();
+    bool OpenDevice(const std::string& devicePath_I);
+    void FindSerialPorts();
+    std::shared_ptr<CDisplay> CreateDisplay(uint16_t productCode_I, const std::wstring& monitorName_I,
+                                            const std::wstring& supportedName_I,
+                                            std::shared_ptr<Connector> connector_I);
+    void SetLanguage(CDisplay& display_I);
+    // Matches one record with its monitor handle (MonitorEnumProc's matching role). The index
+    // must name a record.
+    bool MatchMonitorHandle(int index_I);
+
+    static BOOL CALLBACK MonitorEnumProc(HMONITOR monitor_I, HDC context_I, LPRECT rect_I, LPARAM self_I);
+
+    SDisplayInfo& CurrentDisplayInfo() {
+        return mCurrentDisplayInfo != nullptr ? *mCurrentDisplayInfo : mEmptyInfo;
+    }
+
+private:
+    CWinDisplayConfigInterface() = default;
+
+    // Steps 6 to 8 for one record.
+    void ServeByHid(SDisplayInfo& info_I);
+    // False when the connector's error text ends the search.
+    bool ServeByDisplayPort(SDisplayInfo& info_I, bool& failed_O, std::string& error_O);
+    void ServeByLegacyPairing(SDisplayInfo& info_I, bool& portsSearched_IO);
+    bool IsTaken(const std::shared_ptr<Connector>& connector_I) const;
+
+    // One serial port by its place in the port interface list: its hardware id, "Not Supported"
+    // for a port that cannot lead to a display, empty past the end.
+    std::string GetNextDeviceID(HDEVINFO ports_I, DWORD index_I, SP_DEVINFO_DATA& device_O);
+    void GetPortNum(HDEVINFO ports_I, SP_DEVINFO_DATA& device_I);
+    template <typename Bridge>
+    void AddBridges(const char* kind_I, const char* lookingFor_I);
+
+    std::wstring GroupString(const char* group_I, uint16_t productId_I) const;
+    bool IsMakersOwnComputer() const;
+
+    uint32_t mConnectionMode = eConnectionAll;
+    bool mMatchByModel = true;
+    bool mStopOnDisplayPortError = false;
+    LANGID mLanguageId = 0;
+    int mInterfaceLanguage = 0;
+    std::vector<SDisplayInfo> mDisplayInfos;
+    std::vector<std::shared_ptr<Connector>> mConnectorList;
+    bool mEnumerating = false;
+    SDisplayInfo* mCurrentDisplayInfo = nullptr;
+    SDisplayInfo mEmptyInfo;
+    std::string mErrorText;
+};
