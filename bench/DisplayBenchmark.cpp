@@ -14,25 +14,11 @@
 #include "CDisplay.h"
 #include "CVirtualDisplay.h"
 #include "CVirtualDisplayConnector.h"
+#include "MeasuringClock.h"
 #include "VirtualClock.h"
 #include "VirtualDisplayPresets.h"
 
 namespace {
-
-// Sleeps for real and adds up what it was asked to sleep.
-class CMeasuringClock final : public IClock {
-public:
-    void Pause(std::chrono::microseconds duration_I) override {
-        mRequested += duration_I;
-        mReal.Pause(duration_I);
-    }
-    std::chrono::microseconds Now() const override { return mReal.Now(); }
-    std::chrono::microseconds Requested() const { return mRequested; }
-
-private:
-    CRealClock mReal;
-    std::chrono::microseconds mRequested{0};
-};
 
 struct SDisplayUnderTest {
     std::shared_ptr<CVirtualDisplay> display;

@@ -192,7 +192,7 @@ bool CWinDisplayConfigInterface::ServeByDisplayPort(SDisplayInfo& info_I, bool& 
                                                     std::string& error_O) {
     DLog("CWinDisplayConfigInterface::Init: - trying to create a DP supported tablet...\n");
     auto connector = std::make_shared<CWinI2CConnectorDP>();
-    info_I.owner = shared_from_this();
+    info_I.owner = mRecordOwner;
     if (info_I.monitor == nullptr) {
         // The monitor may have been attached after the enumeration; look once more.
         const auto index = static_cast<int>(&info_I - mDisplayInfos.data());

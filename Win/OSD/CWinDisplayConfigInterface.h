@@ -23,7 +23,7 @@
 #include "DiscoveryRules.h"
 #include "DisplayInfo.h"
 
-class CWinDisplayConfigInterface : public std::enable_shared_from_this<CWinDisplayConfigInterface> {
+class CWinDisplayConfigInterface {
 public:
     // The program's one discovery object.
     static const std::shared_ptr<CWinDisplayConfigInterface>& Instance();
@@ -103,5 +103,9 @@ private:
     bool mEnumerating = false;
     SDisplayInfo* mCurrentDisplayInfo = nullptr;
     SDisplayInfo mEmptyInfo;
+    // Marks the records handed to graphics-driver connectors. The connectors keep their own
+    // copy of the record, so they need not keep discovery alive (that would be a cycle through
+    // the displays discovery holds).
+    std::shared_ptr<void> mRecordOwner = std::make_shared<int>(0);
     std::string mErrorText;
 };

@@ -255,6 +255,17 @@ TEST(WinDisplayConfigInterface, TheMenuLanguageIsSetOnlyWhereTheProgramOwnsIt) {
     EXPECT_EQ(SetsOf(*monitors[0].display, vcpC_OSDLanguage), 1u);
     EXPECT_EQ(SetsOf(*monitors[1].display, vcpC_OSDLanguage), 0u);
     EXPECT_EQ(monitors[1].display->CountRequests(ddcCC_GetVCPFeatureRequest, vcpC_OSDLanguage), 0u);
+
+    // A language the menu does not have: reported, and nothing is written.
+    SDiscoveryBench swedish("two-families", eConnectionDisplayPortOnly);
+    swedish.discovery->SetInterfaceLanguage(MAKELANGID(LANG_SWEDISH, SUBLANG_SWEDISH));
+    CLogCapture log;
+    ASSERT_TRUE(swedish.discovery->Init());
+    const auto asserts = log.Asserts();
+    EXPECT_NE(std::find(asserts.begin(), asserts.end(),
+                        "\"CWinDisplayConfigInterface::SetLanguage - Unknown language\\n\""),
+              asserts.end());
+    EXPECT_EQ(SetsOf(*swedish.machine.Machine().monitors[0].display, vcpC_OSDLanguage), 0u);
 }
 
 TEST(WinDisplayConfigInterface, AFailedGraphicsDriverConnectionCanEndTheSearchWithItsText) {

@@ -1,0 +1,22 @@
+#pragma once
+// A real clock that also adds up the pauses it was asked for, so a benchmark can set the
+// wall time of a run against the waits the protocol itself needs.
+
+#include <chrono>
+
+#include "Clock.h"
+
+class CMeasuringClock final : public IClock {
+public:
+    void Pause(std::chrono::microseconds duration_I) override {
+        mRequested += duration_I;
+        mReal.Pause(duration_I);
+    }
+    std::chrono::microseconds Now() const override { return mReal.Now(); }
+    std::chrono::microseconds Requested() const { return mRequested; }
+    void Reset() { mRequested = std::chrono::microseconds{0}; }
+
+private:
+    CRealClock mReal;
+    std::chrono::microseconds mRequested{0};
+};
