@@ -347,6 +347,26 @@ void CVirtualDisplay::PowerCycle() {
     mBusyUntil = std::chrono::microseconds{0};
 }
 
+std::map<uint8_t, uint16_t> CVirtualDisplay::SavedValues() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    std::map<uint8_t, uint16_t> saved;
+    for (const auto& entry : mControls) {
+        saved[entry.first] = entry.second.saved;
+    }
+    return saved;
+}
+
+void CVirtualDisplay::RestoreSavedValues(const std::map<uint8_t, uint16_t>& saved_I) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    for (const auto& [code, value] : saved_I) {
+        auto it = mControls.find(code);
+        if (it != mControls.end()) {
+            it->second.saved = value;
+            it->second.value = value;
+        }
+    }
+}
+
 bool CVirtualDisplay::InFactoryMode() const {
     std::lock_guard<std::mutex> lock(mMutex);
     return mFactoryMode;

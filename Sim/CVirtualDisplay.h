@@ -46,6 +46,10 @@ public:
     void SetValueFromMenu(uint8_t code_I, uint16_t value_I);
     // Off and on again: unsaved values are lost, factory mode ends.
     void PowerCycle();
+    // The stored value of every control, and putting them back (as after a power cycle): what
+    // the demo keeps between runs. Unknown codes are ignored.
+    std::map<uint8_t, uint16_t> SavedValues() const;
+    void RestoreSavedValues(const std::map<uint8_t, uint16_t>& saved_I);
     bool InFactoryMode() const;
 
     CFaultPlan& Faults() { return mFaults; }

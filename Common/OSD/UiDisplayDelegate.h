@@ -79,6 +79,10 @@ public:
     // Changed settings that raise power consumption: colour temperature raised to a higher
     // kelvin value, brightness raised.
     std::vector<uint32_t> PowerIncreasingChanges() const;
+    // The power warning's first sentence: the unsaved changes make the display draw more power.
+    bool IncreasesPowerUse() const { return !PowerIncreasingChanges().empty(); }
+    // The online help page of the display's family.
+    const char* HelpPageName() const { return ::HelpPageName(mEDIDNumber); }
     // Whether the picture at this brightness and contrast may be too dark to read.
     bool IsPictureTooDark(int32_t brightness_I, int32_t contrast_I);
 

@@ -109,3 +109,13 @@ LANGID CLanguageProvider::LanguageIdOf(ELanguage language_I) const {
     }
     return 0x0409;
 }
+
+std::string CLanguageProvider::CodeOf(LANGID languageId_I) const {
+    const ELanguage language = LanguageFromId(languageId_I);
+    for (const SLanguageRow& row : LangTable()) {
+        if (row.language == language) {
+            return row.code;
+        }
+    }
+    return "en";
+}

@@ -45,6 +45,8 @@ public:
     // The interface language that stands for a language id (American English when none).
     ELanguage LanguageFromId(LANGID languageId_I) const;
     LANGID LanguageIdOf(ELanguage language_I) const;
+    // The language code ("de", "zh_CN") of the interface language that stands for the id.
+    std::string CodeOf(LANGID languageId_I) const;
 
     // The user's interface language: GetUserDefaultUILanguage when KERNEL32.DLL has it,
     // otherwise the language of GetUserDefaultLCID.

@@ -1,0 +1,96 @@
+#include "DemoMachine.h"
+
+#include <windows.h>
+// windows.h first: shlobj.h needs its types.
+#include <shlobj.h>
+
+#include <cstdio>
+#include <map>
+
+#include "DebugLog.h"
+#include "WinStrings.h"
+
+namespace {
+
+constexpr char kDefaultScenario[] = "one-per-route";
+
+std::wstring DemoFolder() {
+    wchar_t* appData = nullptr;
+    std::wstring folder;
+    if (SHGetKnownFolderPath(FOLDERID_RoamingAppData, KF_FLAG_CREATE, nullptr, &appData) == S_OK) {
+        folder = std::wstring(appData) + L"\\Velor\\Display Settings Demo";
+    }
+    CoTaskMemFree(appData);
+    return folder;
+}
+
+}  // namespace
+
+CDemoMachine::CDemoMachine(const std::string& scenario_I) : mScenario(scenario_I) {
+    std::optional<SVirtualMachine> machine = VirtualMachine::Scenario(mScenario);
+    if (!machine) {
+        DLog("Demo: no scenario %s; showing %s\n", mScenario.c_str(), kDefaultScenario);
+        mScenario = kDefaultScenario;
+        machine = VirtualMachine::Scenario(mScenario);
+    }
+    mMachine = std::make_unique<CSimulatedMachine>(std::move(*machine));
+    Load();
+}
+
+CDemoMachine::~CDemoMachine() {
+    Store();
+}
+
+std::wstring CDemoMachine::StateFile(const std::string& scenario_I) {
+    const std::wstring folder = DemoFolder();
+    return folder.empty() ? std::wstring() : folder + L"\\" + Widen(scenario_I) + L".txt";
+}
+
+// One line per stored value: the display's serial number, the VCP code and the value.
+void CDemoMachine::Load() {
+    const std::wstring path = StateFile(mScenario);
+    FILE* file = path.empty() ? nullptr : _wfopen(path.c_str(), L"r");
+    if (file == nullptr) {
+        return;
+    }
+    std::map<std::string, std::map<uint8_t, uint16_t>> saved;
+    char line[128];
+    while (std::fgets(line, sizeof(line), file) != nullptr) {
+        char serial[32] = {};
+        unsigned code = 0;
+        unsigned value = 0;
+        if (std::sscanf(line, "%31s %x %u", serial, &code, &value) == 3 && code <= 0xFF && value <= 0xFFFF) {
+            saved[serial][static_cast<uint8_t>(code)] = static_cast<uint16_t>(value);
+        } else {
+            DLog("Demo: ignoring a line of the saved settings: %s", line);
+        }
+    }
+    std::fclose(file);
+    for (const auto& display : mMachine->Machine().Displays()) {
+        auto it = saved.find(display->Model().serialText);
+        if (it != saved.end()) {
+            display->RestoreSavedValues(it->second);
+        }
+    }
+}
+
+void CDemoMachine::Store() const {
+    const std::wstring path = StateFile(mScenario);
+    if (path.empty()) {
+        return;
+    }
+    const std::wstring folder = path.substr(0, path.rfind(L'\\'));
+    CreateDirectoryW(folder.substr(0, folder.rfind(L'\\')).c_str(), nullptr);
+    CreateDirectoryW(folder.c_str(), nullptr);
+    FILE* file = _wfopen(path.c_str(), L"w");
+    if (file == nullptr) {
+        DLog("Demo: the saved settings could not be stored\n");
+        return;
+    }
+    for (const auto& display : mMachine->Machine().Displays()) {
+        for (const auto& [code, value] : display->SavedValues()) {
+            std::fprintf(file, "%s %02X %u\n", display->Model().serialText.c_str(), code, value);
+        }
+    }
+    std::fclose(file);
+}

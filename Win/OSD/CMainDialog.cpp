@@ -1,0 +1,755 @@
+#include "CMainDialog.h"
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <atomic>
+
+#include "Assert.h"
+#include "DebugLog.h"
+#include "LanguageProvider.h"
+#include "MessageWindows.h"
+#include "ScopedTimer.h"
+#include "WinStrings.h"
+
+namespace {
+
+constexpr UINT_PTR kPollTimer = 1;
+constexpr UINT kPollPeriodMs = 100;
+constexpr int kHotKeyId = 0;
+constexpr int kToolTipWidth = 400;
+constexpr int kToolTipDelayMs = 1000;
+constexpr int kEditDigits = 3;
+// Where the online help lives; the rest of the address names language and display.
+constexpr wchar_t kOnlineHelpBaseAddress[] = L"https://support.velordisplays.example";
+
+constexpr UINT kProductTitle = 2000;
+constexpr UINT kRgbPrefix = 2026;
+
+struct SCaption {
+    int id;
+    UINT stringId;
+};
+
+constexpr SCaption kCaptions[] = {
+    {IDC_DISPLAY_LABEL, 2001},       {IDC_BRIGHTNESS_LABEL, 2002},    {IDC_CONTRAST_LABEL, 2003},
+    {IDC_COLOR_SETTING_LABEL, 2004}, {IDC_CUSTOM_COLOR_BUTTON, 2025}, {IDC_COLOR_TEMPERATURE_LABEL, 2008},
+    {IDC_COLOR_SPACE_LABEL, 2015},   {IDC_CUSTOM_COLOR_LABEL, 2026},  {IDC_RESET_COLOR_BUTTON, 2036},
+    {IDC_GAMMA_LABEL, 2027},         {IDC_ADVANCED_BUTTON, 2031},     {IDC_SAVE_BUTTON, 2032},
+    {IDC_REVERT_BUTTON, 2033},
+};
+
+constexpr int kCombos[] = {IDC_COLOR_SETTING_LIST, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LIST,
+                           IDC_GAMMA_LIST};
+
+// The running main dialog, for the thread procedures that take no argument.
+std::atomic<CMainDialog*> gMainDialog{nullptr};
+
+ESetting SettingOfCombo(int comboId_I) {
+    switch (comboId_I) {
+        case IDC_COLOR_SETTING_LIST: return ESetting::ColorSettingMode;
+        case IDC_COLOR_TEMPERATURE_LIST: return ESetting::ColorTemperature;
+        case IDC_COLOR_SPACE_LIST: return ESetting::ColorSpace;
+        default: return ESetting::Gamma;
+    }
+}
+
+void Show(HWND window_I, bool visible_I) {
+    ShowWindow(window_I, visible_I ? SW_SHOW : SW_HIDE);
+}
+
+}  // namespace
+
+CMainDialog::CMainDialog(const SStartupOptions& options_I, LANGID language_I)
+    : CDialogBase(IDD_MAIN), mOptions(options_I), mLanguage(language_I) {}
+
+CMainDialog::~CMainDialog() {
+    mThread.JoinAndClose();
+    CMainDialog* self = this;
+    gMainDialog.compare_exchange_strong(self, nullptr);
+}
+
+UiDisplayDelegate* CMainDialog::Delegate() const {
+    if (!mDisplayConfigIF || mSelectedDisplay >= mDisplayIndexes.size()) {
+        return nullptr;
+    }
+    const auto displays = mDisplayConfigIF->Displays();
+    const size_t index = mDisplayIndexes[mSelectedDisplay];
+    return index < displays.size() ? dynamic_cast<UiDisplayDelegate*>(displays[index].get()) : nullptr;
+}
+
+std::vector<int32_t> CMainDialog::Values(int comboId_I) const {
+    auto it = mValues.find(comboId_I);
+    return it != mValues.end() ? it->second : std::vector<int32_t>();
+}
+
+bool CMainDialog::Check(bool ok_I) {
+    if (!ok_I) {
+        MessageWindows::ShowCommunicationError(m_hWnd, Delegate(), mOptions.exitOnError, mLanguage);
+    }
+    return ok_I;
+}
+
+// ---- Worker threads ----
+
+DWORD WINAPI CMainDialog::DisplayConfigThread(LPVOID pClass_I) {
+    CScopedTimer timer("DisplayConfig");
+    DLog("CMainDialog::DisplayConfigThread - searching for Mr. GoodDevice...\n");
+    auto* self = static_cast<CMainDialog*>(pClass_I);
+    if (!self->mDisplayConfigIF) {
+        auto discovery = CWinDisplayConfigInterface::Create();
+        discovery->SetConnectionMode(self->mOptions.connectionMode);
+        discovery->SetMatchByModel(self->mOptions.skipSerialMatch);
+        discovery->SetStopOnDisplayPortError(self->mOptions.exitOnError);
+        discovery->SetInterfaceLanguage(self->mLanguage);
+        discovery->Init();
+        if (!discovery->ErrorText().empty()) {
+            self->mErrorText = Widen(discovery->ErrorText());
+            self->mHasErrorText = true;
+        }
+        self->mDisplayConfigIF = std::move(discovery);
+    } else {
+        self->mDisplayConfigIF->Init();
+    }
+    return 1;
+}
+
+DWORD WINAPI CMainDialog::FactoryResetThread(LPVOID) {
+    CScopedTimer timer("FactoryReset");
+    CMainDialog* self = gMainDialog.load();
+    if (UiDisplayDelegate* delegate = self != nullptr ? self->Delegate() : nullptr) {
+        delegate->FactoryReset();
+    }
+    return 1;
+}
+
+DWORD WINAPI CMainDialog::ResetColorThread(LPVOID) {
+    CScopedTimer timer("ResetColor");
+    CMainDialog* self = gMainDialog.load();
+    if (UiDisplayDelegate* delegate = self != nullptr ? self->Delegate() : nullptr) {
+        delegate->ResetColor();
+    }
+    return 1;
+}
+
+DWORD WINAPI CMainDialog::ResetColorConfigThread(LPVOID pClass_I) {
+    auto* self = static_cast<CMainDialog*>(pClass_I);
+    VLR_ASSERT(self == nullptr || self->mDisplayConfigIF);
+    VLR_ASSERT(pClass_I);
+    if (self == nullptr) {
+        return 1;
+    }
+    if (UiDisplayDelegate* delegate = self->Delegate()) {
+        delegate->ResetData(false);
+    }
+    // The controls' messages reach the interface thread, which pumps its local loop.
+    self->InitControls();
+    return 1;
+}
+
+void CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* firstName_I,
+                                   LPTHREAD_START_ROUTINE second_I, const char* secondName_I) {
+    mThread.Start(first_I, firstName_I, this);
+    SetTimer(m_hWnd, kPollTimer, kPollPeriodMs, nullptr);
+    mWaitWindow = MessageWindows::CreateWaitWindow(m_hWnd, mLanguage);
+    bool onSecond = second_I == nullptr;
+    MSG message;
+    for (;;) {
+        if (mThread.Poll()) {
+            mThread.JoinAndClose();
+            if (onSecond) {
+                break;
+            }
+            onSecond = true;
+            mThread.Start(second_I, secondName_I, this);
+            continue;
+        }
+        const BOOL got = GetMessageW(&message, nullptr, 0, 0);
+        if (got <= 0) {
+            mThread.JoinAndClose();
+            PostQuitMessage(0);  // hand the end on to the outer loop
+            break;
+        }
+        if (mWaitWindow == nullptr || !IsDialogMessageW(mWaitWindow, &message)) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    if (mWaitWindow != nullptr) {
+        ::DestroyWindow(mWaitWindow);
+        mWaitWindow = nullptr;
+    }
+    KillTimer(m_hWnd, kPollTimer);
+    mThread.JoinAndClose();
+}
+
+// ---- Start ----
+
+LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
+    CScopedTimer timer("CMainDialog::OnInitDialog");
+    gMainDialog.store(this);
+    // Discovery starts before any window is shown.
+    VLR_START_THREAD(mThread, CMainDialog::DisplayConfigThread, this);
+
+    mRememberedPosition = AppRegistry::ReadLocation();
+    if (mRememberedPosition) {
+        DLog("Last user loc: %i,%i\n", mRememberedPosition->x, mRememberedPosition->y);
+    } else {
+        DLog("Using default app position\n");
+    }
+
+    const std::wstring title = MessageWindows::Text(kProductTitle, mLanguage);
+    if (HWND running = FindWindowW(nullptr, title.c_str()); running != nullptr && running != m_hWnd) {
+        SetForegroundWindow(running);
+        mOutcome = EOutcome::AlreadyRunning;
+        mThread.JoinAndClose();
+        EndDialog(0);
+        return TRUE;
+    }
+    SetWindowTextW(m_hWnd, title.c_str());
+    if (HICON icon = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_APPLICATION_ICON))) {
+        SendMessageW(m_hWnd, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon));
+        SendMessageW(m_hWnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
+    }
+
+    mToolTip = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP,
+                               CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, m_hWnd, nullptr,
+                               GetModuleHandleW(nullptr), nullptr);
+    if (mToolTip != nullptr) {
+        SendMessageW(mToolTip, TTM_SETMAXTIPWIDTH, 0, kToolTipWidth);
+        SendMessageW(mToolTip, TTM_SETDELAYTIME, TTDT_AUTOMATIC, kToolTipDelayMs);
+        SendMessageW(mToolTip, TTM_ACTIVATE, TRUE, 0);
+    }
+    LoadCaptions();
+
+    // The first thread is already running: wait for it behind the wait window.
+    SetTimer(m_hWnd, kPollTimer, kPollPeriodMs, nullptr);
+    mWaitWindow = MessageWindows::CreateWaitWindow(m_hWnd, mLanguage);
+    MSG message;
+    while (!mThread.Poll()) {
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0) {
+            PostQuitMessage(0);
+            break;
+        }
+        if (mWaitWindow == nullptr || !IsDialogMessageW(mWaitWindow, &message)) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    KillTimer(m_hWnd, kPollTimer);
+    if (mWaitWindow != nullptr) {
+        ::DestroyWindow(mWaitWindow);
+        mWaitWindow = nullptr;
+    }
+    mThread.JoinAndClose();
+
+    if (!mDisplayConfigIF) {
+        mErrorText = L"Could not configure display.";
+        mHasErrorText = true;
+    }
+    if (mHasErrorText) {
+        mOutcome = EOutcome::Error;
+        EndDialog(0);
+        return TRUE;
+    }
+    mPowerWarning = std::make_unique<CPowerWarningDialog>(mLanguage);
+
+    if (mDisplayConfigIF->Displays().empty()) {
+        DLog("No supported displays. Ending OSD\n");
+        mOutcome = EOutcome::NoDevice;
+        EndDialog(0);
+        return TRUE;
+    }
+    FillDisplayList();
+    mIgnorePowerWarning = AppRegistry::ReadIgnorePowerWarning();
+    InitControls();
+    RegisterHotKey(m_hWnd, kHotKeyId, MOD_ALT | MOD_CONTROL, 'R');
+    return TRUE;
+}
+
+void CMainDialog::LoadCaptions() {
+    for (const SCaption& caption : kCaptions) {
+        SetDlgItemTextW(m_hWnd, caption.id, MessageWindows::Text(caption.stringId, mLanguage).c_str());
+    }
+    SetDlgItemTextW(m_hWnd, IDC_HELP_BUTTON, L"?");
+}
+
+void CMainDialog::FillDisplayList() {
+    HWND list = GetDlgItem(IDC_DISPLAY_LIST);
+    SendMessageW(list, CB_RESETCONTENT, 0, 0);
+    mDisplayIndexes.clear();
+    const auto displays = mDisplayConfigIF->Displays();
+    for (size_t i = 0; i < displays.size(); ++i) {
+        SendMessageW(list, CB_ADDSTRING, 0,
+                     reinterpret_cast<LPARAM>(Widen(displays[i]->SupportedName()).c_str()));
+        mDisplayIndexes.push_back(i);
+    }
+    if (mSelectedDisplay >= mDisplayIndexes.size()) {
+        mSelectedDisplay = 0;
+    }
+    SendMessageW(list, CB_SETCURSEL, mSelectedDisplay, 0);
+}
+
+void CMainDialog::ClearCombos() {
+    for (int combo : kCombos) {
+        SendDlgItemMessageW(m_hWnd, combo, CB_RESETCONTENT, 0, 0);
+        mValues.erase(combo);
+    }
+}
+
+// ---- Controls ----
+
+void CMainDialog::InitSlider(ESetting setting_I, int labelId_I, int editId_I, int sliderId_I,
+                             int32_t& accepted_O) {
+    UiDisplayDelegate* delegate = Delegate();
+    SSettingState res = delegate->GetSetting(setting_I);
+    const bool shown = res.supported;
+    for (int id : {labelId_I, editId_I, sliderId_I}) {
+        Show(GetDlgItem(id), shown);
+        EnableWindow(GetDlgItem(id), shown && res.writable);
+    }
+    if (!shown) {
+        return;
+    }
+    VLR_ASSERT(res.valid);
+    HWND slider = GetDlgItem(sliderId_I);
+    SendMessageW(slider, TBM_SETRANGE, TRUE, MAKELPARAM(res.range.minimum, res.range.maximum));
+    SendMessageW(slider, TBM_SETPOS, TRUE, res.value);
+    SendDlgItemMessageW(m_hWnd, editId_I, EM_LIMITTEXT, kEditDigits, 0);
+    SetDlgItemInt(m_hWnd, editId_I, static_cast<UINT>(res.value), FALSE);
+    accepted_O = res.value;
+}
+
+void CMainDialog::InitChoice(ESetting setting_I, int labelId_I, int comboId_I, bool visible_I) {
+    UiDisplayDelegate* delegate = Delegate();
+    SSettingState state = delegate->GetSetting(setting_I);
+    const bool shown = visible_I && state.supported && !state.entries.empty();
+    Show(GetDlgItem(labelId_I), shown);
+    Show(GetDlgItem(comboId_I), shown);
+    EnableWindow(GetDlgItem(labelId_I), shown && state.writable);
+    EnableWindow(GetDlgItem(comboId_I), shown && state.writable);
+    if (!state.supported) {
+        return;
+    }
+    if (setting_I == ESetting::ColorSpace && !state.valid) {
+        DLog("WARNING: Color space is NOT valid!\n");
+    }
+    HWND combo = GetDlgItem(comboId_I);
+    std::vector<int32_t>& values = mValues[comboId_I];
+    if (SendMessageW(combo, CB_GETCOUNT, 0, 0) == 0) {
+        values.clear();
+        for (const SEntry& entry : state.entries) {
+            SendMessageW(combo, CB_ADDSTRING, 0,
+                         reinterpret_cast<LPARAM>(MessageWindows::Text(entry.stringId, mLanguage).c_str()));
+            values.push_back(entry.value);
+        }
+    }
+    const auto it = std::find(values.begin(), values.end(), state.value);
+    SendMessageW(combo, CB_SETCURSEL,
+                 it != values.end() ? static_cast<WPARAM>(it - values.begin()) : WPARAM(-1), 0);
+}
+
+void CMainDialog::ShowCustomColorText() {
+    UiDisplayDelegate* delegate = Delegate();
+    const std::wstring text = MessageWindows::Text(kRgbPrefix, mLanguage) + L" " +
+                              (delegate != nullptr ? Widen(delegate->CustomColorText()) : std::wstring());
+    SetDlgItemTextW(m_hWnd, IDC_CUSTOM_COLOR_LABEL, text.c_str());
+}
+
+void CMainDialog::InitControls() {
+    UiDisplayDelegate* delegate = Delegate();
+    if (delegate == nullptr) {
+        return;
+    }
+    LoadCaptions();
+    InitSlider(ESetting::Brightness, IDC_BRIGHTNESS_LABEL, IDC_BRIGHTNESS_EDIT, IDC_BRIGHTNESS_SLIDER,
+               mCurrentBrightness);
+    InitSlider(ESetting::Contrast, IDC_CONTRAST_LABEL, IDC_CONTRAST_EDIT, IDC_CONTRAST_SLIDER,
+               mCurrentContrast);
+
+    const SSettingState mode = delegate->GetSetting(ESetting::ColorSettingMode);
+    InitChoice(ESetting::ColorSettingMode, IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, true);
+    const bool temperature = mode.value == eColorModeTemperature;
+    const bool space = mode.value == eColorModeSpace;
+    const bool custom = mode.supported && mode.value == eColorModeCustom;
+    InitChoice(ESetting::ColorTemperature, IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST,
+               temperature);
+    InitChoice(ESetting::ColorSpace, IDC_COLOR_SPACE_LABEL, IDC_COLOR_SPACE_LIST, space);
+    Show(GetDlgItem(IDC_CUSTOM_COLOR_LABEL), custom);
+    Show(GetDlgItem(IDC_CUSTOM_COLOR_BUTTON), custom);
+    if (custom) {
+        ShowCustomColorText();
+    }
+    Show(GetDlgItem(IDC_COLOR_GROUP), mode.supported);
+    Show(GetDlgItem(IDC_RESET_COLOR_BUTTON), mode.supported);
+    InitChoice(ESetting::Gamma, IDC_GAMMA_LABEL, IDC_GAMMA_LIST, true);
+    UpdateButtons();
+    PlaceWindow();
+}
+
+void CMainDialog::UpdateButtons() {
+    UiDisplayDelegate* delegate = Delegate();
+    Show(GetDlgItem(IDC_ADVANCED_BUTTON), true);
+    EnableWindow(GetDlgItem(IDC_ADVANCED_BUTTON), TRUE);
+    EnableWindow(GetDlgItem(IDC_SAVE_BUTTON), delegate != nullptr && delegate->HasUnsavedChanges());
+}
+
+void CMainDialog::PlaceWindow() {
+    GetWindowRect(m_hWnd, &mWindowRect);
+    HMONITOR monitor = MonitorFromPoint(POINT{mWindowRect.left, mWindowRect.top}, MONITOR_DEFAULTTOPRIMARY);
+    mMonitorInfo.cbSize = sizeof(mMonitorInfo);
+    GetMonitorInfoW(monitor, &mMonitorInfo);
+    const RECT& work = mMonitorInfo.rcWork;
+    const RECT& screen = mMonitorInfo.rcMonitor;
+    int width = mWindowRect.right - mWindowRect.left;
+    int height = mWindowRect.bottom - mWindowRect.top;
+    const int workHeight = work.bottom - work.top;
+
+    ShowScrollBar(m_hWnd, SB_VERT, FALSE);
+    if (height > workHeight) {
+        const int page = workHeight / 3;
+        SCROLLINFO scroll{};
+        scroll.cbSize = sizeof(scroll);
+        scroll.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
+        scroll.nMin = 1;
+        scroll.nPage = static_cast<UINT>(page);
+        scroll.nMax = height - 1 + page - workHeight;
+        scroll.nPos = mScrollPosition = 1;
+        height = workHeight;
+        SetWindowPos(m_hWnd, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+        ShowScrollBar(m_hWnd, SB_VERT, TRUE);
+        SetScrollInfo(m_hWnd, SB_VERT, &scroll, TRUE);
+    }
+
+    int x = 0;
+    int y = 0;
+    if (mRememberedPosition && mRememberedPosition->x > screen.left &&
+        mRememberedPosition->x + width < screen.right && mRememberedPosition->y > screen.top &&
+        mRememberedPosition->y + height < screen.bottom) {
+        x = mRememberedPosition->x;
+        y = mRememberedPosition->y;
+    } else {
+        // Measured from the screen origin, not from the monitor's own corner: intended.
+        x = ((screen.right - screen.left) - width) / 2;
+        y = ((screen.bottom - screen.top) - height) / 2;
+    }
+    SetWindowPos(m_hWnd, HWND_TOPMOST, x, y, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
+    GetWindowRect(m_hWnd, &mWindowRect);
+}
+
+// ---- Messages ----
+
+LRESULT CMainDialog::OnMove(UINT, WPARAM, LPARAM, BOOL&) {
+    GetWindowRect(m_hWnd, &mWindowRect);
+    mMonitorInfo.cbSize = sizeof(mMonitorInfo);
+    GetMonitorInfoW(MonitorFromRect(&mWindowRect, MONITOR_DEFAULTTOPRIMARY), &mMonitorInfo);
+    // The advanced and custom colour dialogs follow once they exist.
+    return 0;
+}
+
+LRESULT CMainDialog::OnVScroll(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
+    SCROLLINFO scroll{};
+    scroll.cbSize = sizeof(scroll);
+    scroll.fMask = SIF_ALL;
+    GetScrollInfo(m_hWnd, SB_VERT, &scroll);
+    int position = scroll.nPos;
+    switch (LOWORD(wParam_I)) {
+        case SB_LINEUP: position -= 10; break;
+        case SB_LINEDOWN: position += 10; break;
+        case SB_PAGEUP: position -= static_cast<int>(scroll.nPage); break;
+        case SB_PAGEDOWN: position += static_cast<int>(scroll.nPage); break;
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION: position = scroll.nTrackPos; break;
+        default: break;
+    }
+    position = std::clamp(position, scroll.nMin,
+                          std::max(scroll.nMin, scroll.nMax - static_cast<int>(scroll.nPage) + 1));
+    if (position != mScrollPosition) {
+        ScrollWindowEx(m_hWnd, 0, mScrollPosition - position, nullptr, nullptr, nullptr, nullptr,
+                       SW_SCROLLCHILDREN | SW_INVALIDATE | SW_ERASE);
+        mScrollPosition = position;
+        scroll.fMask = SIF_POS;
+        scroll.nPos = position;
+        SetScrollInfo(m_hWnd, SB_VERT, &scroll, TRUE);
+    }
+    return 0;
+}
+
+bool CMainDialog::NewerPositionWaiting(HWND slider_I) const {
+    // Only a newer position of the same slider may replace this one: a drag that is still
+    // moving (a mouse move queued for the captured slider) or a queued thumb position.
+    MSG pending;
+    if (GetCapture() == slider_I &&
+        PeekMessageW(&pending, slider_I, WM_MOUSEMOVE, WM_MOUSEMOVE, PM_NOREMOVE | PM_QS_INPUT)) {
+        return true;
+    }
+    return PeekMessageW(&pending, m_hWnd, WM_HSCROLL, WM_HSCROLL, PM_NOREMOVE | PM_QS_POSTMESSAGE) &&
+           reinterpret_cast<HWND>(pending.lParam) == slider_I && LOWORD(pending.wParam) == TB_THUMBTRACK;
+}
+
+void CMainDialog::SendSliderValue(int sliderId_I, int32_t value_I) {
+    UiDisplayDelegate* delegate = Delegate();
+    if (delegate == nullptr) {
+        return;
+    }
+    if (sliderId_I == IDC_BRIGHTNESS_SLIDER) {
+        SetDlgItemInt(m_hWnd, IDC_BRIGHTNESS_EDIT, static_cast<UINT>(value_I), FALSE);
+        Check(delegate->SetBrightness(value_I));
+    } else if (sliderId_I == IDC_CONTRAST_SLIDER) {
+        SetDlgItemInt(m_hWnd, IDC_CONTRAST_EDIT, static_cast<UINT>(value_I), FALSE);
+        Check(delegate->SetContrast(value_I));
+    } else {
+        VLR_ASSERT_FAIL("Unknown slider");
+    }
+}
+
+void CMainDialog::CommitSliderValue(int sliderId_I, int32_t value_I) {
+    int32_t& accepted = sliderId_I == IDC_BRIGHTNESS_SLIDER ? mCurrentBrightness : mCurrentContrast;
+    if (value_I == accepted || mBusy) {
+        return;
+    }
+    mBusy = true;
+    SendSliderValue(sliderId_I, value_I);
+    const int32_t brightness = sliderId_I == IDC_BRIGHTNESS_SLIDER ? value_I : mCurrentBrightness;
+    const int32_t contrast = sliderId_I == IDC_CONTRAST_SLIDER ? value_I : mCurrentContrast;
+    UiDisplayDelegate* delegate = Delegate();
+    if (delegate != nullptr &&
+        MessageWindows::ConfirmPictureNotTooDark(m_hWnd, *delegate, brightness, contrast, mLanguage)) {
+        accepted = value_I;
+        UpdateButtons();
+    } else {
+        SendMessageW(GetDlgItem(sliderId_I), TBM_SETPOS, TRUE, accepted);
+        SendSliderValue(sliderId_I, accepted);
+    }
+    mBusy = false;
+}
+
+LRESULT CMainDialog::OnHScroll(UINT, WPARAM wParam_I, LPARAM lParam_I, BOOL& handled_O) {
+    HWND slider = reinterpret_cast<HWND>(lParam_I);
+    const int sliderId = GetDlgCtrlID(slider);
+    const int code = LOWORD(wParam_I);
+    if ((sliderId != IDC_BRIGHTNESS_SLIDER && sliderId != IDC_CONTRAST_SLIDER) || code > TB_ENDTRACK) {
+        handled_O = FALSE;
+        return 0;
+    }
+    const int32_t position = static_cast<int32_t>(SendMessageW(slider, TBM_GETPOS, 0, 0));
+    const int32_t carried = static_cast<int16_t>(HIWORD(wParam_I));
+    const int32_t accepted = sliderId == IDC_BRIGHTNESS_SLIDER ? mCurrentBrightness : mCurrentContrast;
+    switch (code) {
+        case TB_LINEUP:
+        case TB_LINEDOWN:
+        case TB_PAGEUP:
+        case TB_PAGEDOWN: SendSliderValue(sliderId, position); break;
+        case TB_THUMBTRACK:
+            if (NewerPositionWaiting(slider)) {
+                SetDlgItemInt(m_hWnd,
+                              sliderId == IDC_BRIGHTNESS_SLIDER ? IDC_BRIGHTNESS_EDIT : IDC_CONTRAST_EDIT,
+                              static_cast<UINT>(carried), FALSE);
+            } else {
+                SendSliderValue(sliderId, carried);
+            }
+            break;
+        case TB_THUMBPOSITION: CommitSliderValue(sliderId, carried); break;
+        case TB_ENDTRACK: CommitSliderValue(sliderId, position); break;
+        case TB_TOP:
+        case TB_BOTTOM:
+            // Home and End are refused: one key would jump a display to full or no light.
+            SendMessageW(slider, TBM_SETPOS, TRUE, accepted);
+            break;
+        default: break;
+    }
+    return 0;
+}
+
+void CMainDialog::ApplyTypedValue(int editId_I) {
+    UiDisplayDelegate* delegate = Delegate();
+    if (delegate == nullptr) {
+        return;
+    }
+    const bool brightness = editId_I == IDC_BRIGHTNESS_EDIT;
+    const int sliderId = brightness ? IDC_BRIGHTNESS_SLIDER : IDC_CONTRAST_SLIDER;
+    SSettingState res = delegate->GetSetting(brightness ? ESetting::Brightness : ESetting::Contrast);
+    VLR_ASSERT(res.valid);
+    if (!res.valid) {
+        return;
+    }
+    BOOL read = FALSE;
+    int32_t value = static_cast<int32_t>(GetDlgItemInt(m_hWnd, editId_I, &read, FALSE));
+    if (!read) {
+        SetDlgItemInt(m_hWnd, editId_I, static_cast<UINT>(res.value), FALSE);
+        return;
+    }
+    const int32_t clamped = std::max(std::min(value, res.range.maximum), res.range.minimum);
+    if (clamped != value) {
+        SetDlgItemInt(m_hWnd, editId_I, static_cast<UINT>(clamped), FALSE);
+    }
+    value = clamped;
+    int32_t& accepted = brightness ? mCurrentBrightness : mCurrentContrast;
+    SendMessageW(GetDlgItem(sliderId), TBM_SETPOS, TRUE, value);
+    SendSliderValue(sliderId, value);
+    const int32_t b = brightness ? value : mCurrentBrightness;
+    const int32_t c = brightness ? mCurrentContrast : value;
+    if (MessageWindows::ConfirmPictureNotTooDark(m_hWnd, *delegate, b, c, mLanguage)) {
+        accepted = value;
+    } else {
+        SendMessageW(GetDlgItem(sliderId), TBM_SETPOS, TRUE, accepted);
+        SendSliderValue(sliderId, accepted);
+    }
+    UpdateButtons();
+}
+
+LRESULT CMainDialog::OnEditKillFocus(WORD, WORD id_I, HWND, BOOL&) {
+    if (!mBusy) {
+        ApplyTypedValue(id_I);
+    }
+    return 0;
+}
+
+LRESULT CMainDialog::OnOk(WORD, WORD, HWND, BOOL&) {
+    HWND focus = GetFocus();
+    for (int edit : {IDC_BRIGHTNESS_EDIT, IDC_CONTRAST_EDIT}) {
+        if (focus == GetDlgItem(edit)) {
+            ApplyTypedValue(edit);
+            SendMessageW(focus, EM_SETSEL, 0, -1);
+        }
+    }
+    return 0;  // Enter never closes the window
+}
+
+LRESULT CMainDialog::OnCancel(WORD, WORD, HWND, BOOL&) {
+    RECT rect{};
+    GetWindowRect(m_hWnd, &rect);
+    AppRegistry::WriteLocation({rect.left, rect.top});
+    if (UiDisplayDelegate* delegate = Delegate()) {
+        delegate->Revert();
+    }
+    UnregisterHotKey(m_hWnd, kHotKeyId);
+    mOutcome = EOutcome::Closed;
+    EndDialog(1);
+    return 0;
+}
+
+LRESULT CMainDialog::OnDisplayChanged(WORD, WORD, HWND, BOOL&) {
+    const LRESULT selection = SendDlgItemMessageW(m_hWnd, IDC_DISPLAY_LIST, CB_GETCURSEL, 0, 0);
+    VLR_ASSERT(selection >= 0 && static_cast<size_t>(selection) < mDisplayIndexes.size());
+    if (selection < 0 || static_cast<size_t>(selection) >= mDisplayIndexes.size()) {
+        return 0;
+    }
+    mSelectedDisplay = static_cast<size_t>(selection);
+    ClearCombos();  // another display may offer other choices
+    InitControls();
+    return 0;
+}
+
+LRESULT CMainDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
+    UiDisplayDelegate* delegate = Delegate();
+    const LRESULT idx = SendDlgItemMessageW(m_hWnd, id_I, CB_GETCURSEL, 0, 0);
+    const std::vector<int32_t>& values = mValues[id_I];
+    VLR_ASSERT(idx >= 0 && static_cast<size_t>(idx) < values.size());
+    if (delegate == nullptr || idx < 0 || static_cast<size_t>(idx) >= values.size()) {
+        return 0;
+    }
+    const ESetting setting = SettingOfCombo(id_I);
+    Check(delegate->SetSetting(setting, values[static_cast<size_t>(idx)]));
+    if (setting == ESetting::Gamma) {
+        UpdateButtons();
+    } else {
+        InitControls();
+    }
+    return 0;
+}
+
+LRESULT CMainDialog::OnCustomColor(WORD, WORD, HWND, BOOL&) {
+    // The custom colour dialog comes with the advanced page; the label is kept current.
+    ShowCustomColorText();
+    return 0;
+}
+
+LRESULT CMainDialog::OnResetColor(WORD, WORD, HWND, BOOL&) {
+    RunLongOperation(&CMainDialog::ResetColorThread, "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorThread",
+                     &CMainDialog::ResetColorConfigThread,
+                     "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorConfigThread");
+    ShowCustomColorText();
+    UpdateButtons();
+    return 0;
+}
+
+LRESULT CMainDialog::OnSave(WORD, WORD, HWND, BOOL&) {
+    UiDisplayDelegate* delegate = Delegate();
+    if (delegate == nullptr) {
+        return 0;
+    }
+    if (!mIgnorePowerWarning) {
+        const std::vector<uint32_t> kinds = delegate->PowerIncreasingChanges();
+        if (!kinds.empty()) {
+            const INT_PTR answer = mPowerWarning->Ask(m_hWnd, kinds, delegate->IncreasesPowerUse());
+            if (mPowerWarning->DoNotShowAgain()) {
+                AppRegistry::WriteIgnorePowerWarning();
+                mIgnorePowerWarning = true;
+            }
+            if (answer != IDC_POWER_YES) {
+                return 0;  // nothing saved; the changes stay on the display unsaved
+            }
+        }
+    }
+    Check(delegate->Save());
+    UpdateButtons();
+    return 0;
+}
+
+LRESULT CMainDialog::OnRevert(WORD, WORD, HWND, BOOL&) {
+    if (UiDisplayDelegate* delegate = Delegate()) {
+        Check(delegate->Revert());
+    }
+    InitControls();
+    return 0;
+}
+
+LRESULT CMainDialog::OnAdvanced(WORD, WORD, HWND, BOOL&) {
+    // The advanced page is not part of the program yet.
+    return 0;
+}
+
+std::wstring CMainDialog::HelpAddress() const {
+    UiDisplayDelegate* delegate = Delegate();
+    const std::string page = delegate != nullptr ? delegate->HelpPageName() : "index";
+    return std::wstring(kOnlineHelpBaseAddress) + L"/UserHelp/" +
+           Widen(CLanguageProvider().CodeOf(mLanguage)) + L"/TOC/" + Widen(page) + L".html";
+}
+
+LRESULT CMainDialog::OnHelp(WORD, WORD, HWND, BOOL&) {
+    ShellExecuteW(m_hWnd, L"open", HelpAddress().c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    return 0;
+}
+
+// ---- Factory reset by hot key ----
+
+LRESULT CMainDialog::OnHotKey(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
+    if (static_cast<int>(wParam_I) == kHotKeyId) {
+        // A service shortcut: deliberately without confirmation.
+        FactoryReset();
+    }
+    return 0;
+}
+
+void CMainDialog::FactoryReset() {
+    ShowWindow(m_hWnd, SW_HIDE);
+    RunLongOperation(
+        &CMainDialog::FactoryResetThread, "(LPTHREAD_START_ROUTINE)CMainDialog::FactoryResetThread",
+        &CMainDialog::DisplayConfigThread, "(LPTHREAD_START_ROUTINE)CMainDialog::DisplayConfigThread");
+    Rebuild();
+}
+
+void CMainDialog::Rebuild() {
+    if (mDisplayConfigIF->Displays().empty()) {
+        mOutcome = EOutcome::NoDevice;
+        EndDialog(0);
+        return;
+    }
+    ClearCombos();
+    FillDisplayList();
+    InitControls();
+    ShowWindow(m_hWnd, SW_SHOW);
+    SetFocus(GetDlgItem(IDC_DISPLAY_LIST));
+}

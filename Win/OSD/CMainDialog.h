@@ -1,0 +1,140 @@
+#pragma once
+// The application window: the user picks one of the displays found and changes its
+// brightness, contrast, colour setting and gamma, saves or reverts. Every change goes to the
+// display at once through the selected display's settings delegate; Save makes the display
+// keep it. Long operations (discovery, factory and colour reset) run on worker threads behind
+// the wait window while this thread keeps pumping messages.
+
+#include <windows.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "AppRegistry.h"
+#include "CPowerWarningDialog.h"
+#include "CWinDisplayConfigInterface.h"
+#include "DialogIds.h"
+#include "DialogImpl.h"
+#include "SignalThread.h"
+#include "StartupOptions.h"
+#include "UiDisplayDelegate.h"
+
+class CMainDialog : public CDialogBase {
+public:
+    // How a run of the dialog ended, for the entry point to act on.
+    enum class EOutcome { Closed, AlreadyRunning, NoDevice, Error };
+
+    CMainDialog(const SStartupOptions& options_I, LANGID language_I);
+    ~CMainDialog() override;
+
+    EOutcome Outcome() const { return mOutcome; }
+    const std::wstring& ErrorText() const { return mErrorText; }
+    const std::shared_ptr<CWinDisplayConfigInterface>& DisplayConfig() const { return mDisplayConfigIF; }
+    // The selected display's delegate; null when there is none.
+    UiDisplayDelegate* Delegate() const;
+    // The values behind a combo's items, in item order.
+    std::vector<int32_t> Values(int comboId_I) const;
+
+    // Worker thread procedures; each returns 1.
+    static DWORD WINAPI DisplayConfigThread(LPVOID pClass_I);
+    static DWORD WINAPI FactoryResetThread(LPVOID);
+    static DWORD WINAPI ResetColorThread(LPVOID);
+    static DWORD WINAPI ResetColorConfigThread(LPVOID pClass_I);
+
+    // The online help address of the selected display.
+    std::wstring HelpAddress() const;
+
+    BEGIN_MSG_MAP(CMainDialog)
+    MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    MESSAGE_HANDLER(WM_HOTKEY, OnHotKey)
+    MESSAGE_HANDLER(WM_MOVE, OnMove)
+    MESSAGE_HANDLER(WM_HSCROLL, OnHScroll)
+    MESSAGE_HANDLER(WM_VSCROLL, OnVScroll)
+    MESSAGE_HANDLER(WM_TIMER, OnTimer)
+    COMMAND_HANDLER(IDC_BRIGHTNESS_EDIT, EN_KILLFOCUS, OnEditKillFocus)
+    COMMAND_HANDLER(IDC_CONTRAST_EDIT, EN_KILLFOCUS, OnEditKillFocus)
+    COMMAND_ID_HANDLER(IDOK, OnOk)
+    COMMAND_ID_HANDLER(IDCANCEL, OnCancel)
+    COMMAND_HANDLER(IDC_DISPLAY_LIST, CBN_SELCHANGE, OnDisplayChanged)
+    COMMAND_HANDLER(IDC_COLOR_SETTING_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_HANDLER(IDC_COLOR_TEMPERATURE_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_HANDLER(IDC_COLOR_SPACE_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_HANDLER(IDC_GAMMA_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_HANDLER(IDC_CUSTOM_COLOR_BUTTON, BN_CLICKED, OnCustomColor)
+    COMMAND_HANDLER(IDC_RESET_COLOR_BUTTON, BN_CLICKED, OnResetColor)
+    COMMAND_HANDLER(IDC_SAVE_BUTTON, BN_CLICKED, OnSave)
+    COMMAND_HANDLER(IDC_REVERT_BUTTON, BN_CLICKED, OnRevert)
+    COMMAND_HANDLER(IDC_ADVANCED_BUTTON, BN_CLICKED, OnAdvanced)
+    COMMAND_HANDLER(IDC_HELP_BUTTON, BN_CLICKED, OnHelp)
+    END_MSG_MAP()
+
+private:
+    LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnHotKey(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnMove(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnHScroll(UINT, WPARAM wParam_I, LPARAM lParam_I, BOOL& handled_O);
+    LRESULT OnVScroll(UINT, WPARAM wParam_I, LPARAM, BOOL&);
+    LRESULT OnTimer(UINT, WPARAM, LPARAM, BOOL&) { return 0; }  // only keeps the local loop awake
+    LRESULT OnEditKillFocus(WORD, WORD id_I, HWND, BOOL&);
+    LRESULT OnOk(WORD, WORD, HWND, BOOL&);
+    LRESULT OnCancel(WORD, WORD, HWND, BOOL&);
+    LRESULT OnDisplayChanged(WORD, WORD, HWND, BOOL&);
+    LRESULT OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&);
+    LRESULT OnCustomColor(WORD, WORD, HWND, BOOL&);
+    LRESULT OnResetColor(WORD, WORD, HWND, BOOL&);
+    LRESULT OnSave(WORD, WORD, HWND, BOOL&);
+    LRESULT OnRevert(WORD, WORD, HWND, BOOL&);
+    LRESULT OnAdvanced(WORD, WORD, HWND, BOOL&);
+    LRESULT OnHelp(WORD, WORD, HWND, BOOL&);
+
+    // Runs the threads one after the other behind the wait window, pumping messages.
+    void RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* firstName_I,
+                          LPTHREAD_START_ROUTINE second_I, const char* secondName_I);
+    void FactoryReset();
+    // After a factory reset: the display list afresh, or the end when it is empty.
+    void Rebuild();
+
+    void LoadCaptions();
+    void FillDisplayList();
+    // Every control from the selected display's settings.
+    void InitControls();
+    void InitSlider(ESetting setting_I, int labelId_I, int editId_I, int sliderId_I, int32_t& accepted_O);
+    void InitChoice(ESetting setting_I, int labelId_I, int comboId_I, bool visible_I);
+    void ShowCustomColorText();
+    void UpdateButtons();
+    void PlaceWindow();
+    void ClearCombos();
+
+    // The live and commit paths of the two sliders.
+    void SendSliderValue(int sliderId_I, int32_t value_I);
+    void CommitSliderValue(int sliderId_I, int32_t value_I);
+    void ApplyTypedValue(int editId_I);
+    bool NewerPositionWaiting(HWND slider_I) const;
+    // Shows the error when a delegate call failed; returns ok_I.
+    bool Check(bool ok_I);
+
+    SStartupOptions mOptions;
+    LANGID mLanguage;
+    std::shared_ptr<CWinDisplayConfigInterface> mDisplayConfigIF;
+    std::unique_ptr<CPowerWarningDialog> mPowerWarning;
+    WinUtils::CSignalThread mThread;
+    HWND mToolTip = nullptr;
+    HWND mWaitWindow = nullptr;
+    int32_t mCurrentBrightness = 0;
+    int32_t mCurrentContrast = 0;
+    bool mBusy = false;
+    bool mIgnorePowerWarning = false;
+    std::optional<SWindowPosition> mRememberedPosition;
+    RECT mWindowRect{};
+    MONITORINFO mMonitorInfo{};
+    std::wstring mErrorText;
+    bool mHasErrorText = false;
+    std::map<int, std::vector<int32_t>> mValues;
+    std::vector<size_t> mDisplayIndexes;
+    size_t mSelectedDisplay = 0;
+    int mScrollPosition = 1;
+    EOutcome mOutcome = EOutcome::Closed;
+};

@@ -1,0 +1,52 @@
+#pragma once
+// Dialog templates and control ids, shared by the resource script and the dialog classes.
+// Plain #defines: the resource compiler reads this file too.
+
+#define IDD_MAIN 152
+#define IDD_WAIT 153
+#define IDD_NO_DEVICE 154
+#define IDD_ERROR 155
+#define IDD_POWER_WARNING 156
+
+#define IDI_APPLICATION_ICON 1
+
+// Main dialog.
+#define IDC_DISPLAY_LABEL 1012
+#define IDC_DISPLAY_LIST 1305
+#define IDC_BRIGHTNESS_LABEL 1003
+#define IDC_BRIGHTNESS_EDIT 1202
+#define IDC_BRIGHTNESS_SLIDER 1402
+#define IDC_CONTRAST_LABEL 1007
+#define IDC_CONTRAST_EDIT 1203
+#define IDC_CONTRAST_SLIDER 1403
+#define IDC_COLOR_GROUP 1030
+#define IDC_COLOR_SETTING_LABEL 1004
+#define IDC_COLOR_SETTING_LIST 1302
+#define IDC_CUSTOM_COLOR_BUTTON 1108
+#define IDC_COLOR_TEMPERATURE_LABEL 1006
+#define IDC_COLOR_TEMPERATURE_LIST 1304
+#define IDC_COLOR_SPACE_LABEL 1005
+#define IDC_COLOR_SPACE_LIST 1303
+#define IDC_CUSTOM_COLOR_LABEL 1008
+#define IDC_RESET_COLOR_BUTTON 1109
+#define IDC_GAMMA_LABEL 1015
+#define IDC_GAMMA_LIST 1306
+#define IDC_ADVANCED_BUTTON 1100
+#define IDC_SAVE_BUTTON 1107
+#define IDC_REVERT_BUTTON 1106
+#define IDC_HELP_BUTTON 1103
+
+// Wait, no-device and error windows.
+#define IDC_WAIT_TEXT 1022
+#define IDC_NO_DEVICE_HEADING 1032
+#define IDC_NO_DEVICE_TEXT 1033
+#define IDC_ERROR_TEXT 1035
+#define IDC_WINDOW_OK 1105
+
+// Power warning.
+#define IDC_POWER_MESSAGE 1074
+#define IDC_POWER_LIST 1076
+#define IDC_POWER_QUESTION 1078
+#define IDC_POWER_DONT_SHOW 1077
+#define IDC_POWER_YES 1079
+#define IDC_POWER_NO 1080

@@ -1,0 +1,61 @@
+#include "DialogImpl.h"
+
+namespace {
+
+struct SCreation {
+    CDialogBase* dialog;
+};
+
+}  // namespace
+
+INT_PTR CDialogBase::DoModal(HWND owner_I) {
+    mModeless = false;
+    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(mTemplateId), owner_I,
+                           &StartDialogProc, reinterpret_cast<LPARAM>(this));
+}
+
+HWND CDialogBase::Create(HWND owner_I) {
+    mModeless = true;
+    return CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(mTemplateId), owner_I,
+                              &StartDialogProc, reinterpret_cast<LPARAM>(this));
+}
+
+void CDialogBase::DestroyWindow() {
+    if (mModeless && IsWindow()) {
+        ::DestroyWindow(m_hWnd);
+    }
+    if (mModeless) {
+        m_hWnd = nullptr;
+    }
+}
+
+INT_PTR CALLBACK CDialogBase::StartDialogProc(HWND window_I, UINT message_I, WPARAM wParam_I,
+                                              LPARAM lParam_I) {
+    CDialogBase* self = nullptr;
+    if (message_I == WM_INITDIALOG) {
+        self = reinterpret_cast<CDialogBase*>(lParam_I);
+        self->m_hWnd = window_I;
+        SetWindowLongPtrW(window_I, DWLP_USER, reinterpret_cast<LONG_PTR>(self));
+    } else {
+        self = reinterpret_cast<CDialogBase*>(GetWindowLongPtrW(window_I, DWLP_USER));
+    }
+    if (self == nullptr) {
+        return FALSE;
+    }
+    LRESULT result = 0;
+    const BOOL handled = self->ProcessWindowMessage(window_I, message_I, wParam_I, lParam_I, result);
+    if (message_I == WM_NCDESTROY) {
+        SetWindowLongPtrW(window_I, DWLP_USER, 0);
+        self->m_hWnd = nullptr;
+    }
+    if (!handled) {
+        return FALSE;
+    }
+    // WM_INITDIALOG answers the focus choice itself; other messages answer through DWLP_MSGRESULT.
+    if (message_I == WM_INITDIALOG || message_I == WM_CTLCOLORDLG || message_I == WM_CTLCOLORSTATIC ||
+        message_I == WM_CTLCOLOREDIT || message_I == WM_CTLCOLORBTN) {
+        return static_cast<INT_PTR>(result);
+    }
+    SetWindowLongPtrW(window_I, DWLP_MSGRESULT, result);
+    return TRUE;
+}

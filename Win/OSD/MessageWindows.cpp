@@ -1,0 +1,191 @@
+#include "MessageWindows.h"
+
+#include <atomic>
+
+#include "Assert.h"
+#include "DialogIds.h"
+#include "DialogImpl.h"
+#include "ResourceUtils.h"
+#include "UiDisplayDelegate.h"
+#include "WinStrings.h"
+
+namespace MessageWindows {
+
+namespace {
+
+constexpr UINT kProductTitle = 2000;
+constexpr UINT kNoDeviceHeading = 2037;
+constexpr UINT kNoDeviceText = 2038;
+constexpr UINT kCommunicationError = 2900;
+constexpr UINT kCommunicationFailureExiting = 2901;
+constexpr UINT kTooDark = 2902;
+constexpr UINT kWarning = 2903;
+constexpr UINT kPleaseWait = 2905;
+constexpr UINT kFactoryResetWarning = 2908;
+constexpr UINT kFactoryResetQuestion = 2909;
+constexpr int kOkButtonBottomGap = 20;
+
+std::atomic<MessageBoxTimeoutFunction> gReplacement{nullptr};
+
+MessageBoxTimeoutFunction LookUpMessageBoxTimeout() {
+    static const MessageBoxTimeoutFunction found = [] {
+        HMODULE user32 = GetModuleHandleW(L"user32.dll");
+        FARPROC address = user32 != nullptr ? GetProcAddress(user32, "MessageBoxTimeoutW") : nullptr;
+        return reinterpret_cast<MessageBoxTimeoutFunction>(reinterpret_cast<void*>(address));
+    }();
+    return found;
+}
+
+// A window of the program's own that ends the thread's message loop with its OK button.
+class CMessageWindow : public CDialogBase {
+public:
+    using CDialogBase::CDialogBase;
+
+    BEGIN_MSG_MAP(CMessageWindow)
+    COMMAND_ID_HANDLER(IDC_WINDOW_OK, OnOk)
+    COMMAND_ID_HANDLER(IDCANCEL, OnOk)
+    END_MSG_MAP()
+
+    LRESULT OnOk(WORD, WORD, HWND, BOOL&) {
+        PostQuitMessage(0);
+        return 0;
+    }
+};
+
+void RunUntilQuit(CMessageWindow& window_I) {
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (!IsDialogMessageW(window_I.m_hWnd, &message)) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    window_I.DestroyWindow();
+}
+
+void CentreOkButton(HWND window_I) {
+    HWND ok = GetDlgItem(window_I, IDC_WINDOW_OK);
+    RECT client{};
+    RECT button{};
+    GetClientRect(window_I, &client);
+    GetWindowRect(ok, &button);
+    const int width = button.right - button.left;
+    const int height = button.bottom - button.top;
+    SetWindowPos(ok, nullptr, (client.right - width) / 2, client.bottom - kOkButtonBottomGap - height, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER);
+}
+
+}  // namespace
+
+void SetMessageBoxTimeoutFunction(MessageBoxTimeoutFunction function_I) {
+    gReplacement.store(function_I);
+}
+
+std::wstring Text(UINT stringId_I, LANGID language_I) {
+    return LoadTableString(stringId_I, language_I);
+}
+
+bool ConfirmPictureNotTooDark(HWND owner_I, UiDisplayDelegate& delegate_I, int32_t brightness_I,
+                              int32_t contrast_I, LANGID language_I) {
+    if (!delegate_I.IsPictureTooDark(brightness_I, contrast_I)) {
+        return true;
+    }
+    MessageBoxTimeoutFunction function = gReplacement.load();
+    if (function == nullptr) {
+        function = LookUpMessageBoxTimeout();
+    }
+    if (function == nullptr) {
+        return true;  // nothing to ask with: the change stays
+    }
+    const std::wstring text = Text(kWarning, language_I) + L"\n" + Text(kTooDark, language_I);
+    const int answer = function(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(),
+                                kDarkScreenStyle, 0, kDarkScreenTimeoutMs);
+    return answer != IDNO && answer != kMessageBoxTimedOut;
+}
+
+bool ConfirmFactoryReset(HWND owner_I, LANGID language_I) {
+    const std::wstring text =
+        Text(kFactoryResetWarning, language_I) + L"\n" + Text(kFactoryResetQuestion, language_I);
+    return MessageBoxW(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(), kFactoryResetStyle) ==
+           IDOK;
+}
+
+void ShowCommunicationError(HWND owner_I, UiDisplayDelegate* delegate_I, bool fatal_I, LANGID language_I) {
+    const std::string detail = delegate_I != nullptr ? delegate_I->LastFailure() : std::string();
+    if (fatal_I && owner_I != nullptr) {
+        EndDialog(owner_I, 0);
+    }
+    std::wstring text = Text(fatal_I ? kCommunicationFailureExiting : kCommunicationError, language_I);
+    if (!detail.empty()) {
+        text += L"\n" + Widen(detail);
+    }
+    if (delegate_I != nullptr) {
+        delegate_I->ClearLastFailure();
+    }
+    MessageBoxW(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(), MB_ICONERROR);
+}
+
+void CentreOnPrimaryWorkArea(HWND window_I, HWND reference_I) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromPoint(POINT{0, 0}, MONITOR_DEFAULTTOPRIMARY), &monitor);
+    const RECT& work = monitor.rcWork;
+    RECT client{};
+    GetClientRect(window_I, &client);
+    MapWindowPoints(reference_I != nullptr ? reference_I : window_I, nullptr,
+                    reinterpret_cast<POINT*>(&client), 2);
+    const int clientWidth = client.right - client.left;
+    const int clientHeight = client.bottom - client.top;
+    const int x = work.left + ((work.right - work.left) / 2 - clientWidth / 2);
+    const int y = work.top + ((work.bottom - work.top) / 2 - clientHeight / 2);
+    SetWindowPos(window_I, HWND_TOPMOST, x, y, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
+}
+
+HWND CreateWaitWindow(HWND owner_I, LANGID language_I) {
+    HWND hWaitWindow = CreateDialogParamW(
+        GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_WAIT), owner_I,
+        [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
+    VLR_ASSERT(hWaitWindow);
+    if (hWaitWindow == nullptr) {
+        return nullptr;
+    }
+    SetDlgItemTextW(hWaitWindow, IDC_WAIT_TEXT, Text(kPleaseWait, language_I).c_str());
+    CentreOnPrimaryWorkArea(hWaitWindow, owner_I);
+    return hWaitWindow;
+}
+
+void RunNoDeviceWindow(HWND owner_I, LANGID language_I) {
+    CMessageWindow window(IDD_NO_DEVICE);
+    HWND hNotSupportedWindow = window.Create(owner_I);
+    VLR_ASSERT(hNotSupportedWindow);
+    if (hNotSupportedWindow == nullptr) {
+        return;
+    }
+    SetWindowTextW(hNotSupportedWindow, Text(kProductTitle, language_I).c_str());
+    SetDlgItemTextW(hNotSupportedWindow, IDC_NO_DEVICE_HEADING, Text(kNoDeviceHeading, language_I).c_str());
+    SetDlgItemTextW(hNotSupportedWindow, IDC_NO_DEVICE_TEXT, Text(kNoDeviceText, language_I).c_str());
+    HFONT heading =
+        CreateFontW(20, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                    CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH, L"Segoe UI");
+    SendDlgItemMessageW(hNotSupportedWindow, IDC_NO_DEVICE_HEADING, WM_SETFONT,
+                        reinterpret_cast<WPARAM>(heading), TRUE);
+    CentreOkButton(hNotSupportedWindow);
+    CentreOnPrimaryWorkArea(hNotSupportedWindow, owner_I);
+    RunUntilQuit(window);
+    DeleteObject(heading);
+}
+
+void RunErrorWindow(HWND owner_I, const std::wstring& text_I, LANGID language_I) {
+    CMessageWindow window(IDD_ERROR);
+    HWND hErrorDialog = window.Create(owner_I);
+    VLR_ASSERT(hErrorDialog);
+    if (hErrorDialog == nullptr) {
+        return;
+    }
+    SetWindowTextW(hErrorDialog, Text(kProductTitle, language_I).c_str());
+    SetDlgItemTextW(hErrorDialog, IDC_ERROR_TEXT, text_I.c_str());
+    CentreOnPrimaryWorkArea(hErrorDialog, owner_I);
+    RunUntilQuit(window);
+}
+
+}  // namespace MessageWindows

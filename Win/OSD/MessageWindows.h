@@ -1,0 +1,45 @@
+#pragma once
+// The program's small windows and boxes: the dark-screen and factory-reset questions, the
+// communication error, and the wait, no-device and error windows. Texts come from the string
+// table in the interface language; every caption is the product title.
+
+#include <windows.h>
+
+#include <string>
+
+class UiDisplayDelegate;
+
+namespace MessageWindows {
+
+// MessageBoxTimeoutW as user32 exports it (undocumented, so looked up by name).
+using MessageBoxTimeoutFunction = int(WINAPI*)(HWND, LPCWSTR, LPCWSTR, UINT, WORD, DWORD);
+constexpr int kMessageBoxTimedOut = 32000;
+constexpr DWORD kDarkScreenTimeoutMs = 5000;
+constexpr UINT kDarkScreenStyle = 0x1134;    // MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2 | MB_SYSTEMMODAL
+constexpr UINT kFactoryResetStyle = 0x1131;  // MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2 | MB_SYSTEMMODAL
+
+// Replaces the looked-up function (tests answer for the user); nullptr looks it up again.
+void SetMessageBoxTimeoutFunction(MessageBoxTimeoutFunction function_I);
+
+// The product title and a table text in the interface language.
+std::wstring Text(UINT stringId_I, LANGID language_I);
+
+// After a committed brightness or contrast change: true to keep it. Asks only when the
+// picture may be too dark; no answer within five seconds keeps the old values.
+bool ConfirmPictureNotTooDark(HWND owner_I, UiDisplayDelegate& delegate_I, int32_t brightness_I,
+                              int32_t contrast_I, LANGID language_I);
+// True only for OK.
+bool ConfirmFactoryReset(HWND owner_I, LANGID language_I);
+// A failed delegate call. Fatal errors end the owner dialog with result 0 first.
+void ShowCommunicationError(HWND owner_I, UiDisplayDelegate* delegate_I, bool fatal_I, LANGID language_I);
+
+// Places a window topmost and shown, centred on the primary monitor's work area.
+void CentreOnPrimaryWorkArea(HWND window_I, HWND reference_I);
+
+// The wait window (string 2905), topmost and centred; null when it cannot be created.
+HWND CreateWaitWindow(HWND owner_I, LANGID language_I);
+// Each runs until its OK button ends the thread's message loop.
+void RunNoDeviceWindow(HWND owner_I, LANGID language_I);
+void RunErrorWindow(HWND owner_I, const std::wstring& text_I, LANGID language_I);
+
+}  // namespace MessageWindows

@@ -1,0 +1,28 @@
+#pragma once
+// What the command line asks of a run.
+
+#include <cstdint>
+#include <string>
+
+struct SStartupOptions {
+    std::string languageName = "userUI";
+    bool skipSerialMatch = false;
+    bool exitOnError = false;
+    uint32_t connectionMode = 3;  // all routes
+    bool debugOutput = false;
+    bool help = false;
+    // The simulated machine to run on instead of the real one; empty: the real one.
+    std::string demoScenario;
+};
+
+// Options are searched for anywhere in the text, case-sensitively, in any order.
+// debugDefault_I is the trace switch's built-in default.
+SStartupOptions ParseStartupOptions(const std::wstring& commandLine_I, bool debugDefault_I);
+
+// The text of the "/help" box.
+const wchar_t* HelpText();
+constexpr wchar_t kHelpCaption[] = L"ScreenTuner Options";
+constexpr unsigned kHelpStyle = 0x40040;  // MB_ICONINFORMATION | MB_TOPMOST
+
+// The scenario "/demo" runs when it names none.
+constexpr char kDefaultDemoScenario[] = "one-per-route";

@@ -1,0 +1,20 @@
+// The program's entry point: reads the command line, puts the demo's simulated machine in
+// place of the real one when asked, and runs the program.
+
+#include <windows.h>
+
+#include <memory>
+
+#include "Application.h"
+#include "DemoMachine.h"
+#include "StartupOptions.h"
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine_I, int) {
+    const SStartupOptions options =
+        ParseStartupOptions(commandLine_I != nullptr ? commandLine_I : L"", false);
+    std::unique_ptr<CDemoMachine> demo;
+    if (!options.demoScenario.empty() && !options.help) {
+        demo = std::make_unique<CDemoMachine>(options.demoScenario);
+    }
+    return RunApplication(options);
+}
