@@ -108,13 +108,13 @@ ByteBuffer CVirtualDisplay::Answer(const ByteBuffer& request_I) {
             if (request_I.size() != 8) {
                 return {};
             }
+            if (request_I[4] == kSaveThroughDriverCode) {
+                StoreCurrentValues();
+                return BuildNullMessage();
+            }
             ApplySet(request_I[4], static_cast<uint16_t>((request_I[5] << 8) | request_I[6]));
             return BuildNullMessage();
-        case ddcCC_SaveCurrentSettingsRequest:
-            for (auto& entry : mControls) {
-                entry.second.saved = entry.second.value;
-            }
-            return BuildNullMessage();
+        case ddcCC_SaveCurrentSettingsRequest: StoreCurrentValues(); return BuildNullMessage();
         case ddcCC_CapabilitiesRequest:
             return request_I.size() == 7
                        ? AnswerCapabilities(static_cast<uint16_t>((request_I[4] << 8) | request_I[5]))
@@ -145,6 +145,12 @@ ByteBuffer CVirtualDisplay::AnswerGet(uint8_t code_I) const {
     // Enumerated controls report no maximum: the four value bytes hold the value alone.
     const uint16_t maximum = state.control.continuous ? state.control.maximum : 0;
     return GetReply(0x00, code_I, maximum, state.value);
+}
+
+void CVirtualDisplay::StoreCurrentValues() {
+    for (auto& entry : mControls) {
+        entry.second.saved = entry.second.value;
+    }
 }
 
 void CVirtualDisplay::ApplySet(uint8_t code_I, uint16_t value_I) {

@@ -64,6 +64,9 @@ public:
     static constexpr std::chrono::milliseconds kBusyAfterFactoryDefaults{4000};
     static constexpr std::chrono::milliseconds kBusyAfterDisplayPreset{1800};
     static constexpr std::chrono::milliseconds kBusyAfterUniformity{800};
+    // Through the graphics driver the firmware is told to store with a set of this
+    // (otherwise read-only) code, since the driver passes no save command on.
+    static constexpr uint8_t kSaveThroughDriverCode = 0xB2;
 
 private:
     struct SControlState {
@@ -75,6 +78,7 @@ private:
     ByteBuffer Answer(const ByteBuffer& request_I);
     ByteBuffer AnswerGet(uint8_t code_I) const;
     void ApplySet(uint8_t code_I, uint16_t value_I);
+    void StoreCurrentValues();
     ByteBuffer AnswerCapabilities(uint16_t offset_I) const;
     ByteBuffer AnswerVendor(const ByteBuffer& request_I);
     ByteBuffer AnswerTableRead(uint8_t table_I, uint16_t offset_I) const;

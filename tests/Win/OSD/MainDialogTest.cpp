@@ -1,0 +1,394 @@
+// The real program over a simulated machine, driven as a person would: its windows receive the
+// messages that clicks, typing and drags produce, and the tests read the controls and what
+// reached the virtual displays. Needs an X display (Xvfb) under Wine.
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+// windows.h first: commctrl.h needs its types.
+#include <commctrl.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <thread>
+
+#include "AppRegistry.h"
+#include "Application.h"
+#include "DialogIds.h"
+#include "MessageWindows.h"
+#include "SimulatedMachine.h"
+#include "StartupOptions.h"
+#include "VirtualClock.h"
+#include "VirtualMachine.h"
+#include "codes.h"
+
+namespace {
+
+constexpr wchar_t kTitle[] = L"Velor Display Settings";
+constexpr wchar_t kDialogClass[] = L"#32770";
+
+std::atomic<int> gDarkAnswer{IDYES};
+std::atomic<int> gDarkQuestions{0};
+
+int WINAPI AnswerDarkScreenQuestion(HWND, LPCWSTR, LPCWSTR, UINT, WORD, DWORD) {
+    ++gDarkQuestions;
+    return gDarkAnswer.load();
+}
+
+// Waits up to five seconds for a condition the interface thread brings about.
+bool WaitFor(const std::function<bool()>& condition_I) {
+    for (int i = 0; i < 500; ++i) {
+        if (condition_I()) {
+            return true;
+        }
+        Sleep(10);
+    }
+    return false;
+}
+
+// A visible top-level dialog with this caption other than `except_I`.
+HWND FindDialog(const wchar_t* caption_I, HWND except_I = nullptr) {
+    HWND found = nullptr;
+    while ((found = FindWindowExW(nullptr, found, kDialogClass, caption_I)) != nullptr) {
+        if (found != except_I && IsWindowVisible(found)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+std::wstring TextOf(HWND window_I) {
+    wchar_t text[512] = {};
+    GetWindowTextW(window_I, text, 512);
+    return text;
+}
+
+void ClearRegistry() {
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Velor");
+}
+
+// The program running on its own interface thread over a simulated machine.
+struct SProgram {
+    CVirtualClock clock;
+    CScopedClock scopedClock{clock};
+    CSimulatedMachine machine;
+    std::thread ui;
+    HWND dialog = nullptr;
+
+    explicit SProgram(SVirtualMachine machine_I, SStartupOptions options = {}, bool clearRegistry = true)
+        : machine(std::move(machine_I)) {
+        if (clearRegistry) {
+            ClearRegistry();
+        }
+        gDarkAnswer = IDYES;
+        gDarkQuestions = 0;
+        MessageWindows::SetMessageBoxTimeoutFunction(&AnswerDarkScreenQuestion);
+        options.languageName = options.languageName == "userUI" ? "en" : options.languageName;
+        ui = std::thread([options] { RunApplication(options); });
+    }
+    explicit SProgram(const char* scenario, SStartupOptions options = {})
+        : SProgram(*VirtualMachine::Scenario(scenario), options) {}
+
+    ~SProgram() {
+        if (dialog != nullptr && IsWindow(dialog)) {
+            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        }
+        if (ui.joinable()) {
+            ui.join();
+        }
+        MessageWindows::SetMessageBoxTimeoutFunction(nullptr);
+    }
+
+    bool WaitForMainDialog() {
+        WaitFor([&] {
+            dialog = FindDialog(kTitle);
+            return dialog != nullptr && GetDlgItem(dialog, IDC_DISPLAY_LIST) != nullptr;
+        });
+        return dialog != nullptr;
+    }
+    HWND Item(int id) const { return GetDlgItem(dialog, id); }
+    std::wstring Text(int id) const { return TextOf(Item(id)); }
+    int SliderPosition(int id) const { return static_cast<int>(SendMessageW(Item(id), TBM_GETPOS, 0, 0)); }
+    void Type(int editId, const wchar_t* text) {
+        SendMessageW(Item(editId), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(editId, EN_KILLFOCUS), reinterpret_cast<LPARAM>(Item(editId)));
+    }
+    // What a trackbar sends while the thumb is dragged: it moves, then tells its parent.
+    void Slide(int sliderId, int code, int position) {
+        if (code == TB_THUMBTRACK || code == TB_THUMBPOSITION) {
+            SendMessageW(Item(sliderId), TBM_SETPOS, TRUE, position);
+        }
+        SendMessageW(dialog, WM_HSCROLL, MAKEWPARAM(code, position), reinterpret_cast<LPARAM>(Item(sliderId)));
+    }
+    // A click whose handler returns without opening a window.
+    void Click(int id) { SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(Item(id))); }
+    // A click that opens a modal window: the caller finds and answers it.
+    void ClickAndLeave(int id) {
+        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(Item(id)));
+    }
+    // Lets the interface thread finish what it is doing.
+    void Settle() { SendMessageW(dialog, WM_NULL, 0, 0); }
+    void Close() {
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        ui.join();
+    }
+    std::shared_ptr<CVirtualDisplay> Display(size_t monitor) const { return machine.Machine().monitors[monitor].display; }
+};
+
+// The values a display was set to for a code, in order.
+std::vector<uint16_t> SetsOf(const CVirtualDisplay& display, uint8_t code) {
+    std::vector<uint16_t> values;
+    for (const STransaction& t : display.Transactions()) {
+        if (t.request.size() == 8 && t.request[3] == 0x03 && t.request[4] == code) {
+            values.push_back(static_cast<uint16_t>((t.request[5] << 8) | t.request[6]));
+        }
+    }
+    return values;
+}
+
+}  // namespace
+
+TEST(StartupOptions, ChannelOptionsHaveAPrecedenceAndHelpIsFixed) {
+    EXPECT_EQ(ParseStartupOptions(L"", false).connectionMode, 3u);
+    EXPECT_EQ(ParseStartupOptions(L"/hidPort /displayPort", false).connectionMode, 1u);
+    EXPECT_EQ(ParseStartupOptions(L"/ftdiPort /hidPort", false).connectionMode, 0u);
+    EXPECT_EQ(ParseStartupOptions(L"/ftdiPort", false).connectionMode, 2u);
+    EXPECT_EQ(ParseStartupOptions(L"/HIDPORT", false).connectionMode, 3u);  // case-sensitive
+    EXPECT_EQ(ParseStartupOptions(L"/language de /debug", false).languageName, "de");
+    EXPECT_EQ(ParseStartupOptions(L"/language", false).languageName, "userUI");
+    EXPECT_TRUE(ParseStartupOptions(L"/debug", false).debugOutput);
+    EXPECT_TRUE(ParseStartupOptions(L"", true).debugOutput);
+    const SStartupOptions all = ParseStartupOptions(L"/skipSerialMatch /exitOnError /help", false);
+    EXPECT_TRUE(all.skipSerialMatch && all.exitOnError && all.help);
+    EXPECT_EQ(ParseStartupOptions(L"/demo", false).demoScenario, "one-per-route");
+    EXPECT_EQ(ParseStartupOptions(L"/demo two-families /debug", false).demoScenario, "two-families");
+    EXPECT_TRUE(ParseStartupOptions(L"/debug", false).demoScenario.empty());
+    EXPECT_EQ(std::wstring(HelpText()),
+              L"/hidPort - use only a HID channel\n/displayPort - use only a video display channel\n"
+              L"/ftdiPort - use only an FTDI display channel\n/skipSerialMatch - skip match monitor/channel serial "
+              L"numbers\n/debug - send trace lines to debug output (slows down app)\n/help - show options");
+}
+
+TEST(MainDialog, TypedValuesAreClampedShownAndSent) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    EXPECT_EQ(program.Text(IDC_DISPLAY_LIST), L"Velor Canvas 22 Pro");
+    auto canvas = program.Display(0);
+    canvas->ClearTransactions();
+
+    program.Type(IDC_BRIGHTNESS_EDIT, L"150");
+    EXPECT_EQ(program.Text(IDC_BRIGHTNESS_EDIT), L"100");
+    EXPECT_EQ(program.SliderPosition(IDC_BRIGHTNESS_SLIDER), 100);
+    EXPECT_EQ(SetsOf(*canvas, vcpC_Luminance), (std::vector<uint16_t>{100}));
+    EXPECT_EQ(canvas->Value(vcpC_Luminance), 100);
+    EXPECT_TRUE(IsWindowEnabled(program.Item(IDC_SAVE_BUTTON)));
+
+    // An emptied edit gets the current value back and nothing is sent.
+    program.Type(IDC_CONTRAST_EDIT, L"");
+    EXPECT_EQ(program.Text(IDC_CONTRAST_EDIT), std::to_wstring(canvas->Value(vcpC_Contrast)));
+    EXPECT_TRUE(SetsOf(*canvas, vcpC_Contrast).empty());
+}
+
+TEST(MainDialog, ADragSendsItsPositionsAndAsksOnceHomeAndEndAreRefused) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    const uint16_t before = canvas->Value(vcpC_Luminance);
+    canvas->ClearTransactions();
+
+    for (int position : {60, 40, 20, 3}) {
+        program.Slide(IDC_BRIGHTNESS_SLIDER, TB_THUMBTRACK, position);
+    }
+    program.Slide(IDC_BRIGHTNESS_SLIDER, TB_THUMBPOSITION, 3);
+    program.Slide(IDC_BRIGHTNESS_SLIDER, TB_ENDTRACK, 3);
+    // The release commits 3, which the display already has: the delegate sends nothing more.
+    EXPECT_EQ(SetsOf(*canvas, vcpC_Luminance), (std::vector<uint16_t>{60, 40, 20, 3}));
+    EXPECT_EQ(gDarkQuestions.load(), 1);
+    EXPECT_EQ(program.Text(IDC_BRIGHTNESS_EDIT), L"3");
+
+    // Home and End put the slider back to the accepted value and send nothing.
+    canvas->ClearTransactions();
+    SendMessageW(program.Item(IDC_BRIGHTNESS_SLIDER), TBM_SETPOS, TRUE, 100);
+    program.Slide(IDC_BRIGHTNESS_SLIDER, TB_BOTTOM, 0);
+    EXPECT_EQ(program.SliderPosition(IDC_BRIGHTNESS_SLIDER), 3);
+    program.Slide(IDC_BRIGHTNESS_SLIDER, TB_TOP, 0);
+    EXPECT_EQ(program.SliderPosition(IDC_BRIGHTNESS_SLIDER), 3);
+    EXPECT_TRUE(SetsOf(*canvas, vcpC_Luminance).empty());
+    EXPECT_NE(canvas->Value(vcpC_Luminance), before);
+}
+
+TEST(MainDialog, NoAnswerToTheDarkScreenQuestionRestoresTheOldValues) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    const uint16_t before = canvas->Value(vcpC_Luminance);
+    gDarkAnswer = MessageWindows::kMessageBoxTimedOut;
+    canvas->ClearTransactions();
+    program.Slide(IDC_BRIGHTNESS_SLIDER, TB_THUMBTRACK, 0);
+    program.Slide(IDC_BRIGHTNESS_SLIDER, TB_THUMBPOSITION, 0);
+    EXPECT_EQ(gDarkQuestions.load(), 1);
+    EXPECT_EQ(SetsOf(*canvas, vcpC_Luminance), (std::vector<uint16_t>{0, before}));
+    EXPECT_EQ(canvas->Value(vcpC_Luminance), before);
+    EXPECT_EQ(program.SliderPosition(IDC_BRIGHTNESS_SLIDER), before);
+    EXPECT_EQ(program.Text(IDC_BRIGHTNESS_EDIT), std::to_wstring(before));
+    EXPECT_FALSE(IsWindowEnabled(program.Item(IDC_SAVE_BUTTON)));
+}
+
+TEST(MainDialog, SaveAsksAboutMorePowerAndRemembersDoNotShowAgain) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    const uint16_t saved = canvas->SavedValue(vcpC_Luminance);
+    program.Type(IDC_BRIGHTNESS_EDIT, std::to_wstring(saved + 10).c_str());
+
+    // "No" saves nothing.
+    program.ClickAndLeave(IDC_SAVE_BUTTON);
+    HWND warning = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (warning = FindDialog(L"Additional Power Required")) != nullptr; }));
+    EXPECT_EQ(TextOf(GetDlgItem(warning, IDC_POWER_LIST)), L"Brightness");
+    EXPECT_EQ(TextOf(GetDlgItem(warning, IDC_POWER_MESSAGE)),
+              L"These changes make the display use more power. Affected settings:");
+    PostMessageW(warning, WM_COMMAND, IDC_POWER_NO, 0);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(warning); }));
+    program.Settle();
+    EXPECT_EQ(canvas->SavedValue(vcpC_Luminance), saved);
+    EXPECT_TRUE(IsWindowEnabled(program.Item(IDC_SAVE_BUTTON)));
+
+    // Ticked and "No": still nothing saved, but never asked again.
+    program.ClickAndLeave(IDC_SAVE_BUTTON);
+    ASSERT_TRUE(WaitFor([&] { return (warning = FindDialog(L"Additional Power Required")) != nullptr; }));
+    SendMessageW(GetDlgItem(warning, IDC_POWER_DONT_SHOW), BM_SETCHECK, BST_CHECKED, 0);
+    PostMessageW(warning, WM_COMMAND, IDC_POWER_NO, 0);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(warning); }));
+    program.Settle();
+    EXPECT_EQ(canvas->SavedValue(vcpC_Luminance), saved);
+    EXPECT_TRUE(AppRegistry::ReadIgnorePowerWarning());
+
+    program.Click(IDC_SAVE_BUTTON);
+    EXPECT_EQ(FindDialog(L"Additional Power Required"), nullptr);
+    EXPECT_EQ(canvas->SavedValue(vcpC_Luminance), saved + 10);
+    EXPECT_FALSE(IsWindowEnabled(program.Item(IDC_SAVE_BUTTON)));
+}
+
+TEST(MainDialog, RevertAndClosingDropUnsavedChangesAndTheWindowRemembersItsPlace) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    const uint16_t before = canvas->Value(vcpC_Contrast);
+    program.Type(IDC_CONTRAST_EDIT, L"20");
+    EXPECT_EQ(canvas->Value(vcpC_Contrast), 20);
+    program.Click(IDC_REVERT_BUTTON);
+    EXPECT_EQ(canvas->Value(vcpC_Contrast), before);
+    EXPECT_EQ(program.Text(IDC_CONTRAST_EDIT), std::to_wstring(before));
+
+    program.Type(IDC_CONTRAST_EDIT, L"25");
+    SetWindowPos(program.dialog, nullptr, 130, 90, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    RECT rect{};
+    GetWindowRect(program.dialog, &rect);
+    program.Close();
+    EXPECT_EQ(canvas->Value(vcpC_Contrast), before);
+    const auto location = AppRegistry::ReadLocation();
+    ASSERT_TRUE(location.has_value());
+    EXPECT_EQ(location->x, rect.left);
+    EXPECT_EQ(location->y, rect.top);
+
+    // The next start opens there.
+    SProgram again(*VirtualMachine::Scenario("two-families"), {}, false);
+    ASSERT_TRUE(again.WaitForMainDialog());
+    RECT reopened{};
+    GetWindowRect(again.dialog, &reopened);
+    EXPECT_EQ(reopened.left, rect.left);
+    EXPECT_EQ(reopened.top, rect.top);
+}
+
+TEST(MainDialog, WithoutAFullRememberedPositionTheCentreFormulaPlacesIt) {
+    ClearRegistry();
+    HKEY key = nullptr;
+    RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Velor\\OSD\\Location", 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key,
+                    nullptr);
+    const DWORD x = 40;
+    RegSetValueExW(key, L"X", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&x), sizeof(x));
+    RegCloseKey(key);
+    SProgram program(*VirtualMachine::Scenario("two-families"), {}, false);
+    ASSERT_TRUE(program.WaitForMainDialog());
+    RECT rect{};
+    GetWindowRect(program.dialog, &rect);
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromWindow(program.dialog, MONITOR_DEFAULTTOPRIMARY), &monitor);
+    const int width = rect.right - rect.left;
+    const int height = rect.bottom - rect.top;
+    EXPECT_EQ(rect.left, (monitor.rcMonitor.right - monitor.rcMonitor.left - width) / 2);
+    EXPECT_EQ(rect.top, (monitor.rcMonitor.bottom - monitor.rcMonitor.top - height) / 2);
+}
+
+TEST(MainDialog, AFailedWriteShowsTheErrorAndKeepsTheDialog) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    program.machine.MonitorConfiguration().FailNext(EMcaCall::SetVCPFeature, McaError::kI2CErrorReceivingData, 20);
+    PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, 77),
+                 reinterpret_cast<LPARAM>(program.Item(IDC_BRIGHTNESS_SLIDER)));
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (box = FindDialog(kTitle, program.dialog)) != nullptr; }));
+    HWND text = FindWindowExW(box, nullptr, L"Static", nullptr);
+    while (text != nullptr && TextOf(text).empty()) {
+        text = FindWindowExW(box, text, L"Static", nullptr);
+    }
+    EXPECT_EQ(TextOf(text).rfind(L"There was an error talking to the display.", 0), 0u) << TextOf(text);
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
+    program.Settle();
+    EXPECT_TRUE(IsWindow(program.dialog));
+}
+
+TEST(Program, ASecondStartBringsTheFirstForwardAndOpensNothing) {
+    SProgram first("two-families");
+    ASSERT_TRUE(first.WaitForMainDialog());
+    SStartupOptions options;
+    options.languageName = "en";
+    std::thread second([options] { RunApplication(options); });
+    second.join();  // returns by itself
+    int dialogs = 0;
+    for (HWND found = nullptr; (found = FindWindowExW(nullptr, found, kDialogClass, kTitle)) != nullptr;) {
+        dialogs += IsWindowVisible(found) ? 1 : 0;
+    }
+    EXPECT_EQ(dialogs, 1);
+}
+
+TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
+    {
+        SProgram program("no-display");
+        HWND window = nullptr;
+        ASSERT_TRUE(WaitFor([&] {
+            window = FindDialog(kTitle);
+            return window != nullptr && GetDlgItem(window, IDC_NO_DEVICE_HEADING) != nullptr;
+        }));
+        EXPECT_EQ(TextOf(GetDlgItem(window, IDC_NO_DEVICE_HEADING)), L"No supported display found");
+        PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
+        program.ui.join();
+    }
+    SStartupOptions options;
+    options.exitOnError = true;
+    SProgram program("ddc-fails-serial-pairs", options);
+    HWND window = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        window = FindDialog(kTitle);
+        return window != nullptr && GetDlgItem(window, IDC_ERROR_TEXT) != nullptr;
+    }));
+    EXPECT_EQ(TextOf(GetDlgItem(window, IDC_ERROR_TEXT)).rfind(L"Display: VLR1042  [Velor Canvas 24]\n", 0), 0u);
+    PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
+    program.ui.join();
+}
+
+TEST(Program, HelpShowsOnlyTheOptionBox) {
+    SStartupOptions options = ParseStartupOptions(L"/help /displayPort", false);
+    SProgram program("two-families", options);
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (box = FindDialog(kHelpCaption)) != nullptr; }));
+    EXPECT_EQ(FindDialog(kTitle), nullptr);
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    program.ui.join();
+    EXPECT_EQ(FindDialog(kTitle), nullptr);
+    EXPECT_EQ(program.Display(0)->Transactions().size(), 0u);
+}
