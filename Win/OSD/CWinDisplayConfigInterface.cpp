@@ -666,5 +666,8 @@ void CWinDisplayConfigInterface::SetLanguage(CDisplay& display_I) {
     }
     if (!display_I.SetVCPValue(vcpC_OSDLanguage, value)) {
         DLog("CWinDisplayConfigInterface::SetLanguage error: set language on monitor\n");
+        return;
     }
+    // The menu language follows the program: no change of the user's to save or revert.
+    display_I.ResetOptionData(vcpC_OSDLanguage);
 }

@@ -112,17 +112,21 @@ struct SProgram {
     int SliderPosition(int id) const { return static_cast<int>(SendMessageW(Item(id), TBM_GETPOS, 0, 0)); }
     void Type(int editId, const wchar_t* text) {
         SendMessageW(Item(editId), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
-        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(editId, EN_KILLFOCUS), reinterpret_cast<LPARAM>(Item(editId)));
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(editId, EN_KILLFOCUS),
+                     reinterpret_cast<LPARAM>(Item(editId)));
     }
     // What a trackbar sends while the thumb is dragged: it moves, then tells its parent.
     void Slide(int sliderId, int code, int position) {
         if (code == TB_THUMBTRACK || code == TB_THUMBPOSITION) {
             SendMessageW(Item(sliderId), TBM_SETPOS, TRUE, position);
         }
-        SendMessageW(dialog, WM_HSCROLL, MAKEWPARAM(code, position), reinterpret_cast<LPARAM>(Item(sliderId)));
+        SendMessageW(dialog, WM_HSCROLL, MAKEWPARAM(code, position),
+                     reinterpret_cast<LPARAM>(Item(sliderId)));
     }
     // A click whose handler returns without opening a window.
-    void Click(int id) { SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(Item(id))); }
+    void Click(int id) {
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(Item(id)));
+    }
     // A click that opens a modal window: the caller finds and answers it.
     void ClickAndLeave(int id) {
         PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(Item(id)));
@@ -133,7 +137,9 @@ struct SProgram {
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         ui.join();
     }
-    std::shared_ptr<CVirtualDisplay> Display(size_t monitor) const { return machine.Machine().monitors[monitor].display; }
+    std::shared_ptr<CVirtualDisplay> Display(size_t monitor) const {
+        return machine.Machine().monitors[monitor].display;
+    }
 };
 
 // The values a display was set to for a code, in order.
@@ -164,10 +170,11 @@ TEST(StartupOptions, ChannelOptionsHaveAPrecedenceAndHelpIsFixed) {
     EXPECT_EQ(ParseStartupOptions(L"/demo", false).demoScenario, "one-per-route");
     EXPECT_EQ(ParseStartupOptions(L"/demo two-families /debug", false).demoScenario, "two-families");
     EXPECT_TRUE(ParseStartupOptions(L"/debug", false).demoScenario.empty());
-    EXPECT_EQ(std::wstring(HelpText()),
-              L"/hidPort - use only a HID channel\n/displayPort - use only a video display channel\n"
-              L"/ftdiPort - use only an FTDI display channel\n/skipSerialMatch - skip match monitor/channel serial "
-              L"numbers\n/debug - send trace lines to debug output (slows down app)\n/help - show options");
+    EXPECT_EQ(
+        std::wstring(HelpText()),
+        L"/hidPort - use only a HID channel\n/displayPort - use only a video display channel\n"
+        L"/ftdiPort - use only an FTDI display channel\n/skipSerialMatch - skip match monitor/channel serial "
+        L"numbers\n/debug - send trace lines to debug output (slows down app)\n/help - show options");
 }
 
 TEST(MainDialog, TypedValuesAreClampedShownAndSent) {
@@ -305,8 +312,8 @@ TEST(MainDialog, RevertAndClosingDropUnsavedChangesAndTheWindowRemembersItsPlace
 TEST(MainDialog, WithoutAFullRememberedPositionTheCentreFormulaPlacesIt) {
     ClearRegistry();
     HKEY key = nullptr;
-    RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Velor\\OSD\\Location", 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key,
-                    nullptr);
+    RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Velor\\OSD\\Location", 0, nullptr, 0, KEY_SET_VALUE,
+                    nullptr, &key, nullptr);
     const DWORD x = 40;
     RegSetValueExW(key, L"X", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&x), sizeof(x));
     RegCloseKey(key);
@@ -326,7 +333,8 @@ TEST(MainDialog, WithoutAFullRememberedPositionTheCentreFormulaPlacesIt) {
 TEST(MainDialog, AFailedWriteShowsTheErrorAndKeepsTheDialog) {
     SProgram program("two-families");
     ASSERT_TRUE(program.WaitForMainDialog());
-    program.machine.MonitorConfiguration().FailNext(EMcaCall::SetVCPFeature, McaError::kI2CErrorReceivingData, 20);
+    program.machine.MonitorConfiguration().FailNext(EMcaCall::SetVCPFeature, McaError::kI2CErrorReceivingData,
+                                                    20);
     PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, 77),
                  reinterpret_cast<LPARAM>(program.Item(IDC_BRIGHTNESS_SLIDER)));
     HWND box = nullptr;
@@ -376,7 +384,8 @@ TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
         window = FindDialog(kTitle);
         return window != nullptr && GetDlgItem(window, IDC_ERROR_TEXT) != nullptr;
     }));
-    EXPECT_EQ(TextOf(GetDlgItem(window, IDC_ERROR_TEXT)).rfind(L"Display: VLR1042  [Velor Canvas 24]\n", 0), 0u);
+    EXPECT_EQ(TextOf(GetDlgItem(window, IDC_ERROR_TEXT)).rfind(L"Display: VLR1042  [Velor Canvas 24]\n", 0),
+              0u);
     PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
     program.ui.join();
 }

@@ -1,0 +1,147 @@
+// Renders the pictures the README shows: the real program over simulated machines, each
+// window captured from the screen into a BMP file (scripts/screenshots turns them into PNG).
+// Usage: vlr_screenshots.exe OUTPUT_FOLDER
+
+#include <windows.h>
+// windows.h first: commctrl.h needs its types.
+#include <commctrl.h>
+
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "Application.h"
+#include "DialogIds.h"
+#include "MessageWindows.h"
+#include "SimulatedMachine.h"
+#include "VirtualMachine.h"
+
+namespace {
+
+constexpr wchar_t kTitle[] = L"Velor Display Settings";
+
+HWND WaitForWindow(const std::function<HWND()>& find_I) {
+    for (int i = 0; i < 1000; ++i) {
+        if (HWND window = find_I()) {
+            Sleep(300);  // let it paint
+            return window;
+        }
+        Sleep(10);
+    }
+    return nullptr;
+}
+
+HWND FindVisible(const wchar_t* caption_I, int childId_I) {
+    for (HWND found = nullptr; (found = FindWindowExW(nullptr, found, L"#32770", caption_I)) != nullptr;) {
+        if (IsWindowVisible(found) && GetDlgItem(found, childId_I) != nullptr) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+bool Capture(HWND window_I, const std::string& path_I) {
+    RECT rect{};
+    GetWindowRect(window_I, &rect);
+    const int width = rect.right - rect.left;
+    const int height = rect.bottom - rect.top;
+    HDC screen = GetDC(nullptr);
+    HDC memory = CreateCompatibleDC(screen);
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof(info.bmiHeader);
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 24;
+    info.bmiHeader.biCompression = BI_RGB;
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    HGDIOBJ old = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, width, height, screen, rect.left, rect.top, SRCCOPY);
+    GdiFlush();
+    const DWORD stride = ((static_cast<DWORD>(width) * 3 + 3) / 4) * 4;
+    const DWORD imageSize = stride * static_cast<DWORD>(height);
+    BITMAPFILEHEADER header{};
+    header.bfType = 0x4D42;
+    header.bfOffBits = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
+    header.bfSize = header.bfOffBits + imageSize;
+    FILE* file = std::fopen(path_I.c_str(), "wb");
+    const bool ok = file != nullptr;
+    if (ok) {
+        std::fwrite(&header, sizeof(header), 1, file);
+        std::fwrite(&info.bmiHeader, sizeof(info.bmiHeader), 1, file);
+        std::fwrite(bits, imageSize, 1, file);
+        std::fclose(file);
+    }
+    SelectObject(memory, old);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+    std::printf("%s %s\n", ok ? "wrote" : "could not write", path_I.c_str());
+    return ok;
+}
+
+int WINAPI KeepChanges(HWND, LPCWSTR, LPCWSTR, UINT, WORD, DWORD) {
+    return IDYES;
+}
+
+void MainDialog(const std::string& folder_I, const char* language_I, const std::string& name_I,
+                bool powerWarning_I) {
+    CSimulatedMachine machine(*VirtualMachine::Scenario("two-families"));
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Velor");
+    SStartupOptions options;
+    options.languageName = language_I;
+    std::thread ui([options] { RunApplication(options); });
+    HWND dialog = WaitForWindow([] { return FindVisible(kTitle, IDC_DISPLAY_LIST); });
+    if (dialog != nullptr) {
+        if (!powerWarning_I) {
+            Capture(dialog, folder_I + "\\" + name_I + ".bmp");
+        } else {
+            HWND edit = GetDlgItem(dialog, IDC_BRIGHTNESS_EDIT);
+            SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"90"));
+            SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_BRIGHTNESS_EDIT, EN_KILLFOCUS),
+                         reinterpret_cast<LPARAM>(edit));
+            PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_SAVE_BUTTON, BN_CLICKED),
+                         reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_SAVE_BUTTON)));
+            HWND warning =
+                WaitForWindow([] { return FindVisible(L"Additional Power Required", IDC_POWER_YES); });
+            if (warning != nullptr) {
+                Capture(warning, folder_I + "\\" + name_I + ".bmp");
+                PostMessageW(warning, WM_COMMAND, IDC_POWER_NO, 0);
+            }
+            Sleep(200);
+        }
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    }
+    ui.join();
+}
+
+void NoDeviceWindow(const std::string& folder_I) {
+    CSimulatedMachine machine(*VirtualMachine::Scenario("no-display"));
+    SStartupOptions options;
+    options.languageName = "en";
+    std::thread ui([options] { RunApplication(options); });
+    HWND window = WaitForWindow([] { return FindVisible(kTitle, IDC_NO_DEVICE_HEADING); });
+    if (window != nullptr) {
+        Capture(window, folder_I + "\\no-device.bmp");
+        PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
+    }
+    ui.join();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::printf("usage: vlr_screenshots.exe OUTPUT_FOLDER\n");
+        return 1;
+    }
+    const std::string folder = argv[1];
+    MessageWindows::SetMessageBoxTimeoutFunction(&KeepChanges);
+    MainDialog(folder, "en", "main-dialog-en", false);
+    MainDialog(folder, "de", "main-dialog-de", false);
+    MainDialog(folder, "en", "power-warning", true);
+    NoDeviceWindow(folder);
+    return 0;
+}
