@@ -43,6 +43,8 @@ constexpr SCaption kCaptions[] = {
 constexpr int kCombos[] = {IDC_COLOR_SETTING_LIST, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LIST,
                            IDC_GAMMA_LIST};
 
+std::atomic<bool> gSkipStaleDragPositions{true};
+
 // The running main dialog, for the thread procedures that take no argument.
 std::atomic<CMainDialog*> gMainDialog{nullptr};
 
@@ -476,7 +478,14 @@ LRESULT CMainDialog::OnVScroll(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
     return 0;
 }
 
+void CMainDialog::SetSkipStaleDragPositions(bool on_I) {
+    gSkipStaleDragPositions = on_I;
+}
+
 bool CMainDialog::NewerPositionWaiting(HWND slider_I) const {
+    if (!gSkipStaleDragPositions) {
+        return false;
+    }
     // Only a newer position of the same slider may replace this one: a drag that is still
     // moving (a mouse move queued for the captured slider) or a queued thumb position.
     MSG pending;

@@ -44,6 +44,10 @@ public:
     static DWORD WINAPI ResetColorThread(LPVOID);
     static DWORD WINAPI ResetColorConfigThread(LPVOID pClass_I);
 
+    // While a slider is dragged, positions that a newer one of the same slider already follows
+    // in the queue are shown but not sent (on by default; off only to measure the difference).
+    static void SetSkipStaleDragPositions(bool on_I);
+
     // The online help address of the selected display.
     std::wstring HelpAddress() const;
 

@@ -1,6 +1,6 @@
 #include "StartupOptions.h"
 
-#include <regex>
+#include <cwctype>
 
 #include "WinStrings.h"
 
@@ -10,13 +10,36 @@ bool Has(const std::wstring& text_I, const wchar_t* option_I) {
     return text_I.find(option_I) != std::wstring::npos;
 }
 
+bool IsWordCharacter(wchar_t c_I) {
+    return c_I == L'_' || std::iswalnum(static_cast<wint_t>(c_I)) != 0;
+}
+
+// The first match of "<option> (\w+)" anywhere in the text: the word, or nothing.
+std::wstring WordAfter(const std::wstring& text_I, const std::wstring& option_I,
+                       bool (*isPart_I)(wchar_t) = &IsWordCharacter) {
+    const std::wstring prefix = option_I + L" ";
+    for (size_t at = text_I.find(prefix); at != std::wstring::npos; at = text_I.find(prefix, at + 1)) {
+        size_t end = at + prefix.size();
+        while (end < text_I.size() && isPart_I(text_I[end])) {
+            ++end;
+        }
+        if (end > at + prefix.size()) {
+            return text_I.substr(at + prefix.size(), end - at - prefix.size());
+        }
+    }
+    return {};
+}
+
+bool IsScenarioCharacter(wchar_t c_I) {
+    return (c_I >= L'a' && c_I <= L'z') || (c_I >= L'0' && c_I <= L'9') || c_I == L'-';
+}
+
 }  // namespace
 
 SStartupOptions ParseStartupOptions(const std::wstring& commandLine_I, bool debugDefault_I) {
     SStartupOptions options;
-    std::wsmatch match;
-    if (std::regex_search(commandLine_I, match, std::wregex(L"/language (\\w+)"))) {
-        options.languageName = Narrow(match[1].str());
+    if (const std::wstring language = WordAfter(commandLine_I, L"/language"); !language.empty()) {
+        options.languageName = Narrow(language);
     }
     options.skipSerialMatch = Has(commandLine_I, L"/skipSerialMatch");
     options.exitOnError = Has(commandLine_I, L"/exitOnError");
@@ -30,8 +53,9 @@ SStartupOptions ParseStartupOptions(const std::wstring& commandLine_I, bool debu
     }
     options.debugOutput = Has(commandLine_I, L"/debug") || debugDefault_I;
     options.help = Has(commandLine_I, L"/help");
-    if (std::regex_search(commandLine_I, match, std::wregex(L"/demo(?: ([a-z][a-z0-9-]*))?"))) {
-        options.demoScenario = match[1].matched ? Narrow(match[1].str()) : kDefaultDemoScenario;
+    if (Has(commandLine_I, L"/demo")) {
+        const std::wstring scenario = WordAfter(commandLine_I, L"/demo", &IsScenarioCharacter);
+        options.demoScenario = scenario.empty() ? kDefaultDemoScenario : Narrow(scenario);
     }
     return options;
 }

@@ -401,3 +401,42 @@ TEST(Program, HelpShowsOnlyTheOptionBox) {
     EXPECT_EQ(FindDialog(kTitle), nullptr);
     EXPECT_EQ(program.Display(0)->Transactions().size(), 0u);
 }
+
+TEST(MainDialog, TheHotKeyResetsTheSelectedDisplayWithoutAskingAndSearchesAgain) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    auto studio = program.Display(1);
+    program.Type(IDC_CONTRAST_EDIT, L"20");
+    canvas->ClearTransactions();
+    PostMessageW(program.dialog, WM_HOTKEY, 0, MAKELPARAM(MOD_ALT | MOD_CONTROL, 'R'));
+    // The dialog hides for the reset and comes back with both displays found again.
+    ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(program.dialog); }));
+    ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(program.dialog) != FALSE; }));
+    program.Settle();
+    EXPECT_EQ(SetsOf(*canvas, vcpC_RestoreFactoryDefaults), (std::vector<uint16_t>{1}));
+    EXPECT_TRUE(SetsOf(*studio, vcpC_RestoreFactoryDefaults).empty());
+    EXPECT_EQ(SendMessageW(program.Item(IDC_DISPLAY_LIST), CB_GETCOUNT, 0, 0), 2);
+    EXPECT_EQ(program.Text(IDC_CONTRAST_EDIT), std::to_wstring(canvas->Value(vcpC_Contrast)));
+    EXPECT_NE(canvas->Value(vcpC_Contrast), 20);
+    EXPECT_EQ(FindDialog(kTitle, program.dialog), nullptr);  // nothing was asked
+}
+
+TEST(MainDialog, ABurstOfDragPositionsEndsAtTheLastOne) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    canvas->ClearTransactions();
+    HWND slider = program.Item(IDC_BRIGHTNESS_SLIDER);
+    for (int position = 30; position <= 60; position += 5) {
+        PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, position),
+                     reinterpret_cast<LPARAM>(slider));
+    }
+    program.Settle();
+    ASSERT_TRUE(WaitFor([&] { return canvas->Value(vcpC_Luminance) == 60; }));
+    const auto sets = SetsOf(*canvas, vcpC_Luminance);
+    ASSERT_FALSE(sets.empty());
+    EXPECT_EQ(sets.back(), 60);
+    EXPECT_LE(sets.size(), 7u);  // stale positions may be skipped, never added
+    EXPECT_EQ(program.Text(IDC_BRIGHTNESS_EDIT), L"60");
+}
