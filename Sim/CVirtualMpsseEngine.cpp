@@ -2,18 +2,12 @@
 
 #include <algorithm>
 
+#include "MpsseOpcodes.h"
+
 namespace {
 
-constexpr uint8_t kBadCommand = 0xAA;
-constexpr uint8_t kBadCommandEcho = 0xFA;
-constexpr uint8_t kSetLowBits = 0x80;
-constexpr uint8_t kBytesOutFallingMsb = 0x11;
-constexpr uint8_t kBitsOutFallingMsb = 0x13;
-constexpr uint8_t kBytesInRisingMsb = 0x20;
-constexpr uint8_t kBitsInRisingMsb = 0x22;
-constexpr uint8_t kSetClockDivisor = 0x86;
-constexpr uint8_t kSclBit = 0x01;
-constexpr uint8_t kSdaBit = 0x02;
+using namespace Mpsse;
+
 // One block read from the bus serves every byte clocked in until the stop.
 constexpr size_t kReadBlock = 512;
 
@@ -88,8 +82,8 @@ void CVirtualMpsseEngine::Write(const ByteBuffer& commands_I) {
 }
 
 void CVirtualMpsseEngine::SetPins(uint8_t value_I) {
-    const bool scl = (value_I & kSclBit) != 0;
-    const bool sda = (value_I & kSdaBit) != 0;
+    const bool scl = (value_I & kSclPin) != 0;
+    const bool sda = (value_I & kSdaPin) != 0;
     if (scl && mScl && mSda && !sda) {
         // SDA falls while SCL is high: start (a repeated start ends the previous transfer).
         Finish();

@@ -15,7 +15,7 @@ wine_prefix() {
     # A server left from an earlier run keeps a desktop on that run's display: start afresh.
     "$WINESERVER" -k 2>/dev/null || true
     "$WINESERVER" -w 2>/dev/null || true
-    "$WINESERVER" -p 2>/dev/null || true
+    "$WINESERVER" -p >/dev/null 2>&1 || true
     if [ ! -f "$WINEPREFIX/system.reg" ]; then
         echo "== creating the Wine prefix $WINEPREFIX"
         "$WINE64" wineboot --init >/dev/null 2>&1

@@ -1,23 +1,11 @@
 #include "MpsseI2CMaster.h"
 
 #include "DebugLog.h"
+#include "MpsseOpcodes.h"
 
 namespace {
 
-// MPSSE opcodes.
-constexpr uint8_t kBadCommand = 0xAA;
-constexpr uint8_t kBadCommandEcho = 0xFA;
-constexpr uint8_t kSetLowBits = 0x80;
-constexpr uint8_t kBytesOutFallingMsb = 0x11;
-constexpr uint8_t kBitsOutFallingMsb = 0x13;
-constexpr uint8_t kBytesInRisingMsb = 0x20;
-constexpr uint8_t kBitsInRisingMsb = 0x22;
-constexpr uint8_t kSendImmediate = 0x87;
-constexpr uint8_t kDisableClockDivide5 = 0x8A;
-constexpr uint8_t kDisableAdaptiveClocking = 0x97;
-constexpr uint8_t kEnableThreePhaseClocking = 0x8C;
-constexpr uint8_t kSetClockDivisor = 0x86;
-constexpr uint8_t kLoopbackOff = 0x85;
+using namespace Mpsse;
 
 // Pin states of ADBUS: bit 0 SCL, bit 1 SDA out.
 constexpr uint8_t kSclHighSdaHigh = 0x03;

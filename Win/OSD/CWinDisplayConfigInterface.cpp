@@ -66,6 +66,29 @@ std::string RegistryText(const ByteBuffer& value_I) {
     return std::string(value_I.begin(), end);
 }
 
+enum class EDetail { Read, NoData, Failed };
+
+// The device path of an interface (and its device, when asked for): the size first, then the
+// detail record.
+EDetail ReadInterfacePath(HDEVINFO devices_I, SP_DEVICE_INTERFACE_DATA& interface_I,
+                          SP_DEVINFO_DATA* device_O, std::string& path_O) {
+    DWORD required = 0;
+    Api().SetupDiGetDeviceInterfaceDetailA(devices_I, &interface_I, nullptr, 0, &required, nullptr);
+    if (required == 0) {
+        return EDetail::NoData;
+    }
+    std::vector<uint8_t> storage(std::max<size_t>(required, sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A)), 0);
+    auto* detail = reinterpret_cast<PSP_DEVICE_INTERFACE_DETAIL_DATA_A>(storage.data());
+    detail->cbSize = sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A);
+    if (!Api().SetupDiGetDeviceInterfaceDetailA(devices_I, &interface_I, detail,
+                                                static_cast<DWORD>(storage.size()), nullptr, device_O)) {
+        return EDetail::Failed;
+    }
+    const size_t pathSpace = storage.size() - offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_A, DevicePath);
+    path_O.assign(detail->DevicePath, strnlen(detail->DevicePath, pathSpace));
+    return EDetail::Read;
+}
+
 }  // namespace
 
 const std::shared_ptr<CWinDisplayConfigInterface>& CWinDisplayConfigInterface::Instance() {
@@ -436,20 +459,12 @@ void CWinDisplayConfigInterface::FindVcpHIDDevices() {
     for (DWORD index = 0;
          Api().SetupDiEnumDeviceInterfaces(devices, nullptr, &kHidInterfaceClassGuid, index, &interfaceData);
          ++index) {
-        DWORD required = 0;
-        Api().SetupDiGetDeviceInterfaceDetailA(devices, &interfaceData, nullptr, 0, &required, nullptr);
-        std::vector<uint8_t> storage(std::max<size_t>(required, sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A)),
-                                     0);
-        auto* detail = reinterpret_cast<PSP_DEVICE_INTERFACE_DETAIL_DATA_A>(storage.data());
-        detail->cbSize = sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A);
-        if (!Api().SetupDiGetDeviceInterfaceDetailA(devices, &interfaceData, detail,
-                                                    static_cast<DWORD>(storage.size()), nullptr, nullptr)) {
+        std::string path;
+        if (ReadInterfacePath(devices, interfaceData, nullptr, path) != EDetail::Read) {
             DLog("FindVcpHIDDevices: SetupDiGetDeviceInterfaceDetailA error: %i\n",
                  static_cast<int>(GetLastError()));
             continue;
         }
-        const size_t pathSpace = storage.size() - offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_A, DevicePath);
-        const std::string path(detail->DevicePath, strnlen(detail->DevicePath, pathSpace));
         if (!OpenDevice(path)) {
             DLog("FindVcpHIDDevices: OpenDevice error: [%i] on device: %s\n",
                  static_cast<int>(GetLastError()), path.c_str());
@@ -549,20 +564,14 @@ std::string CWinDisplayConfigInterface::GetNextDeviceID(HDEVINFO ports_I, DWORD 
              static_cast<unsigned>(GetLastError()));
         return {};
     }
-    DWORD required = 0;
-    Api().SetupDiGetDeviceInterfaceDetailA(ports_I, &interfaceData, nullptr, 0, &required, nullptr);
-    if (required == 0) {
-        DLog("GetNextDeviceID no functionClassDeviceData\n");
-        return kNotSupported;
-    }
-    std::vector<uint8_t> storage(std::max<size_t>(required, sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A)), 0);
-    auto* detail = reinterpret_cast<PSP_DEVICE_INTERFACE_DETAIL_DATA_A>(storage.data());
-    detail->cbSize = sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A);
-    if (!Api().SetupDiGetDeviceInterfaceDetailA(ports_I, &interfaceData, detail,
-                                                static_cast<DWORD>(storage.size()), nullptr, &device_O)) {
-        DLog("GetNextDeviceID SetupDiGetDeviceInterfaceDetailA failed 0x%X\n",
-             static_cast<unsigned>(GetLastError()));
-        return kNotSupported;
+    std::string path;
+    switch (ReadInterfacePath(ports_I, interfaceData, &device_O, path)) {
+        case EDetail::NoData: DLog("GetNextDeviceID no functionClassDeviceData\n"); return kNotSupported;
+        case EDetail::Failed:
+            DLog("GetNextDeviceID SetupDiGetDeviceInterfaceDetailA failed 0x%X\n",
+                 static_cast<unsigned>(GetLastError()));
+            return kNotSupported;
+        case EDetail::Read: break;
     }
     std::string hardwareId;
     if (!ReadTextProperty(ports_I, device_O, SPDRP_HARDWAREID, hardwareId)) {

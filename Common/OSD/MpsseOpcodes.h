@@ -1,0 +1,28 @@
+#pragma once
+// The MPSSE commands of FTDI's engine that an I2C master uses (FTDI application note AN_108),
+// and the pins it drives: the master builds its streams from them, the virtual engine reads
+// them.
+
+#include <cstdint>
+
+namespace Mpsse {
+
+constexpr uint8_t kBadCommand = 0xAA;  // echoed as FA AA: the engine answers
+constexpr uint8_t kBadCommandEcho = 0xFA;
+constexpr uint8_t kSetLowBits = 0x80;  // value, direction of ADBUS
+constexpr uint8_t kBytesOutFallingMsb = 0x11;
+constexpr uint8_t kBitsOutFallingMsb = 0x13;
+constexpr uint8_t kBytesInRisingMsb = 0x20;
+constexpr uint8_t kBitsInRisingMsb = 0x22;
+constexpr uint8_t kSendImmediate = 0x87;
+constexpr uint8_t kDisableClockDivide5 = 0x8A;
+constexpr uint8_t kDisableAdaptiveClocking = 0x97;
+constexpr uint8_t kEnableThreePhaseClocking = 0x8C;
+constexpr uint8_t kSetClockDivisor = 0x86;
+constexpr uint8_t kLoopbackOff = 0x85;
+
+// ADBUS pins: bit 0 SCL, bit 1 SDA out (bit 2, SDA in, is wired to it).
+constexpr uint8_t kSclPin = 0x01;
+constexpr uint8_t kSdaPin = 0x02;
+
+}  // namespace Mpsse
