@@ -256,6 +256,7 @@ LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
         return TRUE;
     }
     mPowerWarning = std::make_unique<CPowerWarningDialog>(mLanguage);
+    mAdvancedDialog = std::make_unique<CAdvancedDialog>(*this, mLanguage);
 
     if (mDisplayConfigIF->Displays().empty()) {
         DLog("No supported displays. Ending OSD\n");
@@ -438,6 +439,9 @@ void CMainDialog::PlaceWindow() {
     }
     SetWindowPos(m_hWnd, HWND_TOPMOST, x, y, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
     GetWindowRect(m_hWnd, &mWindowRect);
+    if (mAdvancedDialog) {
+        mAdvancedDialog->Follow(mWindowRect);
+    }
 }
 
 // ---- Messages ----
@@ -446,7 +450,9 @@ LRESULT CMainDialog::OnMove(UINT, WPARAM, LPARAM, BOOL&) {
     GetWindowRect(m_hWnd, &mWindowRect);
     mMonitorInfo.cbSize = sizeof(mMonitorInfo);
     GetMonitorInfoW(MonitorFromRect(&mWindowRect, MONITOR_DEFAULTTOPRIMARY), &mMonitorInfo);
-    // The advanced and custom colour dialogs follow once they exist.
+    if (mAdvancedDialog) {
+        mAdvancedDialog->Follow(mWindowRect);
+    }
     return 0;
 }
 
@@ -633,6 +639,9 @@ LRESULT CMainDialog::OnCancel(WORD, WORD, HWND, BOOL&) {
     if (UiDisplayDelegate* delegate = Delegate()) {
         delegate->Revert();
     }
+    if (mAdvancedDialog) {
+        mAdvancedDialog->DestroyWindow();
+    }
     UnregisterHotKey(m_hWnd, kHotKeyId);
     mOutcome = EOutcome::Closed;
     EndDialog(1);
@@ -712,11 +721,14 @@ LRESULT CMainDialog::OnRevert(WORD, WORD, HWND, BOOL&) {
         Check(delegate->Revert());
     }
     InitControls();
+    if (mAdvancedDialog && mAdvancedDialog->IsShown()) {
+        mAdvancedDialog->Refresh();
+    }
     return 0;
 }
 
 LRESULT CMainDialog::OnAdvanced(WORD, WORD, HWND, BOOL&) {
-    // The advanced page is not part of the program yet.
+    mAdvancedDialog->Open(m_hWnd);
     return 0;
 }
 
@@ -743,6 +755,10 @@ LRESULT CMainDialog::OnHotKey(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
 }
 
 void CMainDialog::FactoryReset() {
+    mAdvancedWasOpen = mAdvancedDialog && mAdvancedDialog->IsShown();
+    if (mAdvancedWasOpen) {
+        ShowWindow(mAdvancedDialog->m_hWnd, SW_HIDE);
+    }
     ShowWindow(m_hWnd, SW_HIDE);
     RunLongOperation(
         &CMainDialog::FactoryResetThread, "(LPTHREAD_START_ROUTINE)CMainDialog::FactoryResetThread",
@@ -759,6 +775,9 @@ void CMainDialog::Rebuild() {
     ClearCombos();
     FillDisplayList();
     InitControls();
+    if (mAdvancedWasOpen) {
+        mAdvancedDialog->Open(m_hWnd);
+    }
     ShowWindow(m_hWnd, SW_SHOW);
     SetFocus(GetDlgItem(IDC_DISPLAY_LIST));
 }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "AppRegistry.h"
+#include "CAdvancedDialog.h"
 #include "CPowerWarningDialog.h"
 #include "CWinDisplayConfigInterface.h"
 #include "DialogIds.h"
@@ -47,6 +48,13 @@ public:
     // While a slider is dragged, positions that a newer one of the same slider already follows
     // in the queue are shown but not sent (on by default; off only to measure the difference).
     static void SetSkipStaleDragPositions(bool on_I);
+
+    // Used by the advanced dialog.
+    void UpdateButtons();
+    void RefreshControls() { InitControls(); }
+    // Factory reset of the selected display behind the wait window, then a fresh search.
+    void FactoryReset();
+    CAdvancedDialog& AdvancedDialog() { return *mAdvancedDialog; }
 
     // The online help address of the selected display.
     std::wstring HelpAddress() const;
@@ -97,7 +105,6 @@ private:
     // Runs the threads one after the other behind the wait window, pumping messages.
     void RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* firstName_I,
                           LPTHREAD_START_ROUTINE second_I, const char* secondName_I);
-    void FactoryReset();
     // After a factory reset: the display list afresh, or the end when it is empty.
     void Rebuild();
 
@@ -108,7 +115,6 @@ private:
     void InitSlider(ESetting setting_I, int labelId_I, int editId_I, int sliderId_I, int32_t& accepted_O);
     void InitChoice(ESetting setting_I, int labelId_I, int comboId_I, bool visible_I);
     void ShowCustomColorText();
-    void UpdateButtons();
     void PlaceWindow();
     void ClearCombos();
 
@@ -124,6 +130,8 @@ private:
     LANGID mLanguage;
     std::shared_ptr<CWinDisplayConfigInterface> mDisplayConfigIF;
     std::unique_ptr<CPowerWarningDialog> mPowerWarning;
+    std::unique_ptr<CAdvancedDialog> mAdvancedDialog;
+    bool mAdvancedWasOpen = false;
     WinUtils::CSignalThread mThread;
     HWND mToolTip = nullptr;
     HWND mWaitWindow = nullptr;

@@ -4,156 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-// windows.h first: commctrl.h needs its types.
-#include <commctrl.h>
-
-#include <atomic>
-#include <chrono>
-#include <functional>
-#include <thread>
-
 #include "AppRegistry.h"
-#include "Application.h"
-#include "DialogIds.h"
-#include "MessageWindows.h"
-#include "SimulatedMachine.h"
-#include "StartupOptions.h"
-#include "VirtualClock.h"
-#include "VirtualMachine.h"
+#include "ProgramDriver.h"
 #include "codes.h"
-
-namespace {
-
-constexpr wchar_t kTitle[] = L"Velor Display Settings";
-constexpr wchar_t kDialogClass[] = L"#32770";
-
-std::atomic<int> gDarkAnswer{IDYES};
-std::atomic<int> gDarkQuestions{0};
-
-int WINAPI AnswerDarkScreenQuestion(HWND, LPCWSTR, LPCWSTR, UINT, WORD, DWORD) {
-    ++gDarkQuestions;
-    return gDarkAnswer.load();
-}
-
-// Waits up to five seconds for a condition the interface thread brings about.
-bool WaitFor(const std::function<bool()>& condition_I) {
-    for (int i = 0; i < 500; ++i) {
-        if (condition_I()) {
-            return true;
-        }
-        Sleep(10);
-    }
-    return false;
-}
-
-// A visible top-level dialog with this caption other than `except_I`.
-HWND FindDialog(const wchar_t* caption_I, HWND except_I = nullptr) {
-    HWND found = nullptr;
-    while ((found = FindWindowExW(nullptr, found, kDialogClass, caption_I)) != nullptr) {
-        if (found != except_I && IsWindowVisible(found)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
-std::wstring TextOf(HWND window_I) {
-    wchar_t text[512] = {};
-    GetWindowTextW(window_I, text, 512);
-    return text;
-}
-
-void ClearRegistry() {
-    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Velor");
-}
-
-// The program running on its own interface thread over a simulated machine.
-struct SProgram {
-    CVirtualClock clock;
-    CScopedClock scopedClock{clock};
-    CSimulatedMachine machine;
-    std::thread ui;
-    HWND dialog = nullptr;
-
-    explicit SProgram(SVirtualMachine machine_I, SStartupOptions options = {}, bool clearRegistry = true)
-        : machine(std::move(machine_I)) {
-        if (clearRegistry) {
-            ClearRegistry();
-        }
-        gDarkAnswer = IDYES;
-        gDarkQuestions = 0;
-        MessageWindows::SetMessageBoxTimeoutFunction(&AnswerDarkScreenQuestion);
-        options.languageName = options.languageName == "userUI" ? "en" : options.languageName;
-        ui = std::thread([options] { RunApplication(options); });
-    }
-    explicit SProgram(const char* scenario, SStartupOptions options = {})
-        : SProgram(*VirtualMachine::Scenario(scenario), options) {}
-
-    ~SProgram() {
-        if (dialog != nullptr && IsWindow(dialog)) {
-            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-        }
-        if (ui.joinable()) {
-            ui.join();
-        }
-        MessageWindows::SetMessageBoxTimeoutFunction(nullptr);
-    }
-
-    bool WaitForMainDialog() {
-        WaitFor([&] {
-            dialog = FindDialog(kTitle);
-            return dialog != nullptr && GetDlgItem(dialog, IDC_DISPLAY_LIST) != nullptr;
-        });
-        return dialog != nullptr;
-    }
-    HWND Item(int id) const { return GetDlgItem(dialog, id); }
-    std::wstring Text(int id) const { return TextOf(Item(id)); }
-    int SliderPosition(int id) const { return static_cast<int>(SendMessageW(Item(id), TBM_GETPOS, 0, 0)); }
-    void Type(int editId, const wchar_t* text) {
-        SendMessageW(Item(editId), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
-        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(editId, EN_KILLFOCUS),
-                     reinterpret_cast<LPARAM>(Item(editId)));
-    }
-    // What a trackbar sends while the thumb is dragged: it moves, then tells its parent.
-    void Slide(int sliderId, int code, int position) {
-        if (code == TB_THUMBTRACK || code == TB_THUMBPOSITION) {
-            SendMessageW(Item(sliderId), TBM_SETPOS, TRUE, position);
-        }
-        SendMessageW(dialog, WM_HSCROLL, MAKEWPARAM(code, position),
-                     reinterpret_cast<LPARAM>(Item(sliderId)));
-    }
-    // A click whose handler returns without opening a window.
-    void Click(int id) {
-        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(Item(id)));
-    }
-    // A click that opens a modal window: the caller finds and answers it.
-    void ClickAndLeave(int id) {
-        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(Item(id)));
-    }
-    // Lets the interface thread finish what it is doing.
-    void Settle() { SendMessageW(dialog, WM_NULL, 0, 0); }
-    void Close() {
-        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-        ui.join();
-    }
-    std::shared_ptr<CVirtualDisplay> Display(size_t monitor) const {
-        return machine.Machine().monitors[monitor].display;
-    }
-};
-
-// The values a display was set to for a code, in order.
-std::vector<uint16_t> SetsOf(const CVirtualDisplay& display, uint8_t code) {
-    std::vector<uint16_t> values;
-    for (const STransaction& t : display.Transactions()) {
-        if (t.request.size() == 8 && t.request[3] == 0x03 && t.request[4] == code) {
-            values.push_back(static_cast<uint16_t>((t.request[5] << 8) | t.request[6]));
-        }
-    }
-    return values;
-}
-
-}  // namespace
 
 TEST(StartupOptions, ChannelOptionsHaveAPrecedenceAndHelpIsFixed) {
     EXPECT_EQ(ParseStartupOptions(L"", false).connectionMode, 3u);
@@ -338,7 +191,7 @@ TEST(MainDialog, AFailedWriteShowsTheErrorAndKeepsTheDialog) {
     PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, 77),
                  reinterpret_cast<LPARAM>(program.Item(IDC_BRIGHTNESS_SLIDER)));
     HWND box = nullptr;
-    ASSERT_TRUE(WaitFor([&] { return (box = FindDialog(kTitle, program.dialog)) != nullptr; }));
+    ASSERT_TRUE(WaitFor([&] { return (box = FindDialog(kTitle, {program.dialog})) != nullptr; }));
     HWND text = FindWindowExW(box, nullptr, L"Static", nullptr);
     while (text != nullptr && TextOf(text).empty()) {
         text = FindWindowExW(box, text, L"Static", nullptr);
@@ -419,7 +272,7 @@ TEST(MainDialog, TheHotKeyResetsTheSelectedDisplayWithoutAskingAndSearchesAgain)
     EXPECT_EQ(SendMessageW(program.Item(IDC_DISPLAY_LIST), CB_GETCOUNT, 0, 0), 2);
     EXPECT_EQ(program.Text(IDC_CONTRAST_EDIT), std::to_wstring(canvas->Value(vcpC_Contrast)));
     EXPECT_NE(canvas->Value(vcpC_Contrast), 20);
-    EXPECT_EQ(FindDialog(kTitle, program.dialog), nullptr);  // nothing was asked
+    EXPECT_EQ(FindDialog(kTitle, {program.dialog}), nullptr);  // nothing was asked
 }
 
 TEST(MainDialog, ABurstOfDragPositionsEndsAtTheLastOne) {

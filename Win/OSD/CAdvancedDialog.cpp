@@ -1,0 +1,334 @@
+#include "CAdvancedDialog.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "Assert.h"
+#include "CMainDialog.h"
+#include "DebugLog.h"
+#include "MessageWindows.h"
+#include "UiDisplayDelegate.h"
+#include "WinStrings.h"
+#include "codes.h"
+
+namespace {
+
+constexpr UINT_PTR kSharpnessTimer = 0;
+constexpr UINT kSharpnessPeriodMs = 1000;
+constexpr UINT kOff = 2215;
+constexpr UINT kOn = 2214;
+
+struct SCaption {
+    int id;
+    UINT stringId;
+};
+
+constexpr SCaption kCaptions[] = {
+    {IDC_ASPECT_LABEL, 2201},           {IDC_LED_LABEL, 2220},          {IDC_SHARPNESS_LABEL, 2205},
+    {IDC_UNIFORMITY_LABEL, 2207},       {IDC_ENERGY_SMART_LABEL, 2208}, {IDC_DYNAMIC_CONTRAST_LABEL, 2206},
+    {IDC_AUTO_POWER_DOWN_LABEL, 2216},  {IDC_FAN_LABEL, 2217},          {IDC_LCD_CONDITIONING_LABEL, 2209},
+    {IDC_LCD_CONDITIONING_START, 2213}, {IDC_BATTERY_LABEL, 2221},      {IDC_PROGRAM_VERSION_LABEL, 2210},
+    {IDC_FIRMWARE_VERSION_LABEL, 2211}, {IDC_FACTORY_RESET, 2212},      {IDC_ADVANCED_OK, 2090},
+    {IDC_ADVANCED_CANCEL, 2091},        {IDC_ENERGY_SMART_OFF, kOff},   {IDC_ENERGY_SMART_ON, kOn},
+    {IDC_DYNAMIC_CONTRAST_OFF, kOff},   {IDC_DYNAMIC_CONTRAST_ON, kOn}, {IDC_AUTO_POWER_DOWN_OFF, kOff},
+    {IDC_AUTO_POWER_DOWN_ON, kOn},
+};
+
+// What Cancel puts back; fan speed and the On/Off-free rest are not among them.
+constexpr ESetting kRestoredOnCancel[] = {ESetting::AspectRatio,       ESetting::BatteryMode,
+                                          ESetting::Sharpness,         ESetting::UniformityCompensation,
+                                          ESetting::DynamicContrast,   ESetting::EnergySmart,
+                                          ESetting::PowerLedBrightness};
+
+ESetting SettingOfCombo(int comboId_I) {
+    switch (comboId_I) {
+        case IDC_ASPECT_LIST: return ESetting::AspectRatio;
+        case IDC_LED_LIST: return ESetting::PowerLedBrightness;
+        case IDC_UNIFORMITY_LIST: return ESetting::UniformityCompensation;
+        case IDC_FAN_LIST: return ESetting::FanSpeed;
+        default: return ESetting::BatteryMode;
+    }
+}
+
+// The setting of an Off/On button, and whether the button is "On".
+ESetting SettingOfButton(int buttonId_I, bool& on_O) {
+    on_O = buttonId_I == IDC_ENERGY_SMART_ON || buttonId_I == IDC_DYNAMIC_CONTRAST_ON ||
+           buttonId_I == IDC_AUTO_POWER_DOWN_ON;
+    switch (buttonId_I) {
+        case IDC_ENERGY_SMART_OFF:
+        case IDC_ENERGY_SMART_ON: return ESetting::EnergySmart;
+        case IDC_DYNAMIC_CONTRAST_OFF:
+        case IDC_DYNAMIC_CONTRAST_ON: return ESetting::DynamicContrast;
+        default: return ESetting::AutoPowerDown;
+    }
+}
+
+void Show(HWND window_I, bool visible_I) {
+    ShowWindow(window_I, visible_I ? SW_SHOW : SW_HIDE);
+}
+
+}  // namespace
+
+CAdvancedDialog::CAdvancedDialog(CMainDialog& mainDlg_I, LANGID language_I)
+    : CDialogBase(IDD_ADVANCED), mMainDlg(mainDlg_I), mLanguage(language_I) {}
+
+UiDisplayDelegate* CAdvancedDialog::Delegate() const {
+    return mMainDlg.Delegate();
+}
+
+std::wstring CAdvancedDialog::ProgramVersion() {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    DWORD ignored = 0;
+    const DWORD size = GetFileVersionInfoSizeW(path, &ignored);
+    if (size == 0) {
+        return {};
+    }
+    std::vector<BYTE> data(size);
+    wchar_t* text = nullptr;
+    UINT length = 0;
+    if (!GetFileVersionInfoW(path, 0, size, data.data()) ||
+        !VerQueryValueW(data.data(), L"\\StringFileInfo\\040904B0\\ProductVersion",
+                        reinterpret_cast<void**>(&text), &length) ||
+        text == nullptr) {
+        return {};
+    }
+    return std::wstring(text, wcsnlen(text, length));
+}
+
+bool CAdvancedDialog::Checked(bool ok_I) {
+    if (!ok_I) {
+        // A failed write here ends the program: its settings may leave the display half-set.
+        MessageWindows::ShowCommunicationError(mMainDlg.m_hWnd, Delegate(), true, mLanguage);
+    }
+    return ok_I;
+}
+
+void CAdvancedDialog::Open(HWND owner_I) {
+    if (!IsWindow()) {
+        Create(owner_I);
+    }
+    if (UiDisplayDelegate* delegate = Delegate()) {
+        mOpeningValues.clear();
+        for (ESetting setting : kRestoredOnCancel) {
+            const SSettingState state = delegate->GetSetting(setting);
+            if (state.supported && state.valid) {
+                mOpeningValues[setting] = state.value;
+            }
+        }
+    }
+    Refresh();
+    RECT mainRect{};
+    GetWindowRect(mMainDlg.m_hWnd, &mainRect);
+    Follow(mainRect);
+    ShowWindow(m_hWnd, SW_SHOW);
+}
+
+void CAdvancedDialog::Follow(const RECT& mainRect_I) {
+    if (!IsWindow()) {
+        return;
+    }
+    SetWindowPos(m_hWnd, HWND_TOPMOST, mainRect_I.right, mainRect_I.top, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
+LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
+    HWND toolTip = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP,
+                                   CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, m_hWnd,
+                                   nullptr, GetModuleHandleW(nullptr), nullptr);
+    if (toolTip != nullptr) {
+        SendMessageW(toolTip, TTM_ACTIVATE, TRUE, 0);
+    }
+    SetWindowTextW(m_hWnd, MessageWindows::Text(2000, mLanguage).c_str());
+    for (const SCaption& caption : kCaptions) {
+        SetDlgItemTextW(m_hWnd, caption.id, MessageWindows::Text(caption.stringId, mLanguage).c_str());
+    }
+    return TRUE;
+}
+
+void CAdvancedDialog::FillChoice(ESetting setting_I, int labelId_I, int comboId_I) {
+    UiDisplayDelegate* delegate = Delegate();
+    const SSettingState state = delegate->GetSetting(setting_I);
+    const bool shown = state.supported && !state.entries.empty();
+    Show(GetDlgItem(labelId_I), shown);
+    Show(GetDlgItem(comboId_I), shown);
+    EnableWindow(GetDlgItem(comboId_I), shown && state.writable);
+    HWND combo = GetDlgItem(comboId_I);
+    SendMessageW(combo, CB_RESETCONTENT, 0, 0);
+    std::vector<int32_t>& values = mValues[comboId_I];
+    values.clear();
+    if (!shown) {
+        return;
+    }
+    for (const SEntry& entry : state.entries) {
+        SendMessageW(combo, CB_ADDSTRING, 0,
+                     reinterpret_cast<LPARAM>(MessageWindows::Text(entry.stringId, mLanguage).c_str()));
+        values.push_back(entry.value);
+    }
+    const auto it = std::find(values.begin(), values.end(), state.value);
+    if (it == values.end()) {
+        VLR_ASSERT_FAIL("\"Oops - bad combo value\"");
+        SendMessageW(combo, CB_SETCURSEL, WPARAM(-1), 0);
+        return;
+    }
+    SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(it - values.begin()), 0);
+}
+
+void CAdvancedDialog::FillOffOn(ESetting setting_I, int labelId_I, int offId_I, int onId_I) {
+    const SSettingState state = Delegate()->GetSetting(setting_I);
+    for (int id : {labelId_I, offId_I, onId_I}) {
+        Show(GetDlgItem(id), state.supported);
+        EnableWindow(GetDlgItem(id), state.supported && state.writable);
+    }
+    CheckDlgButton(m_hWnd, offId_I, state.supported && state.value == 0 ? BST_CHECKED : BST_UNCHECKED);
+    CheckDlgButton(m_hWnd, onId_I, state.supported && state.value == 1 ? BST_CHECKED : BST_UNCHECKED);
+}
+
+void CAdvancedDialog::Refresh() {
+    UiDisplayDelegate* delegate = Delegate();
+    if (!IsWindow() || delegate == nullptr) {
+        return;
+    }
+    FillChoice(ESetting::AspectRatio, IDC_ASPECT_LABEL, IDC_ASPECT_LIST);
+    FillChoice(ESetting::PowerLedBrightness, IDC_LED_LABEL, IDC_LED_LIST);
+    FillChoice(ESetting::UniformityCompensation, IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST);
+    FillChoice(ESetting::FanSpeed, IDC_FAN_LABEL, IDC_FAN_LIST);
+    FillChoice(ESetting::BatteryMode, IDC_BATTERY_LABEL, IDC_BATTERY_LIST);
+    FillOffOn(ESetting::EnergySmart, IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON);
+    FillOffOn(ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF,
+              IDC_DYNAMIC_CONTRAST_ON);
+    FillOffOn(ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF,
+              IDC_AUTO_POWER_DOWN_ON);
+
+    const SSettingState sharpness = delegate->GetSetting(ESetting::Sharpness);
+    Show(GetDlgItem(IDC_SHARPNESS_LABEL), sharpness.supported);
+    Show(GetDlgItem(IDC_SHARPNESS_SLIDER), sharpness.supported);
+    if (sharpness.supported) {
+        HWND slider = GetDlgItem(IDC_SHARPNESS_SLIDER);
+        SendMessageW(slider, TBM_SETRANGE, TRUE,
+                     MAKELPARAM(sharpness.range.minimum, sharpness.range.maximum));
+        SendMessageW(slider, TBM_SETPOS, TRUE, sharpness.value);
+    }
+    const bool lcd = delegate->GetSetting(ESetting::LcdConditioning).supported;
+    Show(GetDlgItem(IDC_LCD_CONDITIONING_LABEL), lcd);
+    Show(GetDlgItem(IDC_LCD_CONDITIONING_START), lcd);
+
+    SetDlgItemTextW(m_hWnd, IDC_PROGRAM_VERSION, ProgramVersion().c_str());
+    SetDlgItemTextW(m_hWnd, IDC_FIRMWARE_VERSION, Widen(delegate->FirmwareVersionText()).c_str());
+}
+
+LRESULT CAdvancedDialog::OnShowWindow(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
+    if (wParam_I != FALSE) {
+        SetTimer(m_hWnd, kSharpnessTimer, kSharpnessPeriodMs, nullptr);
+        DLog("OnShowWindow - timer started...\n");
+    } else {
+        KillTimer(m_hWnd, kSharpnessTimer);
+        DLog("OnShowWindow - timer stopped\n");
+    }
+    return 0;
+}
+
+LRESULT CAdvancedDialog::OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
+    if (wParam_I != kSharpnessTimer || !mSharpnessChanged) {
+        return 0;
+    }
+    mSharpnessChanged = false;
+    UiDisplayDelegate* delegate = Delegate();
+    const auto position =
+        static_cast<int32_t>(SendDlgItemMessageW(m_hWnd, IDC_SHARPNESS_SLIDER, TBM_GETPOS, 0, 0));
+    if (delegate != nullptr) {
+        Checked(delegate->SetSharpness(position));
+        mMainDlg.UpdateButtons();
+    }
+    return 0;
+}
+
+LRESULT CAdvancedDialog::OnHScroll(UINT, WPARAM, LPARAM lParam_I, BOOL& handled_O) {
+    if (reinterpret_cast<HWND>(lParam_I) != GetDlgItem(IDC_SHARPNESS_SLIDER)) {
+        handled_O = FALSE;
+        return 0;
+    }
+    // Written at the next tick of the one-second timer: at most one write a second.
+    mSharpnessChanged = true;
+    return 0;
+}
+
+LRESULT CAdvancedDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
+    UiDisplayDelegate* delegate = Delegate();
+    const LRESULT idx = SendDlgItemMessageW(m_hWnd, id_I, CB_GETCURSEL, 0, 0);
+    const std::vector<int32_t>& values = mValues[id_I];
+    VLR_ASSERT(idx >= 0 && static_cast<size_t>(idx) < values.size());
+    if (delegate == nullptr || idx < 0 || static_cast<size_t>(idx) >= values.size()) {
+        return 0;
+    }
+    if (Checked(delegate->SetSetting(SettingOfCombo(id_I), values[static_cast<size_t>(idx)]))) {
+        Refresh();
+        mMainDlg.UpdateButtons();
+    }
+    return 0;
+}
+
+LRESULT CAdvancedDialog::OnOffOn(WORD, WORD id_I, HWND, BOOL&) {
+    UiDisplayDelegate* delegate = Delegate();
+    bool on = false;
+    const ESetting setting = SettingOfButton(id_I, on);
+    if (delegate == nullptr || !Checked(delegate->SetSetting(setting, on ? 1 : 0))) {
+        return 0;
+    }
+    Refresh();
+    mMainDlg.UpdateButtons();
+    return 0;
+}
+
+LRESULT CAdvancedDialog::OnLcdConditioning(WORD, WORD, HWND, BOOL&) {
+    UiDisplayDelegate* delegate = Delegate();
+    if (delegate == nullptr) {
+        return 0;
+    }
+    delegate->Revert();
+    delegate->ResetOptionData(vcpC_LCDConditioning);
+    if (Checked(delegate->SetLCDConditioning(1))) {
+        // The unsaved changes were dropped for the conditioning run: the main dialog shows the
+        // display's values again.
+        mMainDlg.RefreshControls();
+        Refresh();
+    }
+    return 0;
+}
+
+LRESULT CAdvancedDialog::OnFactoryReset(WORD, WORD, HWND, BOOL&) {
+    if (MessageWindows::ConfirmFactoryReset(mMainDlg.m_hWnd, mLanguage)) {
+        mMainDlg.FactoryReset();
+    }
+    return 0;
+}
+
+LRESULT CAdvancedDialog::OnClose(WORD, WORD id_I, HWND, BOOL&) {
+    UiDisplayDelegate* delegate = Delegate();
+    VLR_ASSERT_AS(delegate != nullptr, "NULL display ptr");
+    if (delegate != nullptr && id_I != IDC_ADVANCED_OK) {
+        for (const auto& [setting, value] : mOpeningValues) {
+            const SSettingState now = delegate->GetSetting(setting);
+            if (now.valid && now.value != value && !Checked(delegate->SetSetting(setting, value))) {
+                return 0;
+            }
+        }
+        mMainDlg.UpdateButtons();
+    }
+    if (delegate != nullptr && id_I == IDC_ADVANCED_OK && mSharpnessChanged) {
+        // OK keeps a sharpness the timer has not written yet.
+        const auto position =
+            static_cast<int32_t>(SendDlgItemMessageW(m_hWnd, IDC_SHARPNESS_SLIDER, TBM_GETPOS, 0, 0));
+        if (!Checked(delegate->SetSharpness(position))) {
+            return 0;
+        }
+        mMainDlg.UpdateButtons();
+    }
+    mSharpnessChanged = false;
+    if (delegate != nullptr) {
+        delegate->ResetOptionData(vcpC_LCDConditioning);
+    }
+    ShowWindow(m_hWnd, SW_HIDE);
+    mValues.clear();
+    return 0;
+}

@@ -1,0 +1,81 @@
+#pragma once
+// The page of less frequent settings behind the main dialog's "Advanced...": aspect ratio,
+// power LED, sharpness, uniformity, the On/Off settings, fan speed, LCD conditioning, battery
+// mode, the versions and the factory reset. Every change goes to the display at once; a
+// failed write here ends the program.
+
+#include <windows.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "DialogIds.h"
+#include "DialogImpl.h"
+#include "SettingCodes.h"
+
+class CMainDialog;
+class UiDisplayDelegate;
+
+class CAdvancedDialog : public CDialogBase {
+public:
+    CAdvancedDialog(CMainDialog& mainDlg_I, LANGID language_I);
+
+    // Creates the window the first time, shows it, and notes the values Cancel puts back.
+    void Open(HWND owner_I);
+    bool IsShown() const { return IsWindow() && IsWindowVisible(m_hWnd); }
+    // Every control from the selected display.
+    void Refresh();
+    // Places the dialog beside the main dialog's window rectangle.
+    void Follow(const RECT& mainRect_I);
+
+    BEGIN_MSG_MAP(CAdvancedDialog)
+    MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    MESSAGE_HANDLER(WM_SHOWWINDOW, OnShowWindow)
+    MESSAGE_HANDLER(WM_TIMER, OnTimer)
+    MESSAGE_HANDLER(WM_HSCROLL, OnHScroll)
+    COMMAND_HANDLER(IDC_ASPECT_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_HANDLER(IDC_LED_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_HANDLER(IDC_UNIFORMITY_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_HANDLER(IDC_FAN_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_HANDLER(IDC_BATTERY_LIST, CBN_SELCHANGE, OnChoiceChanged)
+    COMMAND_ID_HANDLER(IDC_ENERGY_SMART_OFF, OnOffOn)
+    COMMAND_ID_HANDLER(IDC_ENERGY_SMART_ON, OnOffOn)
+    COMMAND_ID_HANDLER(IDC_DYNAMIC_CONTRAST_OFF, OnOffOn)
+    COMMAND_ID_HANDLER(IDC_DYNAMIC_CONTRAST_ON, OnOffOn)
+    COMMAND_ID_HANDLER(IDC_AUTO_POWER_DOWN_OFF, OnOffOn)
+    COMMAND_ID_HANDLER(IDC_AUTO_POWER_DOWN_ON, OnOffOn)
+    COMMAND_ID_HANDLER(IDC_LCD_CONDITIONING_START, OnLcdConditioning)
+    COMMAND_ID_HANDLER(IDC_FACTORY_RESET, OnFactoryReset)
+    COMMAND_ID_HANDLER(IDC_ADVANCED_OK, OnClose)
+    COMMAND_ID_HANDLER(IDC_ADVANCED_CANCEL, OnClose)
+    COMMAND_ID_HANDLER(IDCANCEL, OnClose)
+    END_MSG_MAP()
+
+    // The program's version as its version resource states it ("6.4.3-1").
+    static std::wstring ProgramVersion();
+
+private:
+    LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnShowWindow(UINT, WPARAM wParam_I, LPARAM, BOOL&);
+    LRESULT OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&);
+    LRESULT OnHScroll(UINT, WPARAM, LPARAM lParam_I, BOOL& handled_O);
+    LRESULT OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&);
+    LRESULT OnOffOn(WORD, WORD id_I, HWND, BOOL&);
+    LRESULT OnLcdConditioning(WORD, WORD, HWND, BOOL&);
+    LRESULT OnFactoryReset(WORD, WORD, HWND, BOOL&);
+    LRESULT OnClose(WORD, WORD id_I, HWND, BOOL&);
+
+    UiDisplayDelegate* Delegate() const;
+    void FillChoice(ESetting setting_I, int labelId_I, int comboId_I);
+    void FillOffOn(ESetting setting_I, int labelId_I, int offId_I, int onId_I);
+    // A write of this page: true when it worked; otherwise the program ends.
+    bool Checked(bool ok_I);
+
+    CMainDialog& mMainDlg;
+    LANGID mLanguage;
+    std::map<int, std::vector<int32_t>> mValues;
+    bool mSharpnessChanged = false;
+    // The seven settings Cancel puts back, as the display had them when the page opened.
+    std::map<ESetting, int32_t> mOpeningValues;
+};

@@ -1,0 +1,224 @@
+// The advanced page of the real program over a simulated machine, driven through its windows.
+// Needs an X display (Xvfb) under Wine.
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+// windows.h first: commctrl.h needs its types.
+#include <commctrl.h>
+
+#include "DialogIds.h"
+#include "ProgramDriver.h"
+#include "codes.h"
+
+namespace {
+
+// The program with its second display (Studio 32: fan, LED, scan-mode aspect) selected and
+// the advanced page open.
+struct SAdvancedPage : SProgram {
+    HWND page = nullptr;
+
+    SAdvancedPage() : SProgram("two-families") {
+        if (!WaitForMainDialog()) {
+            return;
+        }
+        SendMessageW(Item(IDC_DISPLAY_LIST), CB_SETCURSEL, 1, 0);
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_DISPLAY_LIST, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(Item(IDC_DISPLAY_LIST)));
+        Click(IDC_ADVANCED_BUTTON);
+        page = FindDialog(kTitle, {dialog});
+    }
+    HWND PageItem(int id) const { return GetDlgItem(page, id); }
+    void Choose(int comboId, int index, bool wait = true) {
+        SendMessageW(PageItem(comboId), CB_SETCURSEL, index, 0);
+        const WPARAM command = MAKEWPARAM(comboId, CBN_SELCHANGE);
+        if (wait) {
+            SendMessageW(page, WM_COMMAND, command, reinterpret_cast<LPARAM>(PageItem(comboId)));
+        } else {
+            PostMessageW(page, WM_COMMAND, command, reinterpret_cast<LPARAM>(PageItem(comboId)));
+        }
+    }
+    void Press(int id, bool wait = true) {
+        const WPARAM command = MAKEWPARAM(id, BN_CLICKED);
+        if (wait) {
+            SendMessageW(page, WM_COMMAND, command, reinterpret_cast<LPARAM>(PageItem(id)));
+        } else {
+            PostMessageW(page, WM_COMMAND, command, reinterpret_cast<LPARAM>(PageItem(id)));
+        }
+    }
+    std::shared_ptr<CVirtualDisplay> Studio() const { return Display(1); }
+};
+
+}  // namespace
+
+TEST(AdvancedDialog, ShowsTheSelectedDisplaysSettingsAndVersions) {
+    SAdvancedPage program;
+    ASSERT_NE(program.page, nullptr);
+    EXPECT_TRUE(IsWindowVisible(program.page));
+    EXPECT_EQ(TextOf(program.PageItem(IDC_PROGRAM_VERSION)), L"6.4.3-1");
+    EXPECT_EQ(TextOf(program.PageItem(IDC_FIRMWARE_VERSION)), L"6.1.0");
+    EXPECT_TRUE(IsWindowVisible(program.PageItem(IDC_FAN_LIST)));
+    EXPECT_EQ(TextOf(program.PageItem(IDC_ENERGY_SMART_ON)), L"On");
+    // Beside the main dialog, and it follows it.
+    RECT main{};
+    RECT page{};
+    GetWindowRect(program.dialog, &main);
+    GetWindowRect(program.page, &page);
+    EXPECT_EQ(page.left, main.right);
+    SetWindowPos(program.dialog, nullptr, main.left - 20, main.top + 10, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    program.Settle();
+    GetWindowRect(program.page, &page);
+    EXPECT_EQ(page.left, main.right - 20);
+    EXPECT_EQ(page.top, main.top + 10);
+}
+
+TEST(AdvancedDialog, SharpnessIsWrittenAtMostOnceASecond) {
+    SAdvancedPage program;
+    ASSERT_NE(program.page, nullptr);
+    auto studio = program.Studio();
+    studio->ClearTransactions();
+    HWND slider = program.PageItem(IDC_SHARPNESS_SLIDER);
+    const DWORD start = GetTickCount();
+    for (int step = 0; GetTickCount() - start < 3000; ++step) {
+        SendMessageW(slider, TBM_SETPOS, TRUE, step % 5);
+        SendMessageW(program.page, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, step % 5),
+                     reinterpret_cast<LPARAM>(slider));
+        Sleep(20);
+    }
+    const auto writes = SetsOf(*studio, vcpC_Sharpness);
+    EXPECT_GE(writes.size(), 2u);
+    EXPECT_LE(writes.size(), 3u);
+}
+
+TEST(AdvancedDialog, CancelRestoresTheSevenSettingsOnlyAndOkKeepsChanges) {
+    SAdvancedPage program;
+    ASSERT_NE(program.page, nullptr);
+    auto studio = program.Studio();
+    // Fan speed alone: Cancel writes nothing back.
+    const uint16_t fan = studio->Value(vcpC_FanSpeed);
+    const LRESULT fanNow = SendMessageW(program.PageItem(IDC_FAN_LIST), CB_GETCURSEL, 0, 0);
+    program.Choose(IDC_FAN_LIST, fanNow == 0 ? 1 : 0);
+    EXPECT_NE(studio->Value(vcpC_FanSpeed), fan);
+    studio->ClearTransactions();
+    program.Press(IDC_ADVANCED_CANCEL);
+    EXPECT_FALSE(IsWindowVisible(program.page));
+    EXPECT_TRUE(studio->Transactions().empty() || SetsOf(*studio, vcpC_FanSpeed).empty());
+
+    // Aspect and power LED: Cancel puts both back.
+    program.Click(IDC_ADVANCED_BUTTON);
+    const uint16_t aspect = studio->Value(vcpC_ScanMode);
+    const uint16_t led = studio->Value(vcpC_LedBrightness);
+    const LRESULT aspectNow = SendMessageW(program.PageItem(IDC_ASPECT_LIST), CB_GETCURSEL, 0, 0);
+    program.Choose(IDC_ASPECT_LIST, aspectNow == 0 ? 1 : 0);
+    const LRESULT ledItems = SendMessageW(program.PageItem(IDC_LED_LIST), CB_GETCOUNT, 0, 0);
+    const LRESULT ledNow = SendMessageW(program.PageItem(IDC_LED_LIST), CB_GETCURSEL, 0, 0);
+    program.Choose(IDC_LED_LIST, static_cast<int>((ledNow + 1) % ledItems));
+    EXPECT_NE(studio->Value(vcpC_ScanMode), aspect);
+    EXPECT_NE(studio->Value(vcpC_LedBrightness), led);
+    program.Press(IDCANCEL);
+    EXPECT_EQ(studio->Value(vcpC_ScanMode), aspect);
+    EXPECT_EQ(studio->Value(vcpC_LedBrightness), led);
+
+    // OK keeps a change as an unsaved change of the main dialog.
+    program.Click(IDC_ADVANCED_BUTTON);
+    program.Choose(IDC_ASPECT_LIST, aspectNow == 0 ? 1 : 0);
+    program.Press(IDC_ADVANCED_OK);
+    EXPECT_NE(studio->Value(vcpC_ScanMode), aspect);
+    EXPECT_TRUE(IsWindowEnabled(program.Item(IDC_SAVE_BUTTON)));
+}
+
+TEST(AdvancedDialog, OffOnPairsAndLcdConditioning) {
+    SAdvancedPage program;
+    ASSERT_NE(program.page, nullptr);
+    auto studio = program.Studio();
+    program.Press(IDC_ENERGY_SMART_ON);
+    EXPECT_EQ(studio->Value(vcpC_EnergySmart), 1);
+    EXPECT_EQ(IsDlgButtonChecked(program.page, IDC_ENERGY_SMART_ON), BST_CHECKED);
+    EXPECT_EQ(IsDlgButtonChecked(program.page, IDC_ENERGY_SMART_OFF), BST_UNCHECKED);
+    program.Press(IDC_ENERGY_SMART_OFF);
+    EXPECT_EQ(studio->Value(vcpC_EnergySmart), 0);
+    EXPECT_EQ(IsDlgButtonChecked(program.page, IDC_ENERGY_SMART_ON), BST_UNCHECKED);
+
+    // Studio 32 has no LCD conditioning; Canvas 22 Pro has.
+    EXPECT_FALSE(IsWindowVisible(program.PageItem(IDC_LCD_CONDITIONING_START)));
+    SendMessageW(program.Item(IDC_DISPLAY_LIST), CB_SETCURSEL, 0, 0);
+    SendMessageW(program.dialog, WM_COMMAND, MAKEWPARAM(IDC_DISPLAY_LIST, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(program.Item(IDC_DISPLAY_LIST)));
+    program.Click(IDC_ADVANCED_BUTTON);
+    ASSERT_TRUE(IsWindowVisible(program.PageItem(IDC_LCD_CONDITIONING_START)));
+    auto canvas = program.Display(0);
+
+    // Start: the unsaved changes are dropped first, then 0xEA = 1.
+    program.Type(IDC_CONTRAST_EDIT, L"33");
+    const uint16_t saved = canvas->SavedValue(vcpC_Contrast);
+    canvas->ClearTransactions();
+    program.Press(IDC_LCD_CONDITIONING_START);
+    EXPECT_EQ(SetsOf(*canvas, vcpC_LCDConditioning), (std::vector<uint16_t>{1}));
+    EXPECT_EQ(canvas->Value(vcpC_Contrast), saved);
+    EXPECT_EQ(program.Text(IDC_CONTRAST_EDIT), std::to_wstring(saved));
+}
+
+TEST(AdvancedDialog, AFailedWriteHereEndsTheProgram) {
+    SAdvancedPage program;
+    ASSERT_NE(program.page, nullptr);
+    program.machine.MonitorConfiguration().FailNext(EMcaCall::SetVCPFeature, McaError::kI2CErrorReceivingData,
+                                                    20);
+    const LRESULT fanNow = SendMessageW(program.PageItem(IDC_FAN_LIST), CB_GETCURSEL, 0, 0);
+    program.Choose(IDC_FAN_LIST, fanNow == 0 ? 1 : 0, false);
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        return (box = FindDialog(kTitle, {program.dialog, program.page})) != nullptr;
+    }));
+    EXPECT_EQ(MessageTextOf(box).rfind(L"Communication Failure... Exiting...", 0), 0u);
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    program.ui.join();  // the program has ended
+    EXPECT_FALSE(IsWindow(program.dialog));
+}
+
+TEST(AdvancedDialog, FactoryResetAsksRunsAndRebuilds) {
+    SAdvancedPage program;
+    ASSERT_NE(program.page, nullptr);
+    auto studio = program.Studio();
+    // Cancel in the question: nothing happens.
+    program.Press(IDC_FACTORY_RESET, false);
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        return (box = FindDialog(kTitle, {program.dialog, program.page})) != nullptr;
+    }));
+    PostMessageW(box, WM_COMMAND, IDCANCEL, 0);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
+    program.Settle();
+    EXPECT_TRUE(SetsOf(*studio, vcpC_RestoreFactoryDefaults).empty());
+
+    // OK: the reset runs behind the wait window, then both dialogs come back.
+    program.Press(IDC_FACTORY_RESET, false);
+    ASSERT_TRUE(WaitFor([&] {
+        return (box = FindDialog(kTitle, {program.dialog, program.page})) != nullptr;
+    }));
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(WaitFor([&] { return SetsOf(*studio, vcpC_RestoreFactoryDefaults).size() == 1; }));
+    ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(program.dialog) && IsWindowVisible(program.page); }));
+    program.Settle();
+    EXPECT_EQ(SendMessageW(program.Item(IDC_DISPLAY_LIST), CB_GETCOUNT, 0, 0), 2);
+}
+
+TEST(AdvancedDialog, AFactoryResetThatLosesTheDisplaysEndsInTheNoDeviceWindow) {
+    SAdvancedPage program;
+    ASSERT_NE(program.page, nullptr);
+    // After the reset neither display answers the search again.
+    program.machine.MonitorConfiguration().FailNext(EMcaCall::GetCapabilitiesStringLength,
+                                                    McaError::kI2CErrorReceivingData, 10);
+    program.Press(IDC_FACTORY_RESET, false);
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        return (box = FindDialog(kTitle, {program.dialog, program.page})) != nullptr;
+    }));
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    HWND window = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        window = FindDialog(kTitle);
+        return window != nullptr && GetDlgItem(window, IDC_NO_DEVICE_HEADING) != nullptr;
+    }));
+    PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
+    program.ui.join();
+}
