@@ -7,6 +7,7 @@
 #include <atomic>
 
 #include "Assert.h"
+#include "CColorSettingsDialog.h"
 #include "DebugLog.h"
 #include "LanguageProvider.h"
 #include "MessageWindows.h"
@@ -679,8 +680,11 @@ LRESULT CMainDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
 }
 
 LRESULT CMainDialog::OnCustomColor(WORD, WORD, HWND, BOOL&) {
-    // The custom colour dialog comes with the advanced page; the label is kept current.
-    ShowCustomColorText();
+    CColorSettingsDialog dialog(*this, mLanguage);
+    if (dialog.DoModal(m_hWnd) == IDC_CUSTOM_COLOR_OK) {
+        ShowCustomColorText();
+    }
+    UpdateButtons();
     return 0;
 }
 

@@ -83,3 +83,14 @@
 #define IDC_FACTORY_RESET 1102
 #define IDC_ADVANCED_OK 1105
 #define IDC_ADVANCED_CANCEL 1101
+
+// Custom colour dialog: per adjustment (hue, saturation, gain, offset; type t = 0..3) a group
+// box, and per channel (red, green, blue; c = 0..2) a label, a slider and an edit.
+#define IDD_CUSTOM_COLOR 157
+#define IDC_COLOR_MOD_GROUP_FIRST 1600
+#define IDC_COLOR_MOD_LABEL_FIRST 1610
+#define IDC_COLOR_MOD_SLIDER_FIRST 1630
+#define IDC_COLOR_MOD_EDIT_FIRST 1650
+#define IDC_COLOR_SWATCH_LABEL 1670
+#define IDC_COLOR_SWATCH 1671
+#define IDC_CUSTOM_COLOR_OK 1105

@@ -87,9 +87,10 @@ std::wstring Text(UINT stringId_I, LANGID language_I) {
 
 bool ConfirmPictureNotTooDark(HWND owner_I, UiDisplayDelegate& delegate_I, int32_t brightness_I,
                               int32_t contrast_I, LANGID language_I) {
-    if (!delegate_I.IsPictureTooDark(brightness_I, contrast_I)) {
-        return true;
-    }
+    return !delegate_I.IsPictureTooDark(brightness_I, contrast_I) || AskKeepDarkSettings(owner_I, language_I);
+}
+
+bool AskKeepDarkSettings(HWND owner_I, LANGID language_I) {
     MessageBoxTimeoutFunction function = gReplacement.load();
     if (function == nullptr) {
         function = LookUpMessageBoxTimeout();

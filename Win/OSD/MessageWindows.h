@@ -28,6 +28,8 @@ std::wstring Text(UINT stringId_I, LANGID language_I);
 // picture may be too dark; no answer within five seconds keeps the old values.
 bool ConfirmPictureNotTooDark(HWND owner_I, UiDisplayDelegate& delegate_I, int32_t brightness_I,
                               int32_t contrast_I, LANGID language_I);
+// The question itself: true to keep settings that may leave the screen too dark to read.
+bool AskKeepDarkSettings(HWND owner_I, LANGID language_I);
 // True only for OK.
 bool ConfirmFactoryReset(HWND owner_I, LANGID language_I);
 // A failed delegate call. Fatal errors end the owner dialog with result 0 first.
