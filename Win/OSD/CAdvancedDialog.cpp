@@ -129,7 +129,24 @@ void CAdvancedDialog::Follow(const RECT& mainRect_I) {
     if (!IsWindow()) {
         return;
     }
-    SetWindowPos(m_hWnd, HWND_TOPMOST, mainRect_I.right, mainRect_I.top, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
+    // Beside the main dialog: to its right, or to its left where the right side leaves the
+    // work area, and never off the monitor.
+    RECT own{};
+    GetWindowRect(m_hWnd, &own);
+    const int width = own.right - own.left;
+    const int height = own.bottom - own.top;
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromRect(&mainRect_I, MONITOR_DEFAULTTOPRIMARY), &monitor);
+    const RECT& work = monitor.rcWork;
+    int x = mainRect_I.right;
+    if (x + width > work.right && mainRect_I.left - width >= work.left) {
+        x = mainRect_I.left - width;
+    }
+    x = std::max(static_cast<int>(work.left), std::min(x, static_cast<int>(work.right) - width));
+    const int y = std::max(static_cast<int>(work.top), std::min(static_cast<int>(mainRect_I.top),
+                                                                static_cast<int>(work.bottom) - height));
+    SetWindowPos(m_hWnd, HWND_TOPMOST, x, y, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {

@@ -86,32 +86,67 @@ int WINAPI KeepChanges(HWND, LPCWSTR, LPCWSTR, UINT, WORD, DWORD) {
     return IDYES;
 }
 
+enum class EShot { MainDialog, PowerWarning, AdvancedDialog, CustomColor };
+
+void Command(HWND dialog_I, int id_I, int code_I, bool wait_I) {
+    const WPARAM command = MAKEWPARAM(id_I, code_I);
+    const LPARAM control = reinterpret_cast<LPARAM>(GetDlgItem(dialog_I, id_I));
+    if (wait_I) {
+        SendMessageW(dialog_I, WM_COMMAND, command, control);
+    } else {
+        PostMessageW(dialog_I, WM_COMMAND, command, control);
+    }
+}
+
 void MainDialog(const std::string& folder_I, const char* language_I, const std::string& name_I,
-                bool powerWarning_I) {
+                EShot shot_I) {
     CSimulatedMachine machine(*VirtualMachine::Scenario("two-families"));
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Velor");
     SStartupOptions options;
     options.languageName = language_I;
     std::thread ui([options] { RunApplication(options); });
     HWND dialog = WaitForWindow([] { return FindVisible(kTitle, IDC_DISPLAY_LIST); });
+    const std::string path = folder_I + "\\" + name_I + ".bmp";
     if (dialog != nullptr) {
-        if (!powerWarning_I) {
-            Capture(dialog, folder_I + "\\" + name_I + ".bmp");
-        } else {
-            HWND edit = GetDlgItem(dialog, IDC_BRIGHTNESS_EDIT);
-            SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"90"));
-            SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_BRIGHTNESS_EDIT, EN_KILLFOCUS),
-                         reinterpret_cast<LPARAM>(edit));
-            PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_SAVE_BUTTON, BN_CLICKED),
-                         reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_SAVE_BUTTON)));
-            HWND warning =
-                WaitForWindow([] { return FindVisible(L"Additional Power Required", IDC_POWER_YES); });
-            if (warning != nullptr) {
-                Capture(warning, folder_I + "\\" + name_I + ".bmp");
-                PostMessageW(warning, WM_COMMAND, IDC_POWER_NO, 0);
+        switch (shot_I) {
+            case EShot::MainDialog: Capture(dialog, path); break;
+            case EShot::PowerWarning: {
+                HWND edit = GetDlgItem(dialog, IDC_BRIGHTNESS_EDIT);
+                SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"90"));
+                Command(dialog, IDC_BRIGHTNESS_EDIT, EN_KILLFOCUS, true);
+                Command(dialog, IDC_SAVE_BUTTON, BN_CLICKED, false);
+                HWND warning =
+                    WaitForWindow([] { return FindVisible(L"Additional Power Required", IDC_POWER_YES); });
+                if (warning != nullptr) {
+                    Capture(warning, path);
+                    PostMessageW(warning, WM_COMMAND, IDC_POWER_NO, 0);
+                }
+                break;
             }
-            Sleep(200);
+            case EShot::AdvancedDialog: {
+                Command(dialog, IDC_ADVANCED_BUTTON, BN_CLICKED, true);
+                HWND page = WaitForWindow([] { return FindVisible(kTitle, IDC_FACTORY_RESET); });
+                if (page != nullptr) {
+                    Capture(page, path);
+                }
+                break;
+            }
+            case EShot::CustomColor: {
+                HWND mode = GetDlgItem(dialog, IDC_COLOR_SETTING_LIST);
+                const LRESULT custom = SendMessageW(mode, CB_FINDSTRINGEXACT, WPARAM(-1),
+                                                    reinterpret_cast<LPARAM>(L"Custom Color"));
+                SendMessageW(mode, CB_SETCURSEL, custom, 0);
+                Command(dialog, IDC_COLOR_SETTING_LIST, CBN_SELCHANGE, true);
+                Command(dialog, IDC_CUSTOM_COLOR_BUTTON, BN_CLICKED, false);
+                HWND colors = WaitForWindow([] { return FindVisible(L"Custom Color", IDC_COLOR_SWATCH); });
+                if (colors != nullptr) {
+                    Capture(colors, path);
+                    PostMessageW(colors, WM_COMMAND, IDCANCEL, 0);
+                }
+                break;
+            }
         }
+        Sleep(200);
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     }
     ui.join();
@@ -139,9 +174,11 @@ int main(int argc, char** argv) {
     }
     const std::string folder = argv[1];
     MessageWindows::SetMessageBoxTimeoutFunction(&KeepChanges);
-    MainDialog(folder, "en", "main-dialog-en", false);
-    MainDialog(folder, "de", "main-dialog-de", false);
-    MainDialog(folder, "en", "power-warning", true);
+    MainDialog(folder, "en", "main-dialog-en", EShot::MainDialog);
+    MainDialog(folder, "de", "main-dialog-de", EShot::MainDialog);
+    MainDialog(folder, "en", "power-warning", EShot::PowerWarning);
+    MainDialog(folder, "en", "advanced-dialog", EShot::AdvancedDialog);
+    MainDialog(folder, "en", "custom-color", EShot::CustomColor);
     NoDeviceWindow(folder);
     return 0;
 }

@@ -59,17 +59,28 @@ TEST(AdvancedDialog, ShowsTheSelectedDisplaysSettingsAndVersions) {
     EXPECT_EQ(TextOf(program.PageItem(IDC_FIRMWARE_VERSION)), L"6.1.0");
     EXPECT_TRUE(IsWindowVisible(program.PageItem(IDC_FAN_LIST)));
     EXPECT_EQ(TextOf(program.PageItem(IDC_ENERGY_SMART_ON)), L"On");
-    // Beside the main dialog, and it follows it.
+    // It follows the main dialog: to its right, or to its left where the right side has no
+    // room, and never off the monitor.
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromWindow(program.dialog, MONITOR_DEFAULTTOPRIMARY), &monitor);
+    const RECT& work = monitor.rcWork;
     RECT main{};
     RECT page{};
     GetWindowRect(program.dialog, &main);
-    GetWindowRect(program.page, &page);
-    EXPECT_EQ(page.left, main.right);
-    SetWindowPos(program.dialog, nullptr, main.left - 20, main.top + 10, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    const int mainWidth = main.right - main.left;
+    SetWindowPos(program.dialog, nullptr, work.left, work.top + 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     program.Settle();
     GetWindowRect(program.page, &page);
-    EXPECT_EQ(page.left, main.right - 20);
-    EXPECT_EQ(page.top, main.top + 10);
+    EXPECT_EQ(page.left, work.left + mainWidth);
+    EXPECT_EQ(page.top, work.top + 40);
+    SetWindowPos(program.dialog, nullptr, work.right - mainWidth, work.top + 60, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER);
+    program.Settle();
+    GetWindowRect(program.page, &page);
+    EXPECT_EQ(page.right, work.right - mainWidth);
+    EXPECT_EQ(page.top, work.top + 60);
+    EXPECT_GE(page.left, work.left);
 }
 
 TEST(AdvancedDialog, SharpnessIsWrittenAtMostOnceASecond) {
