@@ -133,6 +133,21 @@ const std::vector<SEntry>& UniformityLabels() {
     return labels;
 }
 
+const std::vector<SEntry>& OffOnLabels() {
+    static const std::vector<SEntry> labels = {{StringId::kOff, 0}, {StringId::kOn, 1}};
+    return labels;
+}
+
+const std::vector<SEntry>& FanSpeedLabels() {
+    static const std::vector<SEntry> labels = {{StringId::kFanAuto, 1}, {StringId::kFanLowSpeed, 0}};
+    return labels;
+}
+
+const std::vector<SEntry>& BatteryModeLabels() {
+    static const std::vector<SEntry> labels = {{StringId::kBatteryStandard, 0}, {StringId::kBatterySaver, 1}};
+    return labels;
+}
+
 uint32_t ColorTemperatureKelvin(int32_t presetValue_I) {
     switch (presetValue_I) {
         case cpc_5000K: return 5000;

@@ -44,6 +44,11 @@ const std::vector<SEntry>& ColorSpaceLabels();
 std::vector<SEntry> AspectRatioLabels(uint8_t vcpCode_I);
 const std::vector<SEntry>& PowerLedLabels();
 const std::vector<SEntry>& UniformityLabels();
+const std::vector<SEntry>& OffOnLabels();
+// Fan speed values are EFanSpeed (1 auto, 0 low speed).
+const std::vector<SEntry>& FanSpeedLabels();
+// Battery mode choices (0 standard, 1 saver), which the delegate maps to 0xF4 = 2 and 3.
+const std::vector<SEntry>& BatteryModeLabels();
 
 // Colour temperature presets in kelvin (0 for a value that is not one).
 uint32_t ColorTemperatureKelvin(int32_t presetValue_I);

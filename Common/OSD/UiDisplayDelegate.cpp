@@ -13,11 +13,6 @@
 
 namespace {
 
-const std::vector<SEntry> kOffOn = {{StringId::kOff, 0}, {StringId::kOn, 1}};
-const std::vector<SEntry> kFanSpeeds = {{StringId::kFanAuto, eFanSpeed_Auto},
-                                        {StringId::kFanLowSpeed, eFanSpeed_LowSpeed}};
-const std::vector<SEntry> kBatteryModes = {{StringId::kBatteryStandard, 0}, {StringId::kBatterySaver, 1}};
-
 // Battery mode choices and the 0xF4 values that carry them.
 constexpr int32_t kBatteryValueStandard = 2;
 constexpr int32_t kBatteryValueSaver = 3;
@@ -346,13 +341,13 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
         case ESetting::EnergySmart:
         case ESetting::DynamicContrast:
         case ESetting::AutoPowerDown:
-        case ESetting::ScanMode: return ChoiceState(CodeOf(setting_I), kOffOn);
-        case ESetting::FanSpeed: return ChoiceState(CodeOf(setting_I), kFanSpeeds);
+        case ESetting::ScanMode: return ChoiceState(CodeOf(setting_I), OffOnLabels());
+        case ESetting::FanSpeed: return ChoiceState(CodeOf(setting_I), FanSpeedLabels());
         case ESetting::LcdConditioning: return ContinuousState(CodeOf(setting_I));
         case ESetting::BatteryMode: {
             SSettingState state = ContinuousState(CodeOf(setting_I));
             if (state.supported) {
-                state.entries = kBatteryModes;
+                state.entries = BatteryModeLabels();
                 state.value = state.value == kBatteryValueStandard ? 0
                               : state.value == kBatteryValueSaver  ? 1
                                                                    : -1;

@@ -17,6 +17,7 @@ namespace {
 constexpr UINT_PTR kSharpnessTimer = 0;
 constexpr UINT kSharpnessPeriodMs = 1000;
 constexpr UINT kOff = 2215;
+constexpr int32_t kNoChoice = -1;
 constexpr UINT kOn = 2214;
 
 struct SCaption {
@@ -183,6 +184,11 @@ void CAdvancedDialog::FillChoice(ESetting setting_I, int labelId_I, int comboId_
         values.push_back(entry.value);
     }
     const auto it = std::find(values.begin(), values.end(), state.value);
+    if (state.value == kNoChoice) {
+        // The delegate's "none of the choices" (battery firmware reports 0 when on mains).
+        SendMessageW(combo, CB_SETCURSEL, WPARAM(-1), 0);
+        return;
+    }
     if (it == values.end()) {
         VLR_ASSERT_FAIL("\"Oops - bad combo value\"");
         SendMessageW(combo, CB_SETCURSEL, WPARAM(-1), 0);

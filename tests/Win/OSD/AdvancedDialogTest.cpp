@@ -8,7 +8,9 @@
 #include <commctrl.h>
 
 #include "DialogIds.h"
+#include "LogCapture.h"
 #include "ProgramDriver.h"
+#include "VirtualDisplayPresets.h"
 #include "codes.h"
 
 namespace {
@@ -232,4 +234,31 @@ TEST(AdvancedDialog, AFactoryResetThatLosesTheDisplaysEndsInTheNoDeviceWindow) {
     }));
     PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
     program.ui.join();
+}
+
+TEST(AdvancedDialog, EveryFamilyShowsItsPagesWithoutABadValue) {
+    for (const SVirtualDisplayModel& model : VirtualDisplayPresets()) {
+        SCOPED_TRACE(model.key);
+        SVirtualMachine machine;
+        machine.monitors = {VirtualMachine::MonitorOf(std::make_shared<CVirtualDisplay>(model), 0)};
+        SStartupOptions options;
+        options.debugOutput = true;
+        CLogCapture log;
+        SProgram program(std::move(machine), options);
+        ASSERT_TRUE(program.WaitForMainDialog());
+        program.Click(IDC_ADVANCED_BUTTON);
+        HWND page = FindDialog(kTitle, {program.dialog});
+        ASSERT_NE(page, nullptr);
+        EXPECT_TRUE(IsWindowVisible(GetDlgItem(page, IDC_FACTORY_RESET)));
+        EXPECT_FALSE(TextOf(GetDlgItem(page, IDC_FIRMWARE_VERSION)).empty());
+        // Every visible choice has an item selected: the display's value is among the entries.
+        // (Battery mode may be none of its choices: the firmware reports 0 on mains power.)
+        for (int combo : {IDC_ASPECT_LIST, IDC_LED_LIST, IDC_UNIFORMITY_LIST, IDC_FAN_LIST}) {
+            if (IsWindowVisible(GetDlgItem(page, combo))) {
+                EXPECT_GE(SendDlgItemMessageW(page, combo, CB_GETCURSEL, 0, 0), 0) << combo;
+            }
+        }
+        EXPECT_FALSE(log.Contains("Oops - bad combo value"));
+        EXPECT_FALSE(log.Contains("idx < mValues.size()"));
+    }
 }
