@@ -20,10 +20,7 @@ constexpr UINT kOff = 2215;
 constexpr int32_t kNoChoice = -1;
 constexpr UINT kOn = 2214;
 
-struct SCaption {
-    int id;
-    UINT stringId;
-};
+using MessageWindows::SCaption;
 
 constexpr SCaption kCaptions[] = {
     {IDC_ASPECT_LABEL, 2201},           {IDC_LED_LABEL, 2220},          {IDC_SHARPNESS_LABEL, 2205},
@@ -158,9 +155,7 @@ LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
         SendMessageW(toolTip, TTM_ACTIVATE, TRUE, 0);
     }
     SetWindowTextW(m_hWnd, MessageWindows::Text(2000, mLanguage).c_str());
-    for (const SCaption& caption : kCaptions) {
-        SetDlgItemTextW(m_hWnd, caption.id, MessageWindows::Text(caption.stringId, mLanguage).c_str());
-    }
+    MessageWindows::SetCaptions(m_hWnd, kCaptions, mLanguage);
     return TRUE;
 }
 

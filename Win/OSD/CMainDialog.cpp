@@ -28,10 +28,7 @@ constexpr wchar_t kOnlineHelpBaseAddress[] = L"https://support.velordisplays.exa
 constexpr UINT kProductTitle = 2000;
 constexpr UINT kRgbPrefix = 2026;
 
-struct SCaption {
-    int id;
-    UINT stringId;
-};
+using MessageWindows::SCaption;
 
 constexpr SCaption kCaptions[] = {
     {IDC_DISPLAY_LABEL, 2001},       {IDC_BRIGHTNESS_LABEL, 2002},    {IDC_CONTRAST_LABEL, 2003},
@@ -273,9 +270,7 @@ LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
 }
 
 void CMainDialog::LoadCaptions() {
-    for (const SCaption& caption : kCaptions) {
-        SetDlgItemTextW(m_hWnd, caption.id, MessageWindows::Text(caption.stringId, mLanguage).c_str());
-    }
+    MessageWindows::SetCaptions(m_hWnd, kCaptions, mLanguage);
     SetDlgItemTextW(m_hWnd, IDC_HELP_BUTTON, L"?");
 }
 

@@ -85,6 +85,12 @@ std::wstring Text(UINT stringId_I, LANGID language_I) {
     return LoadTableString(stringId_I, language_I);
 }
 
+void SetCaptions(HWND dialog_I, const SCaption* captions_I, size_t count_I, LANGID language_I) {
+    for (size_t i = 0; i < count_I; ++i) {
+        SetDlgItemTextW(dialog_I, captions_I[i].id, Text(captions_I[i].stringId, language_I).c_str());
+    }
+}
+
 bool ConfirmPictureNotTooDark(HWND owner_I, UiDisplayDelegate& delegate_I, int32_t brightness_I,
                               int32_t contrast_I, LANGID language_I) {
     return !delegate_I.IsPictureTooDark(brightness_I, contrast_I) || AskKeepDarkSettings(owner_I, language_I);

@@ -24,6 +24,17 @@ void SetMessageBoxTimeoutFunction(MessageBoxTimeoutFunction function_I);
 // The product title and a table text in the interface language.
 std::wstring Text(UINT stringId_I, LANGID language_I);
 
+// A control and the table text that is its caption.
+struct SCaption {
+    int id;
+    UINT stringId;
+};
+void SetCaptions(HWND dialog_I, const SCaption* captions_I, size_t count_I, LANGID language_I);
+template <size_t N>
+void SetCaptions(HWND dialog_I, const SCaption (&captions_I)[N], LANGID language_I) {
+    SetCaptions(dialog_I, captions_I, N, language_I);
+}
+
 // After a committed brightness or contrast change: true to keep it. Asks only when the
 // picture may be too dark; no answer within five seconds keeps the old values.
 bool ConfirmPictureNotTooDark(HWND owner_I, UiDisplayDelegate& delegate_I, int32_t brightness_I,
