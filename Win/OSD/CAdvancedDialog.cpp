@@ -273,13 +273,11 @@ LRESULT CAdvancedDialog::OnHScroll(UINT, WPARAM, LPARAM lParam_I, BOOL& handled_
 
 LRESULT CAdvancedDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
     UiDisplayDelegate* delegate = Delegate();
-    const LRESULT idx = SendDlgItemMessageW(m_hWnd, id_I, CB_GETCURSEL, 0, 0);
-    const std::vector<int32_t>& values = mValues[id_I];
-    VLR_ASSERT(idx >= 0 && static_cast<size_t>(idx) < values.size());
-    if (delegate == nullptr || idx < 0 || static_cast<size_t>(idx) >= values.size()) {
+    int32_t value = 0;
+    if (!SelectedComboValue(m_hWnd, id_I, mValues[id_I], value) || delegate == nullptr) {
         return 0;
     }
-    if (Checked(delegate->SetSetting(SettingOfCombo(id_I), values[static_cast<size_t>(idx)]))) {
+    if (Checked(delegate->SetSetting(SettingOfCombo(id_I), value))) {
         Refresh();
         mMainDlg.UpdateButtons();
     }

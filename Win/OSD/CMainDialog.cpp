@@ -658,14 +658,12 @@ LRESULT CMainDialog::OnDisplayChanged(WORD, WORD, HWND, BOOL&) {
 
 LRESULT CMainDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
     UiDisplayDelegate* delegate = Delegate();
-    const LRESULT idx = SendDlgItemMessageW(m_hWnd, id_I, CB_GETCURSEL, 0, 0);
-    const std::vector<int32_t>& values = mValues[id_I];
-    VLR_ASSERT(idx >= 0 && static_cast<size_t>(idx) < values.size());
-    if (delegate == nullptr || idx < 0 || static_cast<size_t>(idx) >= values.size()) {
+    int32_t value = 0;
+    if (!SelectedComboValue(m_hWnd, id_I, mValues[id_I], value) || delegate == nullptr) {
         return 0;
     }
     const ESetting setting = SettingOfCombo(id_I);
-    Check(delegate->SetSetting(setting, values[static_cast<size_t>(idx)]));
+    Check(delegate->SetSetting(setting, value));
     if (setting == ESetting::Gamma) {
         UpdateButtons();
     } else {

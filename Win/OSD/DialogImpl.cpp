@@ -1,5 +1,7 @@
 #include "DialogImpl.h"
 
+#include "Assert.h"
+
 namespace {
 
 struct SCreation {
@@ -58,4 +60,15 @@ INT_PTR CALLBACK CDialogBase::StartDialogProc(HWND window_I, UINT message_I, WPA
     }
     SetWindowLongPtrW(window_I, DWLP_MSGRESULT, result);
     return TRUE;
+}
+
+bool SelectedComboValue(HWND dialog_I, int comboId_I, const std::vector<int32_t>& values_I,
+                        int32_t& value_O) {
+    const LRESULT idx = SendDlgItemMessageW(dialog_I, comboId_I, CB_GETCURSEL, 0, 0);
+    const bool valid = idx >= 0 && static_cast<size_t>(idx) < values_I.size();
+    VLR_ASSERT_AS(valid, "idx < mValues.size()");
+    if (valid) {
+        value_O = values_I[static_cast<size_t>(idx)];
+    }
+    return valid;
 }

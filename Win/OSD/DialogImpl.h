@@ -11,6 +11,9 @@
 
 #include <windows.h>
 
+#include <cstdint>
+#include <vector>
+
 class CDialogBase {
 public:
     explicit CDialogBase(UINT templateId_I) : mTemplateId(templateId_I) {}
@@ -42,6 +45,10 @@ private:
     UINT mTemplateId;
     bool mModeless = false;
 };
+
+// The value behind the selected item of a combo whose items stand for values_I, in order;
+// false (and an assertion) when the selection has no value.
+bool SelectedComboValue(HWND dialog_I, int comboId_I, const std::vector<int32_t>& values_I, int32_t& value_O);
 
 #define BEGIN_MSG_MAP(theClass)                                                                     \
     BOOL ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult) \
