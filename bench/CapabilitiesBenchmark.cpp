@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "CapabilitiesParser.h"
+#include "DisplayTraits.h"
 
 namespace {
 
@@ -17,10 +18,11 @@ std::string ReadCaps(const char* name) {
 
 void ParseEverything(benchmark::State& state, const char* file) {
     const std::string text = ReadCaps(file);
-    const CodeInfoTable table = BuildCodeInfoTable(0x1070);
+    const SCodeVariants variants = DisplayTraitsFor(0x1070).codeVariants;
+    const CodeInfoTable table = BuildCodeInfoTable(variants);
     for (auto _ : state) {
         CapabilitiesMap caps = ParseCapabilitiesString(text);
-        VCPOptionsMap options = CreateVCPCodeMap(0x1070, caps["vcp"], table);
+        VCPOptionsMap options = CreateVCPCodeMap(variants, caps["vcp"], table);
         std::vector<uint32_t> commands = CreateCommandsVector(caps["cmds"]);
         benchmark::DoNotOptimize(options);
         benchmark::DoNotOptimize(commands);

@@ -6,7 +6,6 @@
 #include "Clock.h"
 #include "DdcPackets.h"
 #include "DebugLog.h"
-#include "ModelGroups.h"
 #include "ScopedTimer.h"
 
 SMCCSVersion SMCCSVersion::Parse(const std::string& text_I) {
@@ -21,7 +20,7 @@ SMCCSVersion SMCCSVersion::Parse(const std::string& text_I) {
 }
 
 CDisplay::CDisplay(std::shared_ptr<Connector> connector_I, uint16_t edidNumber_I)
-    : mConnector(std::move(connector_I)), mEDIDNumber(edidNumber_I) {}
+    : mConnector(std::move(connector_I)), mEDIDNumber(edidNumber_I), mTraits(DisplayTraitsFor(edidNumber_I)) {}
 
 CDisplay::~CDisplay() {
     ClearData();
@@ -44,7 +43,7 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
     VLR_ASSERT(mEDIDNumber != 0);
 
     if (mCodeInfo.empty()) {
-        mCodeInfo = BuildCodeInfoTable(mEDIDNumber);
+        mCodeInfo = BuildCodeInfoTable(mTraits.codeVariants);
     }
 
     std::string capsStr = capsStr_I;
@@ -92,7 +91,7 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
     }
 
     if (valueOf("mccs_ver").empty()) {
-        if (!IsInModelGroup(EModelGroup::ContinuousGammaDefaultMccs, mEDIDNumber)) {
+        if (!mTraits.acceptsMissingMccsVersion) {
             return fail("mccs_ver missing");
         }
         mCapabilities["mccs_ver"] = "2.2";
@@ -104,7 +103,7 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
     if (vcp.empty()) {
         return fail("vcp missing");
     }
-    if (IsInModelGroup(EModelGroup::BatteryModeMissingZero, mEDIDNumber) &&
+    if (mTraits.batteryModeMissingZero &&
         vcp.find("F4(02 03)") != std::string::npos) {
         // The firmware reports Battery Mode 0 but leaves it out of its list.
         DLog("CDisplay::Initialize: WARNING - HACKING 0xF4 options to include illegal zero value\n");
@@ -113,7 +112,7 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
         DLog("Updated caps for 0xF4: %s\n", vcp.c_str());
     }
 
-    mVCPOptionsMap = CreateVCPCodeMap(mEDIDNumber, vcp, mCodeInfo);
+    mVCPOptionsMap = CreateVCPCodeMap(mTraits.codeVariants, vcp, mCodeInfo);
     if (mVCPOptionsMap.empty()) {
         return fail("CreateVCPCodeMap failed");
     }
@@ -147,14 +146,14 @@ void CDisplay::ApplyModelCorrections() {
                 code_I, mCodeInfo.at(code_I), optionSet_I);
         }
     };
-    if (IsInModelGroup(EModelGroup::FixedColorPresets, mEDIDNumber)) {
+    if (mTraits.fixedColorPresets) {
         replaceWithPresets(vcpC_SelectColorPreset, "04 05 08 0B");
     }
-    if (IsInModelGroup(EModelGroup::ExtendedDisplayPresets, mEDIDNumber)) {
+    if (mTraits.extendedDisplayPresets) {
         // Printed with colour-preset texts: the extended set mixes preset kinds.
         replaceWithPresets(vcpC_DisplayPresets, "00 05 06 07 08 09 0A 0B 0C 0D");
     }
-    if (IsInModelGroup(EModelGroup::NoFan, mEDIDNumber)) {
+    if (mTraits.noFan) {
         mVCPOptionsMap.erase(vcpC_FanSpeed);
     }
 }
@@ -360,7 +359,7 @@ bool CDisplay::RestoreOriginal(uint32_t vcpCode_I) {
     VLR_ASSERT(!option->HasError());
     if (!ReadVCPValue_(option)) {
         // Some panels need a second to settle before they read back a restored preset.
-        Clock::PauseMs(IsInModelGroup(EModelGroup::FixedColorPresets, mEDIDNumber) ? 1000 : 60);
+        Clock::PauseMs(mTraits.fixedColorPresets ? 1000 : 60);
         option->ClearError();
         if (!ReadVCPValue_(option)) {
             return false;

@@ -16,6 +16,7 @@
 #include "CapabilitiesParser.h"
 #include "CodeInfo.h"
 #include "Connector.h"
+#include "DisplayTraits.h"
 #include "FirmwareVersion.h"
 
 struct SMCCSVersion {
@@ -80,6 +81,8 @@ public:
     void SetAllowRawColorValues(bool allow_I) { mAllowRawColorValues = allow_I; }
 
     uint16_t EDIDNumber() const { return mEDIDNumber; }
+    // What this display does differently, worked out when it was made.
+    const SDisplayTraits& Traits() const { return mTraits; }
     const std::shared_ptr<Connector>& GetConnector() const { return mConnector; }
     const std::string& MonitorName() const { return mMonitorName; }
     void SetMonitorName(const std::string& name_I) { mMonitorName = name_I; }
@@ -108,6 +111,7 @@ protected:
 
     std::shared_ptr<Connector> mConnector;
     uint16_t mEDIDNumber;
+    SDisplayTraits mTraits;
     std::string mMonitorName;
     std::string mSupportedName;
     CapabilitiesMap mCapabilities;

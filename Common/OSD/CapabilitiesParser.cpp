@@ -4,7 +4,6 @@
 
 #include "Assert.h"
 #include "DebugLog.h"
-#include "ModelGroups.h"
 
 CapabilitiesMap ParseCapabilitiesString(const std::string& capsStr_I) {
     CapabilitiesMap caps;
@@ -43,57 +42,39 @@ CapabilitiesMap ParseCapabilitiesString(const std::string& capsStr_I) {
 
 namespace {
 
-// Codes whose option class is fixed by their meaning rather than by the code information.
-bool IsEnumeratedByMeaning(uint8_t code_I, uint16_t edidProductCode_I) {
-    switch (code_I) {
-        case vcpC_SelectColorPreset:
-        case vcpC_Gamma:
-        case vcpC_DisplayScaling:
-        case vcpC_AspectRatio:
-        case vcpC_UniformityCompensation:
-        case vcpC_ColorSpace:
-        case vcpC_LedBrightness:
-        case vcpC_DisplayPresets: return true;
-        case vcpC_ColorOffsetRed:
-            return IsInModelGroup(EModelGroup::ColorOffsetRedIsColorPreset, edidProductCode_I);
-        default: return false;
-    }
-}
-
 template <typename E>
 VCPOptionPtr MakeEnumerated(uint8_t code_I, const CCodeInfo& info_I, const std::string& optionSet_I) {
     return std::make_shared<VCPOptionCodeWithEnumerationT<E>>(code_I, info_I, optionSet_I);
 }
 
-VCPOptionPtr MakeEnumeratedByMeaning(uint8_t code, const CCodeInfo& info_I, const std::string& optionSet) {
-    switch (code) {
-        case vcpC_SelectColorPreset:
-        case vcpC_ColorOffsetRed: return MakeEnumerated<colorPresetCode>(code, info_I, optionSet);
-        case vcpC_Gamma: return MakeEnumerated<gammaCode>(code, info_I, optionSet);
-        case vcpC_DisplayScaling:
-        case vcpC_AspectRatio: return MakeEnumerated<displayScalingCode>(code, info_I, optionSet);
-        case vcpC_UniformityCompensation: return MakeEnumerated<uniformityCompCode>(code, info_I, optionSet);
-        case vcpC_ColorSpace: return MakeEnumerated<colorSpaceCode>(code, info_I, optionSet);
-        case vcpC_LedBrightness: return MakeEnumerated<ledBrightnessCode>(code, info_I, optionSet);
+VCPOptionPtr MakeEnumeratedByValueNames(EValueNames values_I, uint8_t code, const CCodeInfo& info_I,
+                                        const std::string& optionSet) {
+    switch (values_I) {
+        case EValueNames::ColorPreset: return MakeEnumerated<colorPresetCode>(code, info_I, optionSet);
+        case EValueNames::Gamma: return MakeEnumerated<gammaCode>(code, info_I, optionSet);
+        case EValueNames::DisplayScaling: return MakeEnumerated<displayScalingCode>(code, info_I, optionSet);
+        case EValueNames::UniformityComp: return MakeEnumerated<uniformityCompCode>(code, info_I, optionSet);
+        case EValueNames::ColorSpace: return MakeEnumerated<colorSpaceCode>(code, info_I, optionSet);
+        case EValueNames::LedBrightness: return MakeEnumerated<ledBrightnessCode>(code, info_I, optionSet);
         default: return MakeEnumerated<displayPresetCode>(code, info_I, optionSet);
     }
 }
 
-VCPOptionPtr MakeOption(uint8_t code, uint16_t edidProductCode_I, const std::string& optionSet,
+VCPOptionPtr MakeOption(uint8_t code, const SCodeVariants& variants_I, const std::string& optionSet,
                         const CodeInfoTable& codeInfo_I) {
     const CCodeInfo& info = codeInfo_I.at(code);
-    if (IsEnumeratedByMeaning(code, edidProductCode_I)) {
-        const bool fineScaleGamma =
-            code == vcpC_Gamma && IsInModelGroup(EModelGroup::ContinuousGammaDefaultMccs, edidProductCode_I);
-        if (fineScaleGamma) {
-            // Gamma is a continuous fine scale on these models: the code information says
-            // so, and the option follows it (no option set, a range read from the display).
-            return info.Continuous() ? VCPOptionPtr(std::make_shared<VCPOptionSingleCode>(code, info))
-                                     : MakeEnumerated<gammaCode>(code, info, optionSet);
+    const SVcpCodeRow* row = FindVcpCodeRow(code, variants_I);
+    const EValueNames values = row != nullptr ? row->values : EValueNames::None;
+    if (values != EValueNames::None) {
+        if (info.Continuous()) {
+            // Gamma on the fine-scale models: a continuous code although its values have
+            // names. The option follows the code information (no option set, a range read
+            // from the display), and the enumeration's checks do not apply.
+            return std::make_shared<VCPOptionSingleCode>(code, info);
         }
         VLR_ASSERT(!optionSet.empty());
-        VLR_ASSERT(!codeInfo_I.at(code).Continuous() && !codeInfo_I.at(code).Table());
-        return MakeEnumeratedByMeaning(code, info, optionSet);
+        VLR_ASSERT(!info.Continuous() && !info.Table());
+        return MakeEnumeratedByValueNames(values, code, info, optionSet);
     }
     switch (info.Type()) {
         case eTypeContinuous:
@@ -112,7 +93,7 @@ VCPOptionPtr MakeOption(uint8_t code, uint16_t edidProductCode_I, const std::str
 
 }  // namespace
 
-VCPOptionsMap CreateVCPCodeMap(uint16_t edidProductCode_I, const std::string& vcpStr_I,
+VCPOptionsMap CreateVCPCodeMap(const SCodeVariants& variants_I, const std::string& vcpStr_I,
                                const CodeInfoTable& codeInfo_I) {
     VCPOptionsMap options;
     std::string key;
@@ -126,7 +107,7 @@ VCPOptionsMap CreateVCPCodeMap(uint16_t edidProductCode_I, const std::string& vc
         in >> std::hex >> code;  // "10", "0x10" and "010" all read as 0x10; garbage reads as 0
         if (code <= 0xFF && codeInfo_I.count(static_cast<uint8_t>(code)) != 0) {
             VCPOptionPtr option =
-                MakeOption(static_cast<uint8_t>(code), edidProductCode_I, optionSet, codeInfo_I);
+                MakeOption(static_cast<uint8_t>(code), variants_I, optionSet, codeInfo_I);
             if (option) {
                 options[static_cast<uint8_t>(code)] = option;
             }

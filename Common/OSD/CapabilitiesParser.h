@@ -19,9 +19,9 @@ using CapabilitiesMap = std::map<std::string, std::string>;
 // their parentheses. Pairs with an empty key or value are dropped.
 CapabilitiesMap ParseCapabilitiesString(const std::string& capsStr_I);
 
-// Makes one option per known code of the "vcp" value. The display's EDID product code
-// decides the few model-dependent option classes. An empty result means failure.
-VCPOptionsMap CreateVCPCodeMap(uint16_t edidProductCode_I, const std::string& vcpStr_I,
+// Makes one option per known code of the "vcp" value; the option class follows the code's
+// row with the display's variants. An empty result means failure.
+VCPOptionsMap CreateVCPCodeMap(const SCodeVariants& variants_I, const std::string& vcpStr_I,
                                const CodeInfoTable& codeInfo_I);
 
 // The command codes of the "cmds" value in the order they stand; the first token that is not

@@ -1,18 +1,12 @@
 #pragma once
-// What the program knows of each VCP code: how it may be accessed, whether it is continuous,
-// non-continuous or a table, and its read and write sizes. A code missing from the table is
-// never turned into an option.
+// What the program knows of each VCP code, as an option sees it: how it may be accessed,
+// whether it is continuous, non-continuous or a table, and its read and write sizes, taken
+// from the code table. A code missing from the table is never turned into an option.
 
 #include <cstdint>
 #include <map>
 
-enum ECodeAccess : uint32_t {
-    eAccessReadOnly = 0,
-    eAccessWriteOnly = 1,
-    eAccessReadWrite = 2,
-    eAccessPlaceholder = 3
-};
-enum ECodeType : uint32_t { eTypeContinuous = 0, eTypeNonContinuous = 1, eTypeTable = 2 };
+#include "VcpCodeTable.h"
 
 class CCodeInfo {
 public:
@@ -52,6 +46,5 @@ private:
 
 using CodeInfoTable = std::map<uint8_t, CCodeInfo>;
 
-// The table for a display with this EDID product code (gamma and the red colour offset
-// differ by model).
-CodeInfoTable BuildCodeInfoTable(uint16_t edidProductCode_I);
+// The code information of every code the table describes, with the display's variants.
+CodeInfoTable BuildCodeInfoTable(const SCodeVariants& variants_I);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "ModelGroups.h"
 #include "codes.h"
 
 CColor CColor::FromRGB(uint8_t red_I, uint8_t green_I, uint8_t blue_I) {
@@ -81,28 +80,19 @@ bool AllChannelsBelow20(const CColor& color_I) {
 }
 }  // namespace
 
-bool IsColorTooDark(const CColor& color_I, uint32_t type_I, uint16_t edidProductCode_I) {
-    if (IsInAnyFamily({0x0304, 0x0333, 0x0325, 0x037C, 0x0351}, edidProductCode_I)) {
+bool IsColorTooDark(const CColor& color_I, uint32_t type_I, ETooDarkTest test_I) {
+    if (test_I == ETooDarkTest::AllChannelsBelow20) {
         return AllChannelsBelow20(color_I);
     }
     if (type_I != eColorModGain) {
         return false;
     }
-    if (IsInAnyFamily({0x032B, 0x032A}, edidProductCode_I)) {
-        return color_I.Black() >= 0.6;
+    switch (test_I) {
+        case ETooDarkTest::BlackFrom50: return color_I.Black() >= 0.5;
+        case ETooDarkTest::BlackFrom60: return color_I.Black() >= 0.6;
+        case ETooDarkTest::BlackFrom75: return color_I.Black() >= 0.75;
+        default: return false;
     }
-    if (IsInAnyFamily({0x034F, 0x0350, 0x03B2, 0x0352}, edidProductCode_I)) {
-        return color_I.Black() >= 0.5;
-    }
-    if (IsInModelGroup(EModelGroup::GroupD, edidProductCode_I)) {
-        return color_I.Black() >= 0.75;
-    }
-    if (IsInModelGroup(EModelGroup::GroupA, edidProductCode_I) ||
-        IsInModelGroup(EModelGroup::GroupB, edidProductCode_I) ||
-        IsInAnyFamily({0x03A6, 0x03BD}, edidProductCode_I)) {
-        return color_I.Black() >= 0.6;
-    }
-    return false;
 }
 
 bool IsColorTooDark(const CColor& color_I, bool testRGB_I, bool testBlack_I) {

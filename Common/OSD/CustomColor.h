@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+#include "DisplayTraits.h"
+
 constexpr int MAX_COLOR_RGB_PERCENT = 100;
 
 class CColor {
@@ -56,8 +58,8 @@ const char* ColorModTypeName(uint32_t type_I);
 // "Red", "Green", "Blue", "Cyan", "Magenta", "Yellow", "Black"; "Unknown" otherwise.
 const char* ColorChannelName(uint32_t channel_I);
 
-// Whether a colour of this adjustment type would leave the display of this EDID product code
+// Whether a colour of this adjustment type would leave a display with this too-dark test
 // too dark to use.
-bool IsColorTooDark(const CColor& color_I, uint32_t type_I, uint16_t edidProductCode_I);
+bool IsColorTooDark(const CColor& color_I, uint32_t type_I, ETooDarkTest test_I);
 // The short form: with testRGB_I, all channels below 20; else with testBlack_I, black >= 0.6.
 bool IsColorTooDark(const CColor& color_I, bool testRGB_I, bool testBlack_I);

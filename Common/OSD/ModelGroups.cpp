@@ -11,47 +11,78 @@ struct SModelGroupRow {
     std::vector<uint16_t> productIds;
 };
 
+std::vector<uint16_t> Join(std::initializer_list<std::vector<uint16_t>> parts_I) {
+    std::vector<uint16_t> all;
+    for (const auto& part : parts_I) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
+#define VLR_GROUP(name) EModelGroup::name, #name
+
 // One row per group: which product families it holds, and why.
 const std::vector<SModelGroupRow>& Rows() {
+    // The product families, by series.
+    static const std::vector<uint16_t> kEarlySerialModels = {0x0304, 0x0333, 0x0325};
+    static const std::vector<uint16_t> kHdModels = {0x032B, 0x032A};
+    static const std::vector<uint16_t> kProModels = {0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352};
+    static const std::vector<uint16_t> kPenComputers = {0x034D, 0x034E, 0x0398, 0x0399};
+    static const std::vector<uint16_t> kTouchModels = {0x0390, 0x0396, 0x0391};
+    static const std::vector<uint16_t> kBatteryModels = {0x03AE, 0x03B0};
+    static const std::vector<uint16_t> kStudioModels = {0x03A6, 0x03BD};
     static const std::vector<SModelGroupRow> rows = {
         // The first serial-port models predate the manufacturer colour codes and keep their
         // colour-temperature presets at 0xE4.
-        {EModelGroup::ColorOffsetRedIsColorPreset, "ColorOffsetRedIsColorPreset", {0x0304, 0x0333, 0x0325}},
-        // The scaler of the group-C models exposes gamma as a fine scale and was released
-        // before it reported mccs_ver.
-        {EModelGroup::ContinuousGammaDefaultMccs,
-         "ContinuousGammaDefaultMccs",
-         {0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352}},
+        {VLR_GROUP(ColorOffsetRedIsColorPreset), kEarlySerialModels},
+        // The pro scaler exposes gamma as a fine scale and was released before it reported
+        // mccs_ver.
+        {VLR_GROUP(ContinuousGammaDefaultMccs), kProModels},
         // These panels list more colour presets than they can show and settle slowly after
         // a preset change.
-        {EModelGroup::FixedColorPresets, "FixedColorPresets", {0x032B, 0x032A}},
-        // The pen-computer screens choose their colour mode through 0xF0 and under-report
-        // its values.
-        {EModelGroup::ExtendedDisplayPresets, "ExtendedDisplayPresets", {0x034D, 0x034E, 0x0398, 0x0399}},
+        {VLR_GROUP(FixedColorPresets), kHdModels},
+        // The pen computers choose their colour mode through 0xF0 and under-report its values.
+        {VLR_GROUP(ExtendedDisplayPresets), kPenComputers},
         // Passively cooled panels whose firmware still lists Fan Speed.
-        {EModelGroup::NoFan, "NoFan", {0x0390, 0x0396, 0x0391}},
+        {VLR_GROUP(NoFan), kTouchModels},
         // The battery-powered models report Battery Mode 0 but leave it out of their list.
-        {EModelGroup::BatteryModeMissingZero, "BatteryModeMissingZero", {0x03AE, 0x03B0}},
-        {EModelGroup::HidPairedByModel, "HidPairedByModel", {0x03A6, 0x03BD, 0x03AE, 0x03B0}},
-        {EModelGroup::LegacySerialPort, "LegacySerialPort", {0x0304, 0x0333, 0x0325}},
+        {VLR_GROUP(BatteryModeMissingZero), kBatteryModels},
+
+        // The touch models dim the backlight itself.
+        {VLR_GROUP(BrightnessByBacklightControl), kTouchModels},
+        {VLR_GROUP(BrightnessByWhiteBacklightLevel), Join({{0x03A6}, kBatteryModels, {0x03BD}})},
+        {VLR_GROUP(ColorModeByDisplayPresets), kPenComputers},
+        {VLR_GROUP(AspectRatioByMakerCode), kProModels},
+        {VLR_GROUP(AspectRatioByDisplayScaling), Join({kTouchModels, kHdModels})},
+        // The studio and battery models fit the picture through their scan mode.
+        {VLR_GROUP(ScanModeFitsPicture), {0x03A6, 0x03AE, 0x03B0, 0x03BD}},
+        {VLR_GROUP(GammaTwoChoices), kHdModels},
+        {VLR_GROUP(GammaThreeChoices), kPenComputers},
+        // The first studio model's LED has one brightness.
+        {VLR_GROUP(FixedPowerLed), {0x03A6}},
+        {VLR_GROUP(RestartsAfterFactoryReset), Join({kHdModels, kProModels, kPenComputers})},
+        {VLR_GROUP(DynamicContrastExcludesUniformity), {0x037C, 0x0351}},
+        {VLR_GROUP(CustomColorExcludesUniformity), kProModels},
+        {VLR_GROUP(TooDarkWhenAllChannelsBelow20), Join({kEarlySerialModels, {0x037C, 0x0351}})},
+        {VLR_GROUP(TooDarkWhenBlackFrom50), {0x034F, 0x0350, 0x03B2, 0x0352}},
+        {VLR_GROUP(TooDarkWhenBlackFrom60), Join({kHdModels, kTouchModels, kBatteryModels, kStudioModels})},
+        {VLR_GROUP(TooDarkWhenBlackFrom75), kPenComputers},
+
+        {VLR_GROUP(HidPairedByModel), {0x03A6, 0x03BD, 0x03AE, 0x03B0}},
+        {VLR_GROUP(LegacySerialPort), kEarlySerialModels},
         // Tested in this order; the first family that holds the display decides.
-        {EModelGroup::LegacyFtdiBridge,
-         "LegacyFtdiBridge",
+        {VLR_GROUP(LegacyFtdiBridge),
          {0x032B, 0x032A, 0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352, 0x0398, 0x0399, 0x0390, 0x03AE,
           0x0396, 0x03B0, 0x03A6, 0x03BD}},
-        {EModelGroup::LegacyTiBridge, "LegacyTiBridge", {0x034D, 0x034E}},
+        {VLR_GROUP(LegacyTiBridge), {0x034D, 0x034E}},
         // Earlier firmware starts its menu in English whatever the computer's language.
-        {EModelGroup::OsdLanguageSetByHost,
-         "OsdLanguageSetByHost",
-         {0x032B, 0x032A, 0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352}},
-        {EModelGroup::PenComputerScreen, "PenComputerScreen", {0x034D, 0x034E, 0x0398, 0x0399}},
-        {EModelGroup::GroupA, "GroupA", {0x0390, 0x0396, 0x0391}},
-        {EModelGroup::GroupB, "GroupB", {0x03AE, 0x03B0}},
-        {EModelGroup::GroupC, "GroupC", {0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352}},
-        {EModelGroup::GroupD, "GroupD", {0x034D, 0x034E, 0x0398, 0x0399}},
+        {VLR_GROUP(OsdLanguageSetByHost), Join({kHdModels, kProModels})},
+        {VLR_GROUP(PenComputerScreen), kPenComputers},
     };
     return rows;
 }
+
+#undef VLR_GROUP
 
 const SModelGroupRow& RowOf(EModelGroup group_I) {
     for (const SModelGroupRow& row : Rows()) {

@@ -1,13 +1,17 @@
 #pragma once
-// Per-model behaviour in one place. Each model group is a set of product families (named by
-// the USB product id of the tablet inside the display); a display belongs to a group when its
-// EDID product code is in one of the group's families. Everything that behaves differently
-// by model asks this module rather than testing product codes itself.
+// Per-model behaviour in one place. Each model group is named by what its members do
+// differently and holds the product families (named by the USB product id of the tablet
+// inside the display) that do it; a display belongs to a group when its EDID product code is
+// in one of the group's families. No other module names a product id, apart from the
+// per-family settings table (help pages); displays read their traits, made once from these
+// groups, and discovery asks the groups before a display exists.
 
 #include <cstdint>
+#include <initializer_list>
 #include <vector>
 
 enum class EModelGroup {
+    // ---- capabilities and options ----
     // VCP 0xE4 carries colour-temperature presets (an enumeration like 0x14) instead of the
     // red colour offset.
     ColorOffsetRedIsColorPreset,
@@ -23,10 +27,45 @@ enum class EModelGroup {
     NoFan,
     // Battery Mode (0xF4) is listed as "F4(02 03)" although the firmware also reports 0.
     BatteryModeMissingZero,
-    // Discovery: any HID control interface may serve these models when no interface reports
-    // the display's serial number (their USB serial is the tablet's, not the panel's).
+
+    // ---- settings ----
+    // Brightness is the backlight control (0x13) rather than the luminance.
+    BrightnessByBacklightControl,
+    // Brightness is the white backlight level (0x6B).
+    BrightnessByWhiteBacklightLevel,
+    // The colour setting mode is chosen with display presets (0xF0 = 7, 8, 9).
+    ColorModeByDisplayPresets,
+    // Aspect ratio by the maker's aspect code (0xE2).
+    AspectRatioByMakerCode,
+    // Aspect ratio by the standard display scaling (0x86).
+    AspectRatioByDisplayScaling,
+    // A scan mode (0xDA) exists, and it is what fits the picture (aspect ratio).
+    ScanModeFitsPicture,
+    // Gamma offers 2.2 and 2.4 as 0x72 = 1, 2.
+    GammaTwoChoices,
+    // Gamma offers 1.9, 2.2 and 2.4 as 0x72 = 1, 2, 3.
+    GammaThreeChoices,
+    // The power LED cannot be dimmed.
+    FixedPowerLed,
+    // The scaler restarts after a factory reset and answers nothing for a while.
+    RestartsAfterFactoryReset,
+    // Dynamic contrast cannot run together with uniformity compensation.
+    DynamicContrastExcludesUniformity,
+    // Custom colour switches uniformity compensation off: its tables are calibrated for the
+    // presets, not for custom gains.
+    CustomColorExcludesUniformity,
+    // The too-dark test of the custom colour: every channel below 20, whatever the adjustment.
+    TooDarkWhenAllChannelsBelow20,
+    // The too-dark test of the gain: black at or above 50 %, 60 % or 75 %.
+    TooDarkWhenBlackFrom50,
+    TooDarkWhenBlackFrom60,
+    TooDarkWhenBlackFrom75,
+
+    // ---- discovery ----
+    // Any HID control interface may serve these models when no interface reports the
+    // display's serial number (their USB serial is the tablet's, not the panel's).
     HidPairedByModel,
-    // Discovery, pairing without a serial number: the transport each model is built with.
+    // Pairing without a serial number: the transport each model is built with.
     LegacySerialPort,
     LegacyFtdiBridge,
     LegacyTiBridge,
@@ -35,11 +74,6 @@ enum class EModelGroup {
     // The built-in screens of the maker's pen computer, whose colour range depends on whether
     // they run inside the maker's own computer.
     PenComputerScreen,
-    // Families the settings delegate and the colour model treat alike.
-    GroupA,
-    GroupB,
-    GroupC,
-    GroupD,
 };
 
 // True when the display with this EDID product code belongs to the group.

@@ -1,6 +1,7 @@
 #include "SettingCodes.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "ModelGroups.h"
 #include "StringIds.h"
@@ -8,48 +9,28 @@
 
 namespace {
 
-// A row applies to the listed families, or to every display when the list is empty. The first
-// row of a setting that applies decides.
+// A row applies to the displays of its model group, or to every display when it names none.
+// The first row of a setting that applies decides.
 struct SSettingRow {
     ESetting setting;
-    std::vector<uint16_t> families;
+    std::optional<EModelGroup> group;
     uint8_t vcpCode;
 };
 
-std::vector<uint16_t> Join(std::initializer_list<std::vector<uint16_t>> parts_I) {
-    std::vector<uint16_t> all;
-    for (const auto& part : parts_I) {
-        all.insert(all.end(), part.begin(), part.end());
-    }
-    return all;
-}
-
 const std::vector<SSettingRow>& Rows() {
-    const auto& groupA = ModelGroupProductIds(EModelGroup::GroupA);
-    const auto& groupB = ModelGroupProductIds(EModelGroup::GroupB);
-    const auto& groupC = ModelGroupProductIds(EModelGroup::GroupC);
-    const auto& groupD = ModelGroupProductIds(EModelGroup::GroupD);
-    const auto& earlyModels = ModelGroupProductIds(EModelGroup::ColorOffsetRedIsColorPreset);
     static const std::vector<SSettingRow> rows = {
-        // Group A dims the backlight itself.
-        {ESetting::Brightness, groupA, vcpC_BacklightControl},
-        // The studio and mobile models set the white backlight level.
-        {ESetting::Brightness, Join({{0x03A6}, groupB, {0x03BD}}), vcpC_BacklightLevelWhite},
+        {ESetting::Brightness, EModelGroup::BrightnessByBacklightControl, vcpC_BacklightControl},
+        {ESetting::Brightness, EModelGroup::BrightnessByWhiteBacklightLevel, vcpC_BacklightLevelWhite},
         {ESetting::Brightness, {}, vcpC_Luminance},
         {ESetting::Contrast, {}, vcpC_Contrast},
-        // The pen computers switch between temperature, space and custom colour with presets.
-        {ESetting::ColorSettingMode, groupD, vcpC_DisplayPresets},
-        // The first models keep their colour-temperature presets at 0xE4.
-        {ESetting::ColorTemperature, earlyModels, vcpC_ColorOffsetRed},
+        {ESetting::ColorSettingMode, EModelGroup::ColorModeByDisplayPresets, vcpC_DisplayPresets},
+        {ESetting::ColorTemperature, EModelGroup::ColorOffsetRedIsColorPreset, vcpC_ColorOffsetRed},
         {ESetting::ColorTemperature, {}, vcpC_SelectColorPreset},
         {ESetting::ColorSpace, {}, vcpC_ColorSpace},
         {ESetting::Gamma, {}, vcpC_Gamma},
-        // Group C scales the picture with the maker's aspect code.
-        {ESetting::AspectRatio, groupC, vcpC_AspectRatio},
-        // Group A and the HD models use the standard display scaling.
-        {ESetting::AspectRatio, Join({groupA, {0x032B, 0x032A}}), vcpC_DisplayScaling},
-        // The studio and mobile models fit the picture through their scan mode.
-        {ESetting::AspectRatio, Join({{0x03A6}, groupB, {0x03BD}}), vcpC_ScanMode},
+        {ESetting::AspectRatio, EModelGroup::AspectRatioByMakerCode, vcpC_AspectRatio},
+        {ESetting::AspectRatio, EModelGroup::AspectRatioByDisplayScaling, vcpC_DisplayScaling},
+        {ESetting::AspectRatio, EModelGroup::ScanModeFitsPicture, vcpC_ScanMode},
         {ESetting::PowerLedBrightness, {}, vcpC_LedBrightness},
         {ESetting::Sharpness, {}, vcpC_Sharpness},
         {ESetting::UniformityCompensation, {}, vcpC_UniformityCompensation},
@@ -59,11 +40,27 @@ const std::vector<SSettingRow>& Rows() {
         {ESetting::FanSpeed, {}, vcpC_FanSpeed},
         {ESetting::LcdConditioning, {}, vcpC_LCDConditioning},
         {ESetting::BatteryMode, {}, vcpC_BatteryMode},
-        // Only these four families have a scan mode.
-        {ESetting::ScanMode, {0x03A6, 0x03AE, 0x03B0, 0x03BD}, vcpC_ScanMode},
+        {ESetting::ScanMode, EModelGroup::ScanModeFitsPicture, vcpC_ScanMode},
         {ESetting::OsdLanguage, {}, vcpC_OSDLanguage},
     };
     return rows;
+}
+
+// The labelled values of an enumeration, in the order the dialogs list them.
+std::vector<SEntry> LabelsOf(EValueNames values_I) {
+    std::vector<const SValueNameRow*> labelled;
+    for (const SValueNameRow& row : ValueNameRows(values_I)) {
+        if (row.labelOrder != 0) {
+            labelled.push_back(&row);
+        }
+    }
+    std::sort(labelled.begin(), labelled.end(),
+              [](const SValueNameRow* a, const SValueNameRow* b) { return a->labelOrder < b->labelOrder; });
+    std::vector<SEntry> labels;
+    for (const SValueNameRow* row : labelled) {
+        labels.push_back({row->labelId, row->value});
+    }
+    return labels;
 }
 
 }  // namespace
@@ -73,7 +70,7 @@ uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I) {
         if (row.setting != setting_I) {
             continue;
         }
-        if (row.families.empty() || IsInAnyFamily(row.families, edidProductCode_I)) {
+        if (!row.group || IsInModelGroup(*row.group, edidProductCode_I)) {
             return row.vcpCode;
         }
     }
@@ -81,28 +78,12 @@ uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I) {
 }
 
 const std::vector<SEntry>& ColorTemperatureLabels() {
-    static const std::vector<SEntry> labels = {
-        {StringId::k5000K, cpc_5000K}, {StringId::k5700K, cpc_5700K}, {StringId::k6500K, cpc_6500K},
-        {StringId::k7500K, cpc_7500K}, {StringId::k9300K, cpc_9300K}, {StringId::k10000K, cpc_10000K},
-    };
+    static const std::vector<SEntry> labels = LabelsOf(EValueNames::ColorPreset);
     return labels;
 }
 
 const std::vector<SEntry>& ColorSpaceLabels() {
-    // Values 5 and 6 are the firmware's Rec 2020 and EBU; the combined sRGB/Rec 709 entry is
-    // shown as sRGB on displays that do not also offer plain sRGB.
-    static const std::vector<SEntry> labels = {
-        {StringId::kSpaceNative, csc_Native},
-        {StringId::kSpaceAdobeRGB, csc_AdobeRGB},
-        {StringId::kSpaceSRGB, csc_sRGB},
-        {StringId::kSpaceSRGB, csc_sRGBRec709},
-        {StringId::kSpaceRec709, csc_Rec709},
-        {StringId::kSpaceDCIP3, csc_DCI},
-        {StringId::kSpaceRec2020, 5},
-        {StringId::kSpaceEBU, 6},
-        {StringId::kSpaceColorManager1, csc_XRite1},
-        {StringId::kSpaceColorManager2, csc_XRite2},
-    };
+    static const std::vector<SEntry> labels = LabelsOf(EValueNames::ColorSpace);
     return labels;
 }
 
@@ -112,24 +93,16 @@ std::vector<SEntry> AspectRatioLabels(uint8_t vcpCode_I) {
         return {{StringId::kAspectFullScreen, 0}, {StringId::kAspectKeepRatio, 1}};
     }
     // 0x86 and 0xE2 share the display-scaling values.
-    return {{StringId::kAspectFullScreen, dsc_MaxImage},
-            {StringId::kAspectKeepRatio, dsc_MaxVerticalImageWithAR},
-            {StringId::kAspectOneToOne, dsc_NoScaling}};
+    return LabelsOf(EValueNames::DisplayScaling);
 }
 
 const std::vector<SEntry>& PowerLedLabels() {
-    static const std::vector<SEntry> labels = {{StringId::kOff, lbc_Off},
-                                               {StringId::kLevelLow, lbc_Low},
-                                               {StringId::kLevelMedium, lbc_Medium},
-                                               {StringId::kLevelHigh, lbc_High}};
+    static const std::vector<SEntry> labels = LabelsOf(EValueNames::LedBrightness);
     return labels;
 }
 
 const std::vector<SEntry>& UniformityLabels() {
-    static const std::vector<SEntry> labels = {{StringId::kOff, ucc_None},
-                                               {StringId::kOn, ucc_Table1},
-                                               {StringId::kUniformityMode2, ucc_Table2},
-                                               {StringId::kUniformityMode3, ucc_Table3}};
+    static const std::vector<SEntry> labels = LabelsOf(EValueNames::UniformityComp);
     return labels;
 }
 
@@ -158,23 +131,6 @@ uint32_t ColorTemperatureKelvin(int32_t presetValue_I) {
         case cpc_10000K: return 10000;
         default: return 0;
     }
-}
-
-EGammaScale GammaScale(uint16_t edidProductCode_I) {
-    if (IsInAnyFamily({0x032B, 0x032A}, edidProductCode_I)) {
-        return EGammaScale::TwoChoices;
-    }
-    if (IsInModelGroup(EModelGroup::GroupC, edidProductCode_I)) {
-        // Group C's gamma is a fine scale where the code information says so, otherwise it
-        // takes the choice itself.
-        return IsInModelGroup(EModelGroup::ContinuousGammaDefaultMccs, edidProductCode_I)
-                   ? EGammaScale::FineScale
-                   : EGammaScale::DirectChoices;
-    }
-    if (IsInModelGroup(EModelGroup::GroupD, edidProductCode_I)) {
-        return EGammaScale::ThreeChoices;
-    }
-    return EGammaScale::None;
 }
 
 int32_t DisplayPresetForColorMode(int32_t mode_I) {

@@ -1,7 +1,9 @@
 #pragma once
 // Which VCP code, and which values, carry each user-level setting on each product family: the
-// one place that says so. The settings delegate asks it; nothing else tests families for this.
+// per-family settings table. Display traits are made from it; the labels of enumerated values
+// come from the code table's value rows.
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -25,9 +27,10 @@ enum class ESetting {
     ScanMode,
     OsdLanguage,
 };
+constexpr size_t kSettingCount = static_cast<size_t>(ESetting::OsdLanguage) + 1;
 
 // The VCP code of the setting on the display with this EDID product code; 0 when the family
-// has no code for it.
+// has no code for it. Displays keep the answer in their traits.
 uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I);
 
 // One choice of a combo: the string id of its label and the value behind it.
@@ -53,16 +56,6 @@ const std::vector<SEntry>& BatteryModeLabels();
 // Colour temperature presets in kelvin (0 for a value that is not one).
 uint32_t ColorTemperatureKelvin(int32_t presetValue_I);
 
-// How a family sets gamma.
-enum class EGammaScale {
-    None,
-    FineScale,      // 0x72 is continuous: value = gamma x 10
-    ThreeChoices,   // 1.9, 2.2, 2.4 as 0x72 = 1, 2, 3
-    TwoChoices,     // 2.2, 2.4 as 0x72 = 1, 2
-    DirectChoices,  // 1.9, 2.2, 2.4 as 0x72 = 0, 1, 2
-};
-EGammaScale GammaScale(uint16_t edidProductCode_I);
-
 // Colour setting mode values, as the display presets of the families that switch modes with
 // 0xF0 also use them.
 enum EColorSettingMode : int32_t {
@@ -75,5 +68,5 @@ int32_t DisplayPresetForColorMode(int32_t mode_I);
 int32_t ColorModeForDisplayPreset(int32_t presetValue_I);
 
 // The page of the online help that describes the display's family ("canvas-22-pro"); "index"
-// for a display of no known family.
+// for a display of no known family. Displays keep the answer in their traits.
 const char* HelpPageName(uint16_t edidProductCode_I);

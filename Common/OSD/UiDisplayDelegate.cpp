@@ -6,7 +6,6 @@
 #include "Assert.h"
 #include "Clock.h"
 #include "DebugLog.h"
-#include "ModelGroups.h"
 #include "StringIds.h"
 #include "StringUtilities.h"
 #include "codes.h"
@@ -59,9 +58,7 @@ bool UiDisplayDelegate::FactoryReset() {
     if (!SetVCPValue(vcpC_RestoreFactoryDefaults, 1)) {
         return false;
     }
-    if (IsInAnyFamily({0x032B, 0x032A}, mEDIDNumber) || IsInModelGroup(EModelGroup::GroupC, mEDIDNumber) ||
-        IsInModelGroup(EModelGroup::GroupD, mEDIDNumber)) {
-        // These scalers restart after a factory reset and answer nothing for a while.
+    if (mTraits.restartsAfterFactoryReset) {
         Clock::PauseMs(10000);
     }
     ResetData(true);
@@ -92,21 +89,19 @@ bool UiDisplayDelegate::SetContrast(int32_t value_I) {
 }
 
 bool UiDisplayDelegate::SetGammaValue(int32_t value_I) {
-    if (!IsInModelGroup(EModelGroup::GroupC, mEDIDNumber)) {
+    if (mTraits.gammaScale != EGammaScale::FineScale) {
         return false;
     }
     return Write(vcpC_Gamma, value_I);
 }
 
 bool UiDisplayDelegate::SetGamma(int32_t choice_I) {
-    if (IsInAnyFamily({0x032B, 0x032A}, mEDIDNumber)) {
-        return (choice_I == 1 || choice_I == 2) && Write(vcpC_Gamma, choice_I);
-    }
-    if (IsInModelGroup(EModelGroup::GroupC, mEDIDNumber)) {
-        return Write(vcpC_Gamma, choice_I);
-    }
-    if (IsInModelGroup(EModelGroup::GroupD, mEDIDNumber)) {
-        return choice_I >= 0 && choice_I <= 2 && Write(vcpC_Gamma, choice_I + 1);
+    switch (mTraits.gammaScale) {
+        case EGammaScale::TwoChoices: return (choice_I == 1 || choice_I == 2) && Write(vcpC_Gamma, choice_I);
+        // The fine scale takes the value as it is.
+        case EGammaScale::FineScale: return Write(vcpC_Gamma, choice_I);
+        case EGammaScale::ThreeChoices: return choice_I >= 0 && choice_I <= 2 && Write(vcpC_Gamma, choice_I + 1);
+        case EGammaScale::None: break;
     }
     return false;
 }
@@ -119,8 +114,7 @@ bool UiDisplayDelegate::SetUniformityCompensation(int32_t value_I) {
 }
 
 bool UiDisplayDelegate::SetDynamicContrast(int32_t on_I) {
-    if (on_I != 0 && IsInAnyFamily({0x037C, 0x0351}, mEDIDNumber)) {
-        // Dynamic contrast and uniformity compensation cannot run together on these panels.
+    if (on_I != 0 && mTraits.dynamicContrastExcludesUniformity) {
         Write(vcpC_UniformityCompensation, 0);
     }
     return Write(vcpC_DynamicContrast, on_I);
@@ -137,8 +131,8 @@ bool UiDisplayDelegate::SetAutoPowerDown(int32_t on_I) {
 }
 
 bool UiDisplayDelegate::SetPowerLEDBrightness(int32_t value_I) {
-    if (IsInAnyFamily({0x03A6}, mEDIDNumber) && !IsInAnyFamily({0x03BD}, mEDIDNumber)) {
-        return false;  // its LED is not dimmable
+    if (!mTraits.powerLedDimmable) {
+        return false;
     }
     return Write(vcpC_LedBrightness, value_I);
 }
@@ -198,10 +192,9 @@ bool UiDisplayDelegate::SetColorSettingMode(int32_t mode_I) {
     if (!SelectModePreset(mode_I)) {
         return false;
     }
-    if (mode_I == eColorModeCustom && IsInModelGroup(EModelGroup::GroupC, mEDIDNumber) &&
+    if (mode_I == eColorModeCustom && mTraits.customColorExcludesUniformity &&
         HasOption(vcpC_UniformityCompensation) &&
         GetVCPValue(vcpC_UniformityCompensation, false).value != 0) {
-        // The uniformity tables are calibrated for the presets, not for custom gains.
         if (!Write(vcpC_UniformityCompensation, 0)) {
             return false;
         }
@@ -270,7 +263,7 @@ SSettingState UiDisplayDelegate::ChoiceState(uint8_t vcpCode_I, const std::vecto
 }
 
 SSettingState UiDisplayDelegate::GammaState() {
-    const EGammaScale scale = GammaScale(mEDIDNumber);
+    const EGammaScale scale = mTraits.gammaScale;
     if (scale == EGammaScale::None) {
         return {};
     }
@@ -295,9 +288,7 @@ SSettingState UiDisplayDelegate::GammaState() {
             state.entries = {{StringId::kGamma1_9, 0}, {StringId::kGamma2_2, 1}, {StringId::kGamma2_4, 2}};
             state.value -= 1;  // 0x72 = choice + 1
             break;
-        default:
-            state.entries = {{StringId::kGamma1_9, 0}, {StringId::kGamma2_2, 1}, {StringId::kGamma2_4, 2}};
-            break;
+        case EGammaScale::None: break;
     }
     return state;
 }
@@ -333,7 +324,7 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
         case ESetting::AspectRatio:
             return ChoiceState(CodeOf(setting_I), AspectRatioLabels(CodeOf(setting_I)));
         case ESetting::PowerLedBrightness:
-            if (IsInAnyFamily({0x03A6}, mEDIDNumber) && !IsInAnyFamily({0x03BD}, mEDIDNumber)) {
+            if (!mTraits.powerLedDimmable) {
                 return {};
             }
             return ChoiceState(CodeOf(setting_I), PowerLedLabels());
@@ -366,8 +357,7 @@ bool UiDisplayDelegate::SetSetting(ESetting setting_I, int32_t value_I) {
         case ESetting::ColorTemperature: return SetColorTemperature(value_I);
         case ESetting::ColorSpace: return SetColorSpace(value_I);
         case ESetting::Gamma:
-            return GammaScale(mEDIDNumber) == EGammaScale::FineScale ? SetGammaValue(value_I)
-                                                                     : SetGamma(value_I);
+            return mTraits.gammaScale == EGammaScale::FineScale ? SetGammaValue(value_I) : SetGamma(value_I);
         case ESetting::AspectRatio: return SetAspectRatio(value_I);
         case ESetting::PowerLedBrightness: return SetPowerLEDBrightness(value_I);
         case ESetting::Sharpness: return SetSharpness(value_I);
@@ -448,7 +438,7 @@ bool UiDisplayDelegate::IsPictureTooDark(int32_t brightness_I, int32_t contrast_
         level *= std::clamp(2.0 * contrast_I / contrast.range.maximum, 0.0, 1.0);
     }
     const uint8_t white = static_cast<uint8_t>(std::lround(255.0 * level));
-    return ::IsColorTooDark(CColor::FromRGB(white, white, white), eColorModGain, mEDIDNumber);
+    return ::IsColorTooDark(CColor::FromRGB(white, white, white), eColorModGain, mTraits.tooDarkTest);
 }
 
 // ---- custom colour ----
@@ -502,5 +492,5 @@ bool UiDisplayDelegate::SetCustomRGBColorMod(uint32_t type_I, const CColor& colo
 }
 
 bool UiDisplayDelegate::IsColorTooDark(const CColor& color_I, uint32_t type_I) const {
-    return ::IsColorTooDark(color_I, type_I, mEDIDNumber);
+    return ::IsColorTooDark(color_I, type_I, mTraits.tooDarkTest);
 }

@@ -44,7 +44,7 @@ public:
 
     bool SetBrightness(int32_t value_I);
     bool SetContrast(int32_t value_I);
-    // The fine gamma scale of group C (value = gamma x 10).
+    // The fine gamma scale (value = gamma x 10).
     bool SetGammaValue(int32_t value_I);
     // One of the gamma choices 0, 1, 2 (1.9, 2.2, 2.4) as the family encodes them.
     bool SetGamma(int32_t choice_I);
@@ -82,7 +82,7 @@ public:
     // The power warning's first sentence: the unsaved changes make the display draw more power.
     bool IncreasesPowerUse() const { return !PowerIncreasingChanges().empty(); }
     // The online help page of the display's family.
-    const char* HelpPageName() const { return ::HelpPageName(mEDIDNumber); }
+    const char* HelpPageName() const { return mTraits.helpPage; }
     // Whether the picture at this brightness and contrast may be too dark to read.
     bool IsPictureTooDark(int32_t brightness_I, int32_t contrast_I);
 
@@ -92,7 +92,7 @@ public:
 
 private:
     bool Write(uint8_t vcpCode_I, int32_t value_I);
-    uint8_t CodeOf(ESetting setting_I) const { return SettingCode(setting_I, mEDIDNumber); }
+    uint8_t CodeOf(ESetting setting_I) const { return mTraits.SettingCode(setting_I); }
     // On the families that switch colour modes with display presets, selects the mode's preset.
     bool SelectModePreset(int32_t mode_I);
     SSettingState ContinuousState(uint8_t vcpCode_I);

@@ -663,7 +663,7 @@ std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplay(uint16_t pro
 }
 
 void CWinDisplayConfigInterface::SetLanguage(CDisplay& display_I) {
-    if (!IsInModelGroup(EModelGroup::OsdLanguageSetByHost, display_I.EDIDNumber())) {
+    if (!display_I.Traits().osdLanguageSetByHost) {
         return;
     }
     SVCPValue res = display_I.GetVCPValue(vcpC_OSDLanguage, true);

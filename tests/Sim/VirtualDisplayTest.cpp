@@ -3,6 +3,7 @@
 #include "CEdidBuilder.h"
 #include "CapabilitiesParser.h"
 #include "DdcPackets.h"
+#include "DisplayTraits.h"
 #include "EdidText.h"
 #include "LogCapture.h"
 #include "VendorCommands.h"
@@ -43,8 +44,8 @@ TEST(VirtualDisplay, PresetsCoverEveryFamilyWithConsistentCapabilities) {
         CVirtualDisplay display(model);
         CapabilitiesMap caps = ParseCapabilitiesString(display.CapabilitiesString());
         EXPECT_TRUE(log.Asserts().empty());
-        VCPOptionsMap options =
-            CreateVCPCodeMap(model.edidProductCode, caps["vcp"], BuildCodeInfoTable(model.edidProductCode));
+        const SCodeVariants variants = DisplayTraitsFor(model.edidProductCode).codeVariants;
+        VCPOptionsMap options = CreateVCPCodeMap(variants, caps["vcp"], BuildCodeInfoTable(variants));
         for (const SVirtualControl& control : model.controls) {
             if (control.code != vcpC_DisplayInfo) {
                 EXPECT_TRUE(options.count(control.code)) << std::hex << int(control.code);

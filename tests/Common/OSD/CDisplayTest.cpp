@@ -44,11 +44,11 @@ TEST(CDisplayInitialize, EveryFamilyPresetInitialisesWithItsCorrections) {
         EXPECT_FALSE(display.HasOption(vcpC_DisplayInfo));  // a table: no option
 
         const uint16_t code = model.edidProductCode;
-        const bool groupA = IsInModelGroup(EModelGroup::GroupA, code);
-        const bool sixB = IsInAnyFamily({0x03A6, 0x03BD}, code) || IsInModelGroup(EModelGroup::GroupB, code);
-        EXPECT_TRUE(display.HasOption(groupA ? vcpC_BacklightControl
-                                      : sixB ? vcpC_BacklightLevelWhite
-                                             : vcpC_Luminance));
+        const bool touch = IsInAnyFamily({0x0390, 0x0396, 0x0391}, code);
+        const bool studioOrBattery = IsInAnyFamily({0x03A6, 0x03BD, 0x03AE, 0x03B0}, code);
+        EXPECT_TRUE(display.HasOption(touch             ? vcpC_BacklightControl
+                                      : studioOrBattery ? vcpC_BacklightLevelWhite
+                                                        : vcpC_Luminance));
         if (IsInModelGroup(EModelGroup::FixedColorPresets, code)) {
             EXPECT_EQ(OptionSetOf<colorPresetCode>(display, 0x14), (std::vector<uint32_t>{4, 5, 8, 11}));
         }

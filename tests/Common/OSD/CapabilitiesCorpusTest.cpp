@@ -7,6 +7,7 @@
 #include <random>
 
 #include "CapabilitiesParser.h"
+#include "DisplayTraits.h"
 #include "DdcPackets.h"
 #include "LogCapture.h"
 #include "TestData.h"
@@ -48,7 +49,8 @@ VCPOptionsMap ParseAll(const std::string& text, uint16_t edid) {
     CapabilitiesMap caps = ParseCapabilitiesString(text);
     VCPOptionsMap options;
     if (caps.count("vcp")) {
-        options = CreateVCPCodeMap(edid, caps["vcp"], BuildCodeInfoTable(edid));
+        const SCodeVariants variants = DisplayTraitsFor(edid).codeVariants;
+        options = CreateVCPCodeMap(variants, caps["vcp"], BuildCodeInfoTable(variants));
     }
     if (caps.count("cmds")) {
         CreateCommandsVector(caps["cmds"]);
@@ -86,7 +88,7 @@ TEST(CapabilitiesCorpus, EveryRealStringParsesWithOnlyTheAssertionsItsShapeCalls
 
         for (uint16_t model : kModels) {
             VCPOptionsMap options = ParseAll(text, model);
-            CodeInfoTable table = BuildCodeInfoTable(model);
+            CodeInfoTable table = BuildCodeInfoTable(DisplayTraitsFor(model).codeVariants);
             for (const auto& entry : options) {
                 ASSERT_TRUE(entry.second);
                 EXPECT_EQ(entry.second->GetCode(), entry.first);
@@ -135,7 +137,8 @@ TEST(CapabilitiesCorpus, RandomBytesAndMutatedRealStringsNeverBreakTheParsers) {
             }
         }
         ParseAll(text, kModels[round % 4]);
-        CreateVCPCodeMap(kModels[round % 4], text, BuildCodeInfoTable(kModels[round % 4]));
+        const SCodeVariants variants = DisplayTraitsFor(kModels[round % 4]).codeVariants;
+        CreateVCPCodeMap(variants, text, BuildCodeInfoTable(variants));
         CreateCommandsVector(text);
         log.Clear();
     }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "CapabilitiesParser.h"
+#include "DisplayTraits.h"
 #include "LogCapture.h"
 #include "TestData.h"
 
@@ -11,7 +12,8 @@ constexpr uint16_t kGroupCDisplay = 0x1060;       // family 0x037C: continuous g
 constexpr uint16_t kEarlySerialDisplay = 0x1040;  // family 0x0304: 0xE4 is a colour preset
 
 VCPOptionsMap MapOf(const std::string& vcp, uint16_t edid = kOtherDisplay) {
-    return CreateVCPCodeMap(edid, vcp, BuildCodeInfoTable(edid));
+    const SCodeVariants variants = DisplayTraitsFor(edid).codeVariants;
+    return CreateVCPCodeMap(variants, vcp, BuildCodeInfoTable(variants));
 }
 
 std::vector<uint8_t> CodesOf(const VCPOptionsMap& map) {

@@ -2,6 +2,7 @@
 
 #include "CEdidBuilder.h"
 #include "CodeInfo.h"
+#include "DisplayTraits.h"
 #include "ModelGroups.h"
 
 namespace {
@@ -12,7 +13,7 @@ constexpr uint16_t kOtherDisplay = 0x1070;        // family 0x03A6
 }  // namespace
 
 TEST(CodeInfo, SizesFollowTheAccess) {
-    CodeInfoTable table = BuildCodeInfoTable(kOtherDisplay);
+    CodeInfoTable table = BuildCodeInfoTable(DisplayTraitsFor(kOtherDisplay).codeVariants);
     auto expect = [&table](uint8_t code, uint32_t access, uint32_t type, uint32_t readSize,
                            uint32_t writeSize) {
         ASSERT_TRUE(table.count(code)) << std::hex << int(code);
@@ -41,25 +42,25 @@ TEST(CodeInfo, SizesFollowTheAccess) {
 }
 
 TEST(CodeInfo, GammaAndRedOffsetDependOnTheModel) {
-    EXPECT_TRUE(BuildCodeInfoTable(kGroupCDisplay).at(0x72).Continuous());
-    EXPECT_FALSE(BuildCodeInfoTable(kOtherDisplay).at(0x72).Continuous());
-    EXPECT_FALSE(BuildCodeInfoTable(kEarlySerialDisplay).at(0xE4).Continuous());
-    EXPECT_TRUE(BuildCodeInfoTable(kOtherDisplay).at(0xE4).Continuous());
+    EXPECT_TRUE(BuildCodeInfoTable(DisplayTraitsFor(kGroupCDisplay).codeVariants).at(0x72).Continuous());
+    EXPECT_FALSE(BuildCodeInfoTable(DisplayTraitsFor(kOtherDisplay).codeVariants).at(0x72).Continuous());
+    EXPECT_FALSE(BuildCodeInfoTable(DisplayTraitsFor(kEarlySerialDisplay).codeVariants).at(0xE4).Continuous());
+    EXPECT_TRUE(BuildCodeInfoTable(DisplayTraitsFor(kOtherDisplay).codeVariants).at(0xE4).Continuous());
 }
 
 TEST(ModelGroups, MembershipGoesThroughTheProductFamilies) {
-    // Group C holds the 0x037C family, whose product codes are 0x1060 and 0x1063.
-    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupC, 0x1060));
-    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupC, 0x1063));
-    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupC, 0x1057));
-    EXPECT_FALSE(IsInModelGroup(EModelGroup::GroupC, 0x1070));
-    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupA, 0x1065));
-    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupB, 0x1072));
-    EXPECT_TRUE(IsInModelGroup(EModelGroup::GroupD, 0x1052));
+    // The pro models hold the 0x037C family, whose product codes are 0x1060 and 0x1063.
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::AspectRatioByMakerCode, 0x1060));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::AspectRatioByMakerCode, 0x1063));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::AspectRatioByMakerCode, 0x1057));
+    EXPECT_FALSE(IsInModelGroup(EModelGroup::AspectRatioByMakerCode, 0x1070));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::BrightnessByBacklightControl, 0x1065));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::BatteryModeMissingZero, 0x1072));
+    EXPECT_TRUE(IsInModelGroup(EModelGroup::ColorModeByDisplayPresets, 0x1052));
     EXPECT_TRUE(IsInModelGroup(EModelGroup::FixedColorPresets, 0x1048));
     EXPECT_FALSE(IsInModelGroup(EModelGroup::FixedColorPresets, 0x1060));
     // An unknown product code belongs to no group.
-    EXPECT_FALSE(IsInModelGroup(EModelGroup::GroupA, 0x2222));
+    EXPECT_FALSE(IsInModelGroup(EModelGroup::BrightnessByBacklightControl, 0x2222));
     EXPECT_TRUE(IsInAnyFamily({0x0304, 0x03A6}, 0x1070));
     EXPECT_FALSE(IsInAnyFamily({0x0304}, 0x1070));
     for (EModelGroup group :

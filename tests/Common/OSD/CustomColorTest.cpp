@@ -2,6 +2,13 @@
 
 #include "CustomColor.h"
 
+namespace {
+// The too-dark test of the display with this EDID product code.
+bool TooDarkOn(const CColor& color, uint32_t type, uint16_t edid) {
+    return IsColorTooDark(color, type, DisplayTraitsFor(edid).tooDarkTest);
+}
+}  // namespace
+
 TEST(CustomColor, RgbToCmykUsesTheMixedScale) {
     CColor empty;
     EXPECT_FALSE(empty.IsValid());
@@ -56,27 +63,27 @@ TEST(CustomColor, TooDarkThresholdsAtTheirEdges) {
     auto grey = [](uint8_t level) { return CColor::FromRGB(level, level, level); };
     // Every channel below 20, for every type, on the first models and family 0x037C.
     for (uint16_t code : {uint16_t(0x1040), uint16_t(0x1060)}) {
-        EXPECT_TRUE(IsColorTooDark(grey(19), eColorModHue, code));
-        EXPECT_FALSE(IsColorTooDark(CColor::FromRGB(20, 19, 19), eColorModHue, code));
+        EXPECT_TRUE(TooDarkOn(grey(19), eColorModHue, code));
+        EXPECT_FALSE(TooDarkOn(CColor::FromRGB(20, 19, 19), eColorModHue, code));
     }
     // Families 0x032B/0x032A: black >= 0.6, which a percentage gain always reaches.
-    EXPECT_TRUE(IsColorTooDark(grey(50), eColorModGain, 0x1043));
-    EXPECT_TRUE(IsColorTooDark(grey(100), eColorModGain, 0x1049));
-    EXPECT_FALSE(IsColorTooDark(grey(103), eColorModGain, 0x1049));
-    EXPECT_FALSE(IsColorTooDark(grey(50), eColorModHue, 0x1043));  // only the gain is tested
+    EXPECT_TRUE(TooDarkOn(grey(50), eColorModGain, 0x1043));
+    EXPECT_TRUE(TooDarkOn(grey(100), eColorModGain, 0x1049));
+    EXPECT_FALSE(TooDarkOn(grey(103), eColorModGain, 0x1049));
+    EXPECT_FALSE(TooDarkOn(grey(50), eColorModHue, 0x1043));  // only the gain is tested
     // Family 0x0352: black >= 0.5.
-    EXPECT_TRUE(IsColorTooDark(grey(127), eColorModGain, 0x1057));
-    EXPECT_FALSE(IsColorTooDark(grey(128), eColorModGain, 0x1057));
-    // Group D: black >= 0.75.
-    EXPECT_TRUE(IsColorTooDark(grey(63), eColorModGain, 0x1052));
-    EXPECT_FALSE(IsColorTooDark(grey(64), eColorModGain, 0x1052));
-    // Groups A and B and the studio models: black >= 0.6.
+    EXPECT_TRUE(TooDarkOn(grey(127), eColorModGain, 0x1057));
+    EXPECT_FALSE(TooDarkOn(grey(128), eColorModGain, 0x1057));
+    // The pen computers: black >= 0.75.
+    EXPECT_TRUE(TooDarkOn(grey(63), eColorModGain, 0x1052));
+    EXPECT_FALSE(TooDarkOn(grey(64), eColorModGain, 0x1052));
+    // The touch, battery and studio models: black >= 0.6.
     for (uint16_t code : {uint16_t(0x1064), uint16_t(0x1071), uint16_t(0x1070), uint16_t(0x1075)}) {
-        EXPECT_TRUE(IsColorTooDark(grey(102), eColorModGain, code));
-        EXPECT_FALSE(IsColorTooDark(grey(103), eColorModGain, code));
+        EXPECT_TRUE(TooDarkOn(grey(102), eColorModGain, code));
+        EXPECT_FALSE(TooDarkOn(grey(103), eColorModGain, code));
     }
     // Anything else is never too dark.
-    EXPECT_FALSE(IsColorTooDark(grey(0), eColorModGain, 0x2222));
+    EXPECT_FALSE(TooDarkOn(grey(0), eColorModGain, 0x2222));
 
     EXPECT_TRUE(IsColorTooDark(grey(19), true, true));
     EXPECT_FALSE(IsColorTooDark(grey(20), true, true));

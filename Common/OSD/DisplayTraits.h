@@ -1,0 +1,57 @@
+#pragma once
+// What one display does differently from the others, worked out once from its EDID product
+// code when the display object is made: the variants of its code table, the corrections its
+// capabilities need, the VCP code behind each setting, its gamma scale, its too-dark test and
+// the rules of its settings. The display, the settings delegate and the colour model read
+// this record instead of asking the model groups on every query.
+
+#include <array>
+#include <cstdint>
+
+#include "SettingCodes.h"
+#include "VcpCodeTable.h"
+
+// How a family sets gamma.
+enum class EGammaScale {
+    None,
+    FineScale,     // 0x72 is continuous: value = gamma x 10
+    ThreeChoices,  // 1.9, 2.2, 2.4 as 0x72 = 1, 2, 3
+    TwoChoices,    // 2.2, 2.4 as 0x72 = 1, 2
+};
+
+// When a custom colour is too dark to use.
+enum class ETooDarkTest {
+    None,
+    AllChannelsBelow20,  // any adjustment: red, green and blue all below 20
+    BlackFrom50,         // the gain only: black at or above 0.5
+    BlackFrom60,
+    BlackFrom75,
+};
+
+struct SDisplayTraits {
+    uint16_t edidProductCode = 0;
+
+    // Capabilities and options.
+    SCodeVariants codeVariants;
+    bool acceptsMissingMccsVersion = false;
+    bool fixedColorPresets = false;
+    bool extendedDisplayPresets = false;
+    bool noFan = false;
+    bool batteryModeMissingZero = false;
+
+    // Settings.
+    std::array<uint8_t, kSettingCount> settingCodes{};
+    EGammaScale gammaScale = EGammaScale::None;
+    ETooDarkTest tooDarkTest = ETooDarkTest::None;
+    bool powerLedDimmable = true;
+    bool restartsAfterFactoryReset = false;
+    bool dynamicContrastExcludesUniformity = false;
+    bool customColorExcludesUniformity = false;
+    bool osdLanguageSetByHost = false;
+    const char* helpPage = "index";
+
+    // The VCP code of the setting; 0 when the family has none.
+    uint8_t SettingCode(ESetting setting_I) const { return settingCodes[static_cast<size_t>(setting_I)]; }
+};
+
+SDisplayTraits DisplayTraitsFor(uint16_t edidProductCode_I);

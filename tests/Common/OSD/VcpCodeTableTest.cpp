@@ -1,0 +1,83 @@
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "DisplayTraits.h"
+#include "StringIds.h"
+#include "VcpCodeTable.h"
+
+TEST(VcpCodeTable, OneRowPerCodeAndVariantsReplaceOnlyTheirCode) {
+    std::set<uint8_t> seen;
+    int previous = -1;
+    for (const SVcpCodeRow& row : VcpCodeRows()) {
+        EXPECT_TRUE(seen.insert(row.code).second) << std::hex << int(row.code);
+        EXPECT_GT(row.code, previous) << "rows stay in code order";
+        previous = row.code;
+        // A table row always states the sizes it moves; an enumeration is never a table.
+        if (row.type == eTypeTable) {
+            EXPECT_GT(row.readSize + row.writeSize, 0) << std::hex << int(row.code);
+            EXPECT_EQ(row.values, EValueNames::None);
+        }
+    }
+    const SCodeVariants fine{.fineScaleGamma = true};
+    EXPECT_EQ(FindVcpCodeRow(0x72, fine)->type, eTypeContinuous);
+    EXPECT_STREQ(FindVcpCodeRow(0x72, fine)->name, "Gamma");
+    EXPECT_EQ(FindVcpCodeRow(0x72)->type, eTypeNonContinuous);
+    EXPECT_EQ(FindVcpCodeRow(0xE4, fine)->values, EValueNames::None);
+    const SCodeVariants early{.colorOffsetRedIsColorPreset = true};
+    EXPECT_EQ(FindVcpCodeRow(0xE4, early)->values, EValueNames::ColorPreset);
+    EXPECT_EQ(FindVcpCodeRow(0x07), nullptr);
+}
+
+TEST(VcpCodeTable, LabelOrdersAreAListWithoutGaps) {
+    for (EValueNames values : {EValueNames::ColorPreset, EValueNames::ColorSpace, EValueNames::DisplayScaling,
+                               EValueNames::LedBrightness, EValueNames::UniformityComp}) {
+        std::set<int> orders;
+        for (const SValueNameRow& row : ValueNameRows(values)) {
+            EXPECT_EQ(row.labelOrder != 0, row.labelId != 0) << ValueNamesTypeName(values) << int(row.value);
+            if (row.labelOrder != 0) {
+                EXPECT_TRUE(orders.insert(row.labelOrder).second) << ValueNamesTypeName(values);
+            }
+        }
+        ASSERT_FALSE(orders.empty());
+        EXPECT_EQ(*orders.rbegin(), static_cast<int>(orders.size())) << ValueNamesTypeName(values);
+    }
+}
+
+TEST(DisplayTraits, EachSeriesGetsItsRecordOnce) {
+    // A touch model: brightness by backlight control, no fan, aspect by display scaling.
+    const SDisplayTraits touch = DisplayTraitsFor(0x1064);
+    EXPECT_EQ(touch.SettingCode(ESetting::Brightness), 0x13);
+    EXPECT_EQ(touch.SettingCode(ESetting::AspectRatio), 0x86);
+    EXPECT_EQ(touch.SettingCode(ESetting::ScanMode), 0);
+    EXPECT_TRUE(touch.noFan);
+    EXPECT_EQ(touch.tooDarkTest, ETooDarkTest::BlackFrom60);
+    EXPECT_STREQ(touch.helpPage, "canvas-24-touch");
+    // The first studio model: white backlight level, scan mode, an LED that does not dim.
+    const SDisplayTraits studio = DisplayTraitsFor(0x1070);
+    EXPECT_EQ(studio.SettingCode(ESetting::Brightness), 0x6B);
+    EXPECT_EQ(studio.SettingCode(ESetting::AspectRatio), 0xDA);
+    EXPECT_FALSE(studio.powerLedDimmable);
+    EXPECT_TRUE(DisplayTraitsFor(0x1075).powerLedDimmable);
+    // A pro model: fine gamma, missing mccs_ver accepted, custom colour excludes uniformity.
+    const SDisplayTraits pro = DisplayTraitsFor(0x1060);
+    EXPECT_EQ(pro.gammaScale, EGammaScale::FineScale);
+    EXPECT_TRUE(pro.codeVariants.fineScaleGamma);
+    EXPECT_TRUE(pro.acceptsMissingMccsVersion);
+    EXPECT_TRUE(pro.customColorExcludesUniformity);
+    EXPECT_TRUE(pro.dynamicContrastExcludesUniformity);
+    EXPECT_FALSE(DisplayTraitsFor(0x1057).dynamicContrastExcludesUniformity);
+    // A pen computer: colour mode by display presets, three gamma choices.
+    const SDisplayTraits slate = DisplayTraitsFor(0x1052);
+    EXPECT_EQ(slate.SettingCode(ESetting::ColorSettingMode), 0xF0);
+    EXPECT_EQ(slate.gammaScale, EGammaScale::ThreeChoices);
+    EXPECT_TRUE(slate.restartsAfterFactoryReset);
+    // The first serial models: colour temperature at 0xE4.
+    EXPECT_EQ(DisplayTraitsFor(0x1040).SettingCode(ESetting::ColorTemperature), 0xE4);
+    // A display of no known family gets the defaults.
+    const SDisplayTraits other = DisplayTraitsFor(0x2222);
+    EXPECT_EQ(other.SettingCode(ESetting::Brightness), 0x10);
+    EXPECT_EQ(other.gammaScale, EGammaScale::None);
+    EXPECT_EQ(other.tooDarkTest, ETooDarkTest::None);
+    EXPECT_STREQ(other.helpPage, "index");
+}
