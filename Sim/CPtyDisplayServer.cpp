@@ -10,10 +10,9 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace {
+#include "DdcPackets.h"
 
-constexpr uint8_t kScalerResetFirstByte = 0xEE;
-constexpr size_t kScalerResetLength = 6;
+namespace {
 
 void MakeRaw(int fd_I) {
     termios settings{};
@@ -63,17 +62,13 @@ size_t CPtyDisplayServer::RequestLength(const ByteBuffer& pending_I) {
     if (pending_I.empty()) {
         return 0;
     }
-    if (pending_I[0] == kScalerResetFirstByte) {
-        return kScalerResetLength;
+    if (pending_I[0] == Ddc::kScalerResetFirstByte) {
+        return Ddc::kScalerResetSize;
     }
-    if (pending_I[0] != 0x6E) {
+    if (pending_I[0] != Ddc::kDisplayAddress) {
         return 1;
     }
-    if (pending_I.size() < 3) {
-        return 0;
-    }
-    // Destination, source, length byte, the data it counts, checksum.
-    return static_cast<size_t>(pending_I[2] & 0x7F) + 4;
+    return FramedRequestSize(pending_I);
 }
 
 void CPtyDisplayServer::ServeOnce(int timeoutMs_I) {
@@ -94,7 +89,7 @@ void CPtyDisplayServer::ServeOnce(int timeoutMs_I) {
         }
         const ByteBuffer request(mPending.begin(), mPending.begin() + static_cast<std::ptrdiff_t>(length));
         mPending.erase(mPending.begin(), mPending.begin() + static_cast<std::ptrdiff_t>(length));
-        if (length == 1 && request[0] != kScalerResetFirstByte) {
+        if (length == 1 && request[0] != Ddc::kScalerResetFirstByte) {
             continue;  // line noise
         }
         ByteBuffer reply = mDisplay->Handle(request);

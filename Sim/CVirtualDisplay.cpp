@@ -11,25 +11,12 @@ namespace {
 
 constexpr uint8_t kResultUnsupported = 0x01;
 constexpr size_t kCapabilitiesChunk = 32;
-constexpr int kEdidChunks = 16;
-constexpr uint8_t kWholeEdid = 0xFF;
 constexpr size_t kDisplayInfoTextSize = 13;
 constexpr size_t kTransactionLogLimit = 1 << 16;
 constexpr size_t kTableReadChunk = 31;
 
-ByteBuffer Seal(ByteBuffer reply_I) {
-    reply_I.push_back(Checksum(reply_I, Ddc::kReplyChecksumSeed));
-    return reply_I;
-}
-
-ByteBuffer GetReply(uint8_t result_I, uint8_t code_I, uint16_t maximum_I, uint16_t current_I) {
-    return Seal({Ddc::kDisplayAddress, 0x88, ddcCC_VCPReplyCode, result_I, code_I, 0x00,
-                 static_cast<uint8_t>(maximum_I >> 8), static_cast<uint8_t>(maximum_I & 0xFF),
-                 static_cast<uint8_t>(current_I >> 8), static_cast<uint8_t>(current_I & 0xFF)});
-}
-
 bool IsGetReply(const ByteBuffer& reply_I) {
-    return reply_I.size() == 11 && reply_I[0] == Ddc::kDisplayAddress && reply_I[2] == ddcCC_VCPReplyCode;
+    return reply_I.size() == 11 && StartsWithGetReplyHeader(reply_I);
 }
 
 bool IsControlOf(uint8_t code_I, std::initializer_list<uint8_t> codes_I) {
@@ -93,7 +80,7 @@ ByteBuffer CVirtualDisplay::Answer(const ByteBuffer& request_I) {
         RestoreDefaults(false, true);
         BeBusyFor(kBusyAfterFactoryDefaults);
         // Acknowledged as a get reply of Restore Factory Defaults.
-        return GetReply(0x00, vcpC_RestoreFactoryDefaults, 0x0001, 0x0001);
+        return BuildGetReply(0x00, vcpC_RestoreFactoryDefaults, 0x0001, 0x0001);
     }
     // A request the firmware cannot read is ignored: wrong addresses, a length byte that
     // does not match, a bad checksum.
@@ -119,7 +106,7 @@ ByteBuffer CVirtualDisplay::Answer(const ByteBuffer& request_I) {
             return request_I.size() == 7
                        ? AnswerCapabilities(static_cast<uint16_t>((request_I[4] << 8) | request_I[5]))
                        : ByteBuffer{};
-        case 0xC0: return AnswerVendor(request_I);
+        case Ddc::kVendorOpcode: return AnswerVendor(request_I);
         case ddcCC_TableReadRequest:
             return request_I.size() == 8
                        ? AnswerTableRead(request_I[4],
@@ -132,19 +119,19 @@ ByteBuffer CVirtualDisplay::Answer(const ByteBuffer& request_I) {
 ByteBuffer CVirtualDisplay::AnswerGet(uint8_t code_I) const {
     if (code_I == vcpC_DisplayFirmwareLevel) {
         const SFirmwareVersion& fw = mModel.firmware;
-        return GetReply(0x00, code_I, fw.major, static_cast<uint16_t>((fw.minor << 8) | fw.build));
+        return BuildGetReply(0x00, code_I, fw.major, static_cast<uint16_t>((fw.minor << 8) | fw.build));
     }
     if (code_I == vcpC_DisplayInfo) {
         return AnswerDisplayInformation();
     }
     auto it = mControls.find(code_I);
     if (it == mControls.end() || it->second.control.access == EControlAccess::WriteOnly) {
-        return GetReply(kResultUnsupported, code_I, 0, 0);
+        return BuildGetReply(kResultUnsupported, code_I, 0, 0);
     }
     const SControlState& state = it->second;
     // Enumerated controls report no maximum: the four value bytes hold the value alone.
     const uint16_t maximum = state.control.continuous ? state.control.maximum : 0;
-    return GetReply(0x00, code_I, maximum, state.value);
+    return BuildGetReply(0x00, code_I, maximum, state.value);
 }
 
 void CVirtualDisplay::StoreCurrentValues() {
@@ -200,34 +187,34 @@ void CVirtualDisplay::ApplySet(uint8_t code_I, uint16_t value_I) {
 }
 
 ByteBuffer CVirtualDisplay::AnswerCapabilities(uint16_t offset_I) const {
-    ByteBuffer reply{Ddc::kDisplayAddress, 0x00, ddcCC_CapabilitiesReplyCode,
-                     static_cast<uint8_t>(offset_I >> 8), static_cast<uint8_t>(offset_I & 0xFF)};
+    ByteBuffer data;
     if (offset_I < mCapabilities.size()) {
         const size_t count = std::min(kCapabilitiesChunk, mCapabilities.size() - offset_I);
-        reply.insert(reply.end(), mCapabilities.begin() + offset_I, mCapabilities.begin() + offset_I + count);
+        data.assign(mCapabilities.begin() + offset_I, mCapabilities.begin() + offset_I + count);
     }
-    reply[1] = static_cast<uint8_t>(Ddc::kLengthFlag | (reply.size() - 2));
-    return Seal(reply);
+    return BuildOffsetReply(ddcCC_CapabilitiesReplyCode, offset_I, data);
 }
 
 ByteBuffer CVirtualDisplay::AnswerVendor(const ByteBuffer& request_I) {
     const uint8_t command = request_I[4];
-    if (command == 0xE1 && request_I.size() == 8) {
+    if (command == Ddc::kFactoryModeCommand && request_I.size() == 8) {
         mFactoryMode = request_I[6] != 0;
         return BuildNullMessage();
     }
-    if (command == 0x66 && request_I.size() == 7 && request_I[5] == kWholeEdid) {
+    if (command == Ddc::kEdidChunkCommand && request_I.size() == 7 && request_I[5] == Ddc::kWholeEdidIndex) {
         // The serial firmware sends its whole EDID in one answer.
-        return Seal(mEdid);
+        return SealReply(mEdid);
     }
-    if (command == 0x66 && request_I.size() == 7 && mFactoryMode && request_I[5] < kEdidChunks) {
-        const size_t start = static_cast<size_t>(request_I[5]) * 16;
-        ByteBuffer reply{Ddc::kDisplayAddress, 0x92};
-        reply.insert(reply.end(), mEdid.begin() + static_cast<std::ptrdiff_t>(start),
-                     mEdid.begin() + static_cast<std::ptrdiff_t>(start + 16));
-        reply.push_back(0x66);
-        reply.push_back(request_I[5]);
-        return Seal(reply);
+    if (command == Ddc::kEdidChunkCommand && request_I.size() == 7 && mFactoryMode &&
+        request_I[5] < Ddc::kEdidChunks) {
+        // Past the end of a 128-byte EDID the chunks read as zeros, as an erased EEPROM does.
+        const size_t start = static_cast<size_t>(request_I[5]) * Ddc::kEdidChunkSize;
+        ByteBuffer chunk(Ddc::kEdidChunkSize, 0x00);
+        if (start < mEdid.size()) {
+            std::copy_n(mEdid.begin() + static_cast<std::ptrdiff_t>(start),
+                        std::min(Ddc::kEdidChunkSize, mEdid.size() - start), chunk.begin());
+        }
+        return BuildEdidChunkReply(request_I[5], chunk);
     }
     return BuildNullMessage();
 }
@@ -246,13 +233,10 @@ ByteBuffer CVirtualDisplay::AnswerTableRead(uint8_t table_I, uint16_t offset_I) 
     if (offset_I >= table.size()) {
         return BuildNullMessage();
     }
-    ByteBuffer reply{Ddc::kDisplayAddress, 0x00, ddcCC_TableReadReplyCode,
-                     static_cast<uint8_t>(offset_I >> 8), static_cast<uint8_t>(offset_I & 0xFF)};
     const size_t count = std::min(kTableReadChunk, table.size() - offset_I);
-    reply.insert(reply.end(), table.begin() + offset_I,
-                 table.begin() + static_cast<std::ptrdiff_t>(offset_I + count));
-    reply[1] = static_cast<uint8_t>(Ddc::kLengthFlag | (reply.size() - 2));
-    return Seal(reply);
+    return BuildOffsetReply(ddcCC_TableReadReplyCode, offset_I,
+                            ByteBuffer(table.begin() + offset_I,
+                                       table.begin() + static_cast<std::ptrdiff_t>(offset_I + count)));
 }
 
 // The display information record, a get reply of 0xF2 carrying: bytes 6-7 the EDID product
@@ -272,7 +256,7 @@ ByteBuffer CVirtualDisplay::AnswerDisplayInformation() const {
         reply.insert(reply.end(), field.begin(), field.end());
     }
     reply[1] = static_cast<uint8_t>(Ddc::kLengthFlag | (reply.size() - 2));
-    return Seal(reply);
+    return SealReply(reply);
 }
 
 void CVirtualDisplay::RestoreDefaults(bool colourOnly_I, bool store_I) {
@@ -304,14 +288,14 @@ ByteBuffer CVirtualDisplay::ApplyFault(EFault fault_I, ByteBuffer reply_I) {
             if (IsGetReply(reply_I)) {
                 reply_I[4] ^= 0x01;
                 reply_I.pop_back();
-                reply_I = Seal(reply_I);
+                reply_I = SealReply(reply_I);
             }
             return reply_I;
         case EFault::ErrorResultCode:
             if (IsGetReply(reply_I)) {
                 reply_I[3] = kResultUnsupported;
                 reply_I.pop_back();
-                reply_I = Seal(reply_I);
+                reply_I = SealReply(reply_I);
             }
             return reply_I;
         case EFault::TruncatedReply: reply_I.resize(reply_I.size() / 2); return reply_I;

@@ -57,7 +57,7 @@ SFirmwareVersion CVirtualDisplayConnector::FWVersion() {
         SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
     StripReplyChecksum(reply);
     SGetReplyValue value;
-    if (!CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value).empty()) {
+    if (CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value) != EReplyError::None) {
         DLog("CVirtualDisplayConnector::FWVersion - failed\n");
         return {};
     }

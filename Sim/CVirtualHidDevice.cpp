@@ -11,20 +11,22 @@ bool CVirtualHidDevice::SetFeature(const ByteBuffer& report_I) {
         --mFailSet;
         return false;
     }
-    if (report_I.size() < 3 || report_I[0] != 0xE5 || report_I[1] != 0x04) {
+    if (!HidVcp::IsVcpReport(report_I)) {
         return false;
     }
-    const uint8_t kind = report_I[2];
-    if (kind == 0x00) {
+    const uint8_t kind = report_I[HidVcp::kKindByte];
+    if (kind == HidVcp::kKindStatus) {
         mStatusRequested = true;
         return true;
     }
-    // The DDC/CI packet starts at byte 5; its length byte says how long it is.
-    if (report_I.size() < 8) {
+    // The DDC/CI packet's length byte says how long it is.
+    if (report_I.size() < HidVcp::kPacketStart + 3) {
         return false;
     }
-    const size_t packetSize = std::min<size_t>((report_I[7] & 0x7F) + 4u, report_I.size() - 5);
-    ByteBuffer packet(report_I.begin() + 5, report_I.begin() + 5 + static_cast<std::ptrdiff_t>(packetSize));
+    const auto packetStart = report_I.begin() + HidVcp::kPacketStart;
+    const size_t packetSize = std::min(FramedRequestSize(ByteBuffer(packetStart, packetStart + 3)),
+                                       report_I.size() - HidVcp::kPacketStart);
+    ByteBuffer packet(packetStart, packetStart + static_cast<std::ptrdiff_t>(packetSize));
     mReply = mDisplay->Handle(packet);
     mKind = kind;
     mBusyLeft = mBusyPolls;
@@ -39,22 +41,23 @@ bool CVirtualHidDevice::GetFeature(ByteBuffer& report_IO) {
         return false;
     }
     ByteBuffer status(kReportSize, 0x00);
-    status[0] = 0xE5;
-    status[1] = 0x04;
-    status[2] = mKind;
+    status[0] = HidVcp::kReportId;
+    status[1] = HidVcp::kVcpChannel;
+    status[HidVcp::kKindByte] = mKind;
     if (mStatusRequested) {
         ++mStatusReads;
     }
     if (mBusyLeft > 0) {
         // Busy reports alternate between the two codes the firmware uses.
-        status[4] = (mBusyLeft % 2 == 0) ? kStatusBusyAlternate : kStatusBusy;
+        status[HidVcp::kStatusByte] = (mBusyLeft % 2 == 0) ? kStatusBusyAlternate : kStatusBusy;
         --mBusyLeft;
     } else if (mReply.empty()) {
-        status[4] = kStatusNoReply;
+        status[HidVcp::kStatusByte] = kStatusNoReply;
     } else {
-        status[4] = kStatusDone;
-        status[5] = static_cast<uint8_t>(std::min<size_t>(mReply.size(), 0xFF));
-        std::copy_n(mReply.begin(), std::min(mReply.size(), kReportSize - 6), status.begin() + 6);
+        status[HidVcp::kStatusByte] = kStatusDone;
+        status[HidVcp::kReplyLengthByte] = static_cast<uint8_t>(std::min<size_t>(mReply.size(), 0xFF));
+        std::copy_n(mReply.begin(), std::min(mReply.size(), kReportSize - HidVcp::kReplyStart),
+                    status.begin() + HidVcp::kReplyStart);
     }
     report_IO = status;
     return true;

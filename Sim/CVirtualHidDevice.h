@@ -10,14 +10,15 @@
 
 #include "ByteBuffer.h"
 #include "CVirtualDisplay.h"
+#include "DdcPackets.h"
 
 class CVirtualHidDevice {
 public:
-    static constexpr size_t kReportSize = 512;
-    static constexpr uint8_t kStatusBusy = 0x01;
-    static constexpr uint8_t kStatusBusyAlternate = 0x05;
-    static constexpr uint8_t kStatusDone = 0x00;
-    static constexpr uint8_t kStatusNoReply = 0x02;
+    static constexpr size_t kReportSize = HidVcp::kReportSize;
+    static constexpr uint8_t kStatusBusy = HidVcp::kStatusBusy;
+    static constexpr uint8_t kStatusBusyAlternate = HidVcp::kStatusBusyAlternate;
+    static constexpr uint8_t kStatusDone = HidVcp::kStatusDone;
+    static constexpr uint8_t kStatusNoReply = HidVcp::kStatusNoReply;
 
     explicit CVirtualHidDevice(std::shared_ptr<CVirtualDisplay> display_I);
 

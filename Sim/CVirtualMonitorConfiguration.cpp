@@ -141,12 +141,12 @@ bool CVirtualMonitorConfiguration::GetVCPFeature(Handle physical_I, uint8_t code
     }
     StripReplyChecksum(reply);
     SGetReplyValue value;
-    const std::string problem = CheckGetReply(reply, code_I, true, value);
-    if (problem == "vcp code error") {
+    const EReplyError problem = CheckGetReply(reply, code_I, true, value);
+    if (problem == EReplyError::VcpCodeError) {
         error_O = McaError::kVcpNotSupported;
         return false;
     }
-    if (!problem.empty()) {
+    if (problem != EReplyError::None) {
         error_O = McaError::kInvalidData;
         return false;
     }

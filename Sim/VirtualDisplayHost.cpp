@@ -90,7 +90,14 @@ int main(int argc, char** argv) {
         if (!in) {
             return Usage(("cannot read " + edidFile).c_str());
         }
-        display->SetEdid(ByteBuffer(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()));
+        ByteBuffer edid{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        // One base block, or a base block and one extension: what the EDID reads can serve.
+        if (edid.size() != 128 && edid.size() != 256) {
+            return Usage((edidFile + " holds " + std::to_string(edid.size()) +
+                          " bytes; an EDID file holds 128 or 256")
+                             .c_str());
+        }
+        display->SetEdid(std::move(edid));
     }
     for (const auto& [fault, count] : faults) {
         display->Faults().FailNext(fault, count);

@@ -58,7 +58,7 @@ SFirmwareVersion CDdcI2CConnector::FWVersion() {
         SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
     StripReplyChecksum(reply);
     SGetReplyValue value;
-    if (!CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value).empty()) {
+    if (CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value) != EReplyError::None) {
         DLog("CDdcI2CConnector::FWVersion - failed\n");
         return {};
     }

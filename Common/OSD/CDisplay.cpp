@@ -169,7 +169,7 @@ bool CDisplay::ReadVCPValue_(const VCPOptionPtr& option_I) {
     option_I->ClearError();
 
     if (option_I->Info().Table()) {
-        option_I->SetError("Table codes not supported");
+        option_I->SetError(EReplyError::TableCodesNotSupported);
     } else if (option_I->Info().Readable()) {
         ByteBuffer inBuffer;
         if (mConnector) {
@@ -179,8 +179,8 @@ bool CDisplay::ReadVCPValue_(const VCPOptionPtr& option_I) {
         StripReplyChecksum(inBuffer);
         SGetReplyValue reply;
         const bool continuous = option_I->Info().Continuous();
-        std::string error = CheckGetReply(inBuffer, code, continuous, reply);
-        if (!error.empty()) {
+        const EReplyError error = CheckGetReply(inBuffer, code, continuous, reply);
+        if (error != EReplyError::None) {
             option_I->SetError(error);
         } else if (!continuous) {
             const int32_t value = reply.nonContinuous;
@@ -234,22 +234,27 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
     DLog("WriteVCPValue %s\n", VCPCodeName(code).c_str());
 
     if (option_I->Info().Table()) {
-        option_I->SetError("Table codes not supported");
+        option_I->SetError(EReplyError::TableCodesNotSupported);
     } else if (option_I->Info().Writable() && !option_I->HasError()) {
         if (!mConnector) {
-            option_I->SetError("Device not open");
+            option_I->SetError(EReplyError::DeviceNotOpen);
         } else {
             const uint16_t value = static_cast<uint16_t>(option_I->GetValue() & 0xFFFF);
             ByteBuffer inBuffer = mConnector->SendRequest(
                 BuildSetVCPRequest(code, value), Ddc::SetRequestWaitSeconds(code), Ddc::kReplySize, 0);
             StripReplyChecksum(inBuffer);
-            if (inBuffer.size() < 2) {
-                option_I->SetError(mConnector->IsOpen() ? "Send request failed" : "Device not open");
+            if (CheckSetReply(inBuffer) != EReplyError::None) {
+                // A transport answers nothing both when the display is silent and when the
+                // device has gone; only the connector can tell which.
+                option_I->SetError(mConnector->IsOpen() ? EReplyError::SendRequestFailed
+                                                        : EReplyError::DeviceNotOpen);
             }
             // The firmware needs time to act on every set, answered or not.
             Clock::PauseMs(50);
             switch (code) {
                 case vcpC_DisplayPresets:
+                    // Two pauses, not one of 2 s: the firmware's timing was measured as these
+                    // two steps, and the clock's log shows them so.
                     Clock::PauseMs(700);
                     Clock::PauseMs(1300);
                     break;
@@ -272,9 +277,12 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
     return true;
 }
 
-bool CDisplay::WriteWithRetry(const VCPOptionPtr& option_I) {
+bool CDisplay::WriteWithRetry(const VCPOptionPtr& option_I, const char* firstFailureAssert_I) {
     WriteVCPValue_(option_I);
     if (option_I->HasError()) {
+        if (firstFailureAssert_I != nullptr) {
+            VLR_ASSERT_FAIL(firstFailureAssert_I);
+        }
         Clock::PauseMs(60);
         option_I->ClearError();
         WriteVCPValue_(option_I);
@@ -339,6 +347,7 @@ SVCPValue CDisplay::GetVCPValue(uint32_t vcpCode_I, bool forceRead_I) {
     result.value = option->GetValue();
     result.range = option->GetRange();
     result.error = option->Error();
+    result.errorKind = option->ErrorKind();
     return result;
 }
 
@@ -355,8 +364,11 @@ bool CDisplay::RestoreOriginal(uint32_t vcpCode_I) {
     }
     option->ResetValueToOriginal();
     option->ClearError();
-    WriteWithRetry(option);
-    VLR_ASSERT(!option->HasError());
+    if (!WriteWithRetry(option)) {
+        // Not given up on: the read-back below makes the option hold what the display has,
+        // so the change stays unsaved and visible.
+        VLR_ASSERT_FAIL("!option->HasError()");
+    }
     if (!ReadVCPValue_(option)) {
         // Some panels need a second to settle before they read back a restored preset.
         Clock::PauseMs(mTraits.fixedColorPresets ? 1000 : 60);
@@ -397,17 +409,11 @@ bool CDisplay::Revert() {
         }
         opt.second->ClearError();
         opt.second->ResetValueToOriginal();
-        WriteVCPValue_(opt.second);
-        if (opt.second->HasError()) {
-            VLR_ASSERT(!opt.second->HasError());
-            Clock::PauseMs(60);
-            opt.second->ClearError();
-            WriteVCPValue_(opt.second);
-            if (opt.second->HasError()) {
-                NoteFailure(opt.second);
-                allWritten = false;
-            }
+        if (!WriteWithRetry(opt.second, "!opt.second->HasError()")) {
+            NoteFailure(opt.second);
+            allWritten = false;
         }
+        // The read-back settles what the option holds; its own failure changes nothing here.
         ReadVCPValue_(opt.second);
         opt.second->ClearError();
     }

@@ -34,6 +34,7 @@ struct SVCPValue {
     int32_t value = 0;
     SRange range;
     std::string error;
+    EReplyError errorKind = EReplyError::None;
 };
 
 class CDisplay {
@@ -101,9 +102,10 @@ public:
     const CodeInfoTable& CodeInformation() const { return mCodeInfo; }
 
 protected:
-    // The write with one retry after 60 ms that SetVCPValue, RestoreOriginal and Revert share.
-    // True when the option ends without an error.
-    bool WriteWithRetry(const VCPOptionPtr& option_I);
+    // The write with one retry after 60 ms that SetVCPValue, RestoreOriginal and Revert share;
+    // Revert names an assertion that a first failure reports. True when the option ends
+    // without an error.
+    bool WriteWithRetry(const VCPOptionPtr& option_I, const char* firstFailureAssert_I = nullptr);
     // The per-model corrections of the option map.
     void ApplyModelCorrections();
     void NoteFailure(const VCPOptionPtr& option_I);

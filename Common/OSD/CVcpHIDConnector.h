@@ -8,12 +8,13 @@
 #include <string>
 
 #include "Connector.h"
+#include "DdcPackets.h"
 
 class CVcpHIDConnector : public Connector {
 public:
     // Request kinds: a request that expects data back, and one that only changes state.
-    static constexpr uint32_t kRequestWithData = 3;
-    static constexpr uint32_t kRequestWithoutData = 2;
+    static constexpr uint32_t kRequestWithData = HidVcp::kKindWithData;
+    static constexpr uint32_t kRequestWithoutData = HidVcp::kKindWithoutData;
 
     bool IsUsable() const override { return true; }
     unsigned GetType() const override { return eConnectorHID; }

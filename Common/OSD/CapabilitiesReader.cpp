@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr size_t kHeaderSize = 5;     // address, length, opcode, two offset bytes
 constexpr size_t kMaxChunkData = 32;  // MCCS: at most 32 data bytes per fragment
 constexpr size_t kMaxCapabilities = 0x8000;
 
@@ -18,25 +17,16 @@ enum class EChunk { Data, End, Bad };
 // Checks one 0xE3 reply for the requested offset and appends its data.
 EChunk TakeChunk(const ByteBuffer& reply_I, uint16_t offset_I, ByteBuffer& caps_IO, size_t& taken_O) {
     taken_O = 0;
-    if (reply_I.size() < kHeaderSize + 1 || Checksum(reply_I, Ddc::kReplyChecksumSeed) != 0) {
+    size_t dataSize = 0;
+    if (!CheckOffsetReply(reply_I, ddcCC_CapabilitiesReplyCode, offset_I, dataSize)) {
         return EChunk::Bad;
     }
-    if (reply_I[0] != Ddc::kDisplayAddress || (reply_I[1] & Ddc::kLengthFlag) == 0 ||
-        reply_I[2] != ddcCC_CapabilitiesReplyCode) {
-        return EChunk::Bad;
-    }
-    if (((reply_I[3] << 8) | reply_I[4]) != offset_I) {
-        return EChunk::Bad;
-    }
-    const size_t declared = static_cast<size_t>(reply_I[1] & 0x7F);
-    if (declared < 3 || declared + 3 > reply_I.size()) {
-        return EChunk::Bad;
-    }
-    const size_t count = std::min(declared - 3, kMaxChunkData);
+    const size_t count = std::min(dataSize, kMaxChunkData);
     if (count == 0) {
         return EChunk::End;
     }
-    caps_IO.insert(caps_IO.end(), reply_I.begin() + kHeaderSize, reply_I.begin() + kHeaderSize + count);
+    const auto data = reply_I.begin() + Ddc::kOffsetReplyHeaderSize;
+    caps_IO.insert(caps_IO.end(), data, data + static_cast<std::ptrdiff_t>(count));
     taken_O = count;
     return EChunk::Data;
 }

@@ -65,11 +65,18 @@ bool Connector::ScalarReset() {
     if (inBuffer.empty()) {
         return false;
     }
-    // A get reply, or the null message as some transports rotate it.
-    const bool getReply = inBuffer[0] == 0x6E && inBuffer[1] == 0x88 && inBuffer[2] == 0x02;
-    const bool nullRotatedOnce = inBuffer[0] == 0x80 && inBuffer[1] == 0xBE && inBuffer[2] == 0x6E;
-    const bool nullRotatedTwice = inBuffer[0] == 0xBE && inBuffer[1] == 0x6E && inBuffer[2] == 0x80;
-    if (getReply || nullRotatedOnce || nullRotatedTwice) {
+    // A get reply, or the null message rotated by one or two bytes as some transports hand it
+    // back.
+    auto rotated = [&inBuffer](size_t by_I) {
+        const ByteBuffer null = BuildNullMessage();
+        for (size_t i = 0; i < Ddc::kNullMessageSize; ++i) {
+            if (inBuffer[i] != null[(i + by_I) % Ddc::kNullMessageSize]) {
+                return false;
+            }
+        }
+        return true;
+    };
+    if (StartsWithGetReplyHeader(inBuffer) || rotated(1) || rotated(2)) {
         return true;
     }
     DLog("response was one we don't recognize\n");
@@ -84,8 +91,7 @@ bool Connector::SaveSettingsToScalar() {
         return false;
     }
     // The null message 6E 80 BE, or a rotation of it.
-    auto isNullByte = [](uint8_t byte) { return byte == 0x6E || byte == 0x80 || byte == 0xBE; };
-    if (isNullByte(inBuffer[0]) && isNullByte(inBuffer[1])) {
+    if (IsNullMessageByte(inBuffer[0]) && IsNullMessageByte(inBuffer[1])) {
         Clock::PauseMs(200);
         return true;
     }

@@ -23,9 +23,6 @@ public:
 
     bool SetFactoryMode(bool on_I);
 
-    // 6E 51 84 E2 <table> <offset> chk
-    static ByteBuffer BuildTableReadRequest(uint8_t table_I, uint16_t offset_I);
-
 protected:
     // A vendor table read chunk by chunk until the display answers with the null message.
     ByteBuffer ReadVendorTable(uint8_t table_I);

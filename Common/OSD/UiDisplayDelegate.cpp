@@ -67,6 +67,7 @@ bool UiDisplayDelegate::FactoryReset() {
 
 bool UiDisplayDelegate::ResetColor() {
     if (!GetVCPValue(vcpC_RestoreFactoryColorDefaults, true).valid) {
+        // The line names SetResetColor on purpose: it is the trace's established wording.
         DLog("UiDisplayDelegate::SetResetColor - not supported\n");
         return false;
     }
@@ -115,6 +116,8 @@ bool UiDisplayDelegate::SetUniformityCompensation(int32_t value_I) {
 
 bool UiDisplayDelegate::SetDynamicContrast(int32_t on_I) {
     if (on_I != 0 && mTraits.dynamicContrastExcludesUniformity) {
+        // Best effort: if uniformity stays on, the firmware refuses dynamic contrast and the
+        // write below reports it.
         Write(vcpC_UniformityCompensation, 0);
     }
     return Write(vcpC_DynamicContrast, on_I);
@@ -443,6 +446,7 @@ bool UiDisplayDelegate::IsPictureTooDark(int32_t brightness_I, int32_t contrast_
 
 // ---- custom colour ----
 
+// The colour-mod log lines name CDisplay on purpose: it is the trace's established wording.
 CColor UiDisplayDelegate::GetCustomRGBColorMod(uint32_t type_I, bool readMode_I) {
     SColorModCodes codes{};
     if (!ColorModCodes(type_I, codes)) {

@@ -1,19 +1,15 @@
 #pragma once
-// The maker's vendor commands over DDC/CI: factory mode (C0 E1) and the EDID read in sixteen
-// 16-byte chunks (C0 66), which needs factory mode. Used by every transport that carries raw
-// DDC/CI bytes to the display's controller.
+// The maker's vendor commands over DDC/CI as transactions: factory mode (C0 E1) and the EDID
+// read in sixteen 16-byte chunks (C0 66), which needs factory mode. Used by every transport
+// that carries raw DDC/CI bytes to the display's controller; the packets are DdcPackets'.
 
 #include <cstdint>
 #include <string>
 
 #include "ByteBuffer.h"
+#include "DdcPackets.h"
 
 class Connector;
-
-// 6E 51 84 C0 E1 00 flag chk
-ByteBuffer BuildFactoryModeRequest(bool on_I);
-// 6E 51 83 C0 66 index chk
-ByteBuffer BuildEdidChunkRequest(uint8_t index_I);
 
 // Switches factory mode; the display answers with the null message.
 bool SetFactoryMode(Connector& connector_I, bool on_I);

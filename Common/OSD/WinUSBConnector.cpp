@@ -22,10 +22,6 @@ constexpr size_t kMaxCapabilities = 0x8000;
 // A line that never stops sending is not a display answering one request.
 constexpr size_t kMaxReplySize = 0x10000;
 
-bool IsNullReply(const ByteBuffer& reply_I) {
-    return reply_I.size() == 3 && reply_I[0] == 0x6E && reply_I[1] == 0x80 && reply_I[2] == 0xBE;
-}
-
 }  // namespace
 
 CWinUSBConnector::CWinUSBConnector(std::unique_ptr<ISerialPort> port_I) : mPort(std::move(port_I)) {}
@@ -103,7 +99,7 @@ std::string CWinUSBConnector::CapabilitiesString() {
     while (caps.size() < kMaxCapabilities) {
         ByteBuffer inBuffer =
             SendRequest(BuildCapabilitiesRequest(offset), kCapabilitiesWaitSeconds, Ddc::kReplySize, 0);
-        if (inBuffer.size() < HEADER_SIZE || IsNullReply(inBuffer)) {
+        if (inBuffer.size() < HEADER_SIZE || IsNullMessage(inBuffer)) {
             break;
         }
         const uint8_t received = inBuffer.back();
@@ -136,7 +132,7 @@ std::string CWinUSBConnector::CapabilitiesString() {
 }
 
 ByteBuffer CWinUSBConnector::BuildEdidRequest() {
-    return BuildEdidChunkRequest(0xFF);
+    return BuildEdidChunkRequest(Ddc::kWholeEdidIndex);
 }
 
 ByteBuffer CWinUSBConnector::ReadEDID(int32_t) {
@@ -145,7 +141,8 @@ ByteBuffer CWinUSBConnector::ReadEDID(int32_t) {
     if (Checksum(inBuffer, Ddc::kReplyChecksumSeed) != 0) {
         VLR_ASSERT_FAIL("ReadEDID read checksum mismatch");
         DLog("ReadEDID:Read checksum failed %i %i\n", inBuffer.empty() ? 0 : inBuffer.back(),
-             Checksum(ByteBuffer(inBuffer.begin(), inBuffer.end() - (inBuffer.empty() ? 0 : 1)), 0x50));
+             Checksum(ByteBuffer(inBuffer.begin(), inBuffer.end() - (inBuffer.empty() ? 0 : 1)),
+                      Ddc::kReplyChecksumSeed));
     }
     if (inBuffer.size() <= 1) {
         return {};  // nothing but the appended checksum
@@ -163,7 +160,7 @@ SFirmwareVersion CWinUSBConnector::FWVersion() {
         SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
     StripReplyChecksum(reply);
     SGetReplyValue value;
-    if (!CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value).empty()) {
+    if (CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value) != EReplyError::None) {
         DLog("CWinUSBConnector::FWVersion - failed\n");
         return {};
     }

@@ -6,12 +6,13 @@
 #include <memory>
 
 #include "Connector.h"
+#include "DdcPackets.h"
 #include "SerialPort.h"
 
 class CWinUSBConnector : public Connector {
 public:
     // Reply data of a capabilities reply starts after address, length, opcode and offset.
-    static constexpr size_t HEADER_SIZE = 5;
+    static constexpr size_t HEADER_SIZE = Ddc::kOffsetReplyHeaderSize;
     static constexpr size_t kReadBlockSize = 256;
 
     explicit CWinUSBConnector(std::unique_ptr<ISerialPort> port_I);

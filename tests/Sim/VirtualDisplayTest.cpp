@@ -6,6 +6,7 @@
 #include "DisplayTraits.h"
 #include "EdidText.h"
 #include "LogCapture.h"
+#include "TestData.h"
 #include "VendorCommands.h"
 #include "VirtualBench.h"
 
@@ -263,4 +264,23 @@ TEST(VirtualDisplay, TransactionLogRecordsRequestReplyFaultAndTime) {
     EXPECT_EQ(display.CountRequests(ddcCC_SetVCPFeatureRequest), 1u);
     EXPECT_EQ(display.CountRequests(ddcCC_GetVCPFeatureRequest, vcpC_Contrast), 1u);
     EXPECT_EQ(display.CountRequests(ddcCC_GetVCPFeatureRequest, vcpC_Luminance), 0u);
+}
+
+TEST(VirtualDisplay, EdidChunksStayInsideRealEdidsOfAnyLength) {
+    SVirtualBench bench("canvas-22-pro");
+    int shortOnes = 0;
+    for (const std::string& name : TestData::List("edid", ".bin")) {
+        const ByteBuffer blob = TestData::ReadBytes("edid/" + name);
+        bench.display->SetEdid(blob);
+        CLogCapture log;
+        const ByteBuffer read = ReadEdidByVendorCommand(*bench.connector, "test");
+        ASSERT_EQ(read.size(), 256u) << name;
+        // The chunks cover the first 256 bytes; past the end of a 128-byte EDID they are zero.
+        ByteBuffer expected(blob.begin(), blob.begin() + static_cast<std::ptrdiff_t>(std::min<size_t>(256, blob.size())));
+        expected.resize(256, 0x00);
+        EXPECT_EQ(read, expected) << name;
+        EXPECT_TRUE(log.Asserts().empty()) << name;
+        shortOnes += blob.size() == 128 ? 1 : 0;
+    }
+    EXPECT_GT(shortOnes, 10);
 }

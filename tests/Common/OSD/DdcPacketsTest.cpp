@@ -24,7 +24,7 @@ ByteBuffer GetReply(uint8_t code, uint16_t maximum, uint16_t current, uint8_t ty
 
 std::string Check(ByteBuffer reply, uint8_t code, bool continuous, SGetReplyValue* value = nullptr) {
     SGetReplyValue scratch;
-    return CheckGetReply(reply, code, continuous, value != nullptr ? *value : scratch);
+    return ReplyErrorText(CheckGetReply(reply, code, continuous, value != nullptr ? *value : scratch));
 }
 
 }  // namespace
@@ -130,7 +130,7 @@ TEST(DdcPackets, SimulatedRepliesPassTheChecksTheyStandFor) {
     EXPECT_EQ(Checksum(get, 0x50), 0);
     SGetReplyValue value;
     StripReplyChecksum(get);
-    EXPECT_EQ(CheckGetReply(get, 0xC9, false, value), "");
+    EXPECT_EQ(CheckGetReply(get, 0xC9, false, value), EReplyError::None);
     EXPECT_EQ(value.maximum, 3);
     EXPECT_EQ(value.current, 0x0102);
 

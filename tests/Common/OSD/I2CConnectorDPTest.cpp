@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "DdcPackets.h"
 #include "I2CConnectorDP.h"
 #include "LogCapture.h"
 #include "VirtualBench.h"
@@ -32,7 +33,7 @@ TEST(I2CConnectorDP, CapabilitiesAndFirmwareComeAsVendorTables) {
     SVirtualBench bench("canvas-32-pro");
     CRawI2CConnectorDP connector(bench.display);
     EXPECT_EQ(connector.GetType(), 3u);
-    EXPECT_EQ(CI2CConnectorDP::BuildTableReadRequest(0xF3, 0x001F),
+    EXPECT_EQ(BuildTableReadRequest(0xF3, 0x001F),
               (ByteBuffer{0x6E, 0x51, 0x84, 0xE2, 0xF3, 0x00, 0x1F, 0xB5}));
 
     const std::string& caps = bench.display->CapabilitiesString();
