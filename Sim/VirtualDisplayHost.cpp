@@ -91,10 +91,10 @@ int main(int argc, char** argv) {
             return Usage(("cannot read " + edidFile).c_str());
         }
         ByteBuffer edid{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-        // One base block, or a base block and one extension: what the EDID reads can serve.
-        if (edid.size() != 128 && edid.size() != 256) {
+        // Whole 128-byte blocks: a base block and at most 255 extensions.
+        if (edid.empty() || edid.size() % 128 != 0 || edid.size() > 128 * 256) {
             return Usage((edidFile + " holds " + std::to_string(edid.size()) +
-                          " bytes; an EDID file holds 128 or 256")
+                          " bytes; an EDID is made of whole 128-byte blocks, 1 to 256 of them")
                              .c_str());
         }
         display->SetEdid(std::move(edid));
