@@ -52,11 +52,12 @@ CVirtualDisplay::CVirtualDisplay(SVirtualDisplayModel model_I) : mModel(std::mov
 
 ByteBuffer CVirtualDisplay::Handle(const ByteBuffer& request_I) {
     std::lock_guard<std::mutex> lock(mMutex);
-    const uint8_t opcode = request_I.size() > 3 ? request_I[3] : 0;
-    const int vcpCode =
-        request_I.size() > 4 && (opcode == ddcCC_GetVCPFeatureRequest || opcode == ddcCC_SetVCPFeatureRequest)
-            ? request_I[4]
-            : kAnyCode;
+    const SHostRequest decoded = DecodeHostRequest(request_I);
+    const uint8_t opcode = decoded.command;
+    const int vcpCode = request_I.size() > Ddc::kCodeByte && (opcode == ddcCC_GetVCPFeatureRequest ||
+                                                              opcode == ddcCC_SetVCPFeatureRequest)
+                            ? decoded.vcpCode
+                            : kAnyCode;
     STransaction transaction;
     transaction.time = Clock::Get().Now();
     transaction.request = request_I;
@@ -85,21 +86,22 @@ ByteBuffer CVirtualDisplay::Answer(const ByteBuffer& request_I) {
     // A request the firmware cannot read is ignored: wrong addresses, a length byte that
     // does not match, a bad checksum.
     if (request_I.size() < 5 || request_I[0] != Ddc::kDisplayAddress || request_I[1] != Ddc::kHostAddress ||
-        request_I[2] != (Ddc::kLengthFlag | (request_I.size() - 4)) || Checksum(request_I, 0) != 0) {
+        (request_I[2] & Ddc::kLengthFlag) == 0 || FramedRequestSize(request_I) != request_I.size() ||
+        Checksum(request_I, 0) != 0) {
         return {};
     }
-    switch (request_I[3]) {
-        case ddcCC_GetVCPFeatureRequest:
-            return request_I.size() == 6 ? AnswerGet(request_I[4]) : ByteBuffer{};
+    const SHostRequest request = DecodeHostRequest(request_I);
+    switch (request.command) {
+        case ddcCC_GetVCPFeatureRequest: return request_I.size() == 6 ? AnswerGet(request.vcpCode) : ByteBuffer{};
         case ddcCC_SetVCPFeatureRequest:
             if (request_I.size() != 8) {
                 return {};
             }
-            if (request_I[4] == kSaveThroughDriverCode) {
+            if (request.vcpCode == kSaveThroughDriverCode) {
                 StoreCurrentValues();
                 return BuildNullMessage();
             }
-            ApplySet(request_I[4], static_cast<uint16_t>((request_I[5] << 8) | request_I[6]));
+            ApplySet(request.vcpCode, request.value);
             return BuildNullMessage();
         case ddcCC_SaveCurrentSettingsRequest: StoreCurrentValues(); return BuildNullMessage();
         case ddcCC_CapabilitiesRequest:

@@ -53,15 +53,7 @@ SFirmwareVersion CVirtualDisplayConnector::FWVersion() {
     if (!mOpen) {
         return {};
     }
-    ByteBuffer reply =
-        SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
-    StripReplyChecksum(reply);
-    SGetReplyValue value;
-    if (CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value) != EReplyError::None) {
-        DLog("CVirtualDisplayConnector::FWVersion - failed\n");
-        return {};
-    }
-    return FirmwareVersionFromVcpC9(value.current, value.maximum);
+    return ReadFirmwareVersionByGet("CVirtualDisplayConnector");
 }
 
 ByteBuffer CVirtualDisplayConnector::ReadEDID(int32_t) {

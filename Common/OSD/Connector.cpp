@@ -5,6 +5,7 @@
 #include "DdcPackets.h"
 #include "DebugLog.h"
 #include "EdidText.h"
+#include "codes.h"
 
 Connector::~Connector() {
     mEDIDCache.clear();
@@ -57,6 +58,18 @@ ByteBuffer Connector::SendFixedCommand(const SFixedCommand& command_I) {
     }
     DLogHex(command_I.readTitle, inBuffer);
     return inBuffer;
+}
+
+SFirmwareVersion Connector::ReadFirmwareVersionByGet(const char* className_I) {
+    ByteBuffer reply =
+        SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
+    StripReplyChecksum(reply);
+    SGetReplyValue value;
+    if (CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value) != EReplyError::None) {
+        DLog("%s::FWVersion - failed\n", className_I);
+        return {};
+    }
+    return FirmwareVersionFromVcpC9(value.current, value.maximum);
 }
 
 bool Connector::ScalarReset() {

@@ -58,6 +58,10 @@ public:
     static std::string TrimCapabilitiesString(const ByteBuffer& capsStr_I);
 
 protected:
+    // The firmware version as a get of VCP 0xC9 answers it, for connectors that carry raw
+    // DDC/CI; className_I names the connector in the failure line.
+    SFirmwareVersion ReadFirmwareVersionByGet(const char* className_I);
+
     // The EDID as last read; filled on demand and emptied by Close.
     ByteBuffer mEDIDCache;
 

@@ -85,8 +85,9 @@ ByteBuffer CWinI2CConnectorDP::SendRequest(const ByteBuffer& toSend_I, double, u
         return {};
     }
     const SMonitorConfigurationApi& api = MonitorConfigurationApi();
-    const uint8_t command = toSend_I[3];
-    const uint8_t code = toSend_I.size() > 4 ? toSend_I[4] : 0;
+    const SHostRequest request = DecodeHostRequest(toSend_I);
+    const uint8_t command = request.command;
+    const uint8_t code = request.vcpCode;
     switch (command) {
         case ddcCC_GetVCPFeatureRequest: {
             Dxva2::MC_VCP_CODE_TYPE type = Dxva2::MC_SET_PARAMETER;
@@ -106,11 +107,11 @@ ByteBuffer CWinI2CConnectorDP::SendRequest(const ByteBuffer& toSend_I, double, u
             // checksum, 0xB2) to 0: this is how these displays are told to store.
             DWORD value = 0;
             if (command == ddcCC_SetVCPFeatureRequest) {
-                if (toSend_I.size() < 7) {
+                if (!request.hasValue) {
                     VLR_ASSERT_FAIL("Oops - unknown or unsupported VCP op");
                     return {};
                 }
-                value = static_cast<DWORD>(toSend_I[5] * 256 + toSend_I[6]);
+                value = request.value;
             }
             if (!api.SetVCPFeature(PhysicalHandle(), code, value)) {
                 // The set path logs the get call's name on purpose: traces have always read so.

@@ -217,6 +217,22 @@ ByteBuffer BuildSimulatedReply(uint8_t command_I, uint8_t vcpCode_I, uint16_t cu
     }
 }
 
+SHostRequest DecodeHostRequest(const ByteBuffer& request_I) {
+    SHostRequest request;
+    if (request_I.size() > Ddc::kCommandByte) {
+        request.command = request_I[Ddc::kCommandByte];
+    }
+    if (request_I.size() > Ddc::kCodeByte) {
+        request.vcpCode = request_I[Ddc::kCodeByte];
+    }
+    if (request_I.size() > Ddc::kValueLowByte) {
+        request.hasValue = true;
+        request.value =
+            static_cast<uint16_t>((request_I[Ddc::kValueHighByte] << 8) | request_I[Ddc::kValueLowByte]);
+    }
+    return request;
+}
+
 bool IsTranslatableRequest(const ByteBuffer& request_I) {
     if (request_I.size() < 4 || request_I[0] != Ddc::kDisplayAddress || request_I[1] != Ddc::kHostAddress) {
         VLR_ASSERT_FAIL("Zero-length request vector");

@@ -29,6 +29,12 @@ constexpr uint8_t kGetReplyLength = kLengthFlag | 8;
 constexpr uint8_t kNullMessageChecksum = 0xBE;
 constexpr size_t kNullMessageSize = 3;
 
+// Where a host request keeps its fields.
+constexpr size_t kCommandByte = 3;
+constexpr size_t kCodeByte = 4;
+constexpr size_t kValueHighByte = 5;
+constexpr size_t kValueLowByte = 6;
+
 // Reply capacity every caller asks the connector for.
 constexpr unsigned kReplySize = 38;
 
@@ -138,6 +144,15 @@ EReplyError CheckGetReply(const ByteBuffer& inBuffer, uint8_t requestedCode_I, b
 EReplyError CheckSetReply(const ByteBuffer& inBuffer);
 
 // ---- transports that carry out requests through an API call ----
+// What a host request (6E 51 len command code [value-high value-low] chk) asks.
+struct SHostRequest {
+    uint8_t command = 0;
+    uint8_t vcpCode = 0;   // 0 when the request is too short to carry one
+    bool hasValue = false;  // the request is long enough to carry a set's value
+    uint16_t value = 0;
+};
+SHostRequest DecodeHostRequest(const ByteBuffer& request_I);
+
 // Whether the request is a host request they can decode (at least 4 bytes, 6E 51 first);
 // asserts when it is not.
 bool IsTranslatableRequest(const ByteBuffer& request_I);

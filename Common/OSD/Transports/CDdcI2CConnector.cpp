@@ -54,15 +54,7 @@ std::string CDdcI2CConnector::CapabilitiesString() {
 }
 
 SFirmwareVersion CDdcI2CConnector::FWVersion() {
-    ByteBuffer reply =
-        SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
-    StripReplyChecksum(reply);
-    SGetReplyValue value;
-    if (CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value) != EReplyError::None) {
-        DLog("CDdcI2CConnector::FWVersion - failed\n");
-        return {};
-    }
-    return FirmwareVersionFromVcpC9(value.current, value.maximum);
+    return ReadFirmwareVersionByGet("CDdcI2CConnector");
 }
 
 ByteBuffer CDdcI2CConnector::ReadEDID(int32_t) {

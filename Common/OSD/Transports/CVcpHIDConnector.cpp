@@ -142,8 +142,9 @@ ByteBuffer CVcpHIDConnector::SendRequest(const ByteBuffer& toSend_I, double, uns
     if (!IsTranslatableRequest(toSend_I)) {
         return {};
     }
-    const uint8_t command = toSend_I[3];
-    const uint8_t code = toSend_I.size() > 4 ? toSend_I[4] : 0;
+    const SHostRequest request = DecodeHostRequest(toSend_I);
+    const uint8_t command = request.command;
+    const uint8_t code = request.vcpCode;
     switch (command) {
         case ddcCC_GetVCPFeatureRequest: {
             const ByteBuffer status = SubmitRequest(toSend_I, kRequestWithData);

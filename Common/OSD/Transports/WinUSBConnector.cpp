@@ -156,13 +156,5 @@ ByteBuffer CWinUSBConnector::ReadEDID(int32_t) {
 }
 
 SFirmwareVersion CWinUSBConnector::FWVersion() {
-    ByteBuffer reply =
-        SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
-    StripReplyChecksum(reply);
-    SGetReplyValue value;
-    if (CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value) != EReplyError::None) {
-        DLog("CWinUSBConnector::FWVersion - failed\n");
-        return {};
-    }
-    return FirmwareVersionFromVcpC9(value.current, value.maximum);
+    return ReadFirmwareVersionByGet("CWinUSBConnector");
 }
