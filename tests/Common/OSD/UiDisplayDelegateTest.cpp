@@ -37,12 +37,12 @@ std::unique_ptr<SDelegateBench> Ready(const char* key) {
 
 TEST(UiDisplayDelegate, BrightnessGoesToTheFamilysCode) {
     const std::pair<const char*, int> cases[] = {
-        {"canvas-24-touch", vcpC_BacklightControl},  // group A
+        {"canvas-24-touch", vcpC_BacklightControl},  // touch
         {"studio-24", vcpC_BacklightLevelWhite},     // family 0x03A6
-        {"canvas-16-go", vcpC_BacklightLevelWhite},  // group B
+        {"canvas-16-go", vcpC_BacklightLevelWhite},  // battery
         {"studio-32", vcpC_BacklightLevelWhite},     // family 0x03BD
-        {"canvas-22-pro", vcpC_Luminance},           // group C
-        {"slate-13", vcpC_Luminance},                // group D
+        {"canvas-22-pro", vcpC_Luminance},           // pro
+        {"slate-13", vcpC_Luminance},                // pen computer
         {"canvas-13-hd", vcpC_Luminance},            // family 0x032B
     };
     for (const auto& [key, code] : cases) {
@@ -65,7 +65,7 @@ TEST(UiDisplayDelegate, GammaChoicesFollowTheFamily) {
     EXPECT_EQ(Sets(*hd->display), (Writes{{0x72, 2}, {0x72, 1}}));
     EXPECT_FALSE(hd->cdisplay->SetGammaValue(20));
 
-    auto slate = Ready("slate-13");  // group D: choice + 1
+    auto slate = Ready("slate-13");  // pen computer: choice + 1
     EXPECT_TRUE(slate->cdisplay->SetGamma(0));
     EXPECT_TRUE(slate->cdisplay->SetGamma(2));
     EXPECT_FALSE(slate->cdisplay->SetGamma(3));
@@ -76,7 +76,7 @@ TEST(UiDisplayDelegate, GammaChoicesFollowTheFamily) {
         (std::vector<SEntry>{{StringId::kGamma1_9, 0}, {StringId::kGamma2_2, 1}, {StringId::kGamma2_4, 2}}));
     EXPECT_EQ(gamma.value, 2);
 
-    auto pro = Ready("canvas-22-pro");  // group C: the fine scale
+    auto pro = Ready("canvas-22-pro");  // pro: the fine scale
     EXPECT_TRUE(pro->cdisplay->SetGammaValue(25));
     EXPECT_EQ(Sets(*pro->display), (Writes{{0x72, 25}}));
     gamma = pro->cdisplay->GetSetting(ESetting::Gamma);
@@ -284,7 +284,7 @@ TEST(UiDisplayDelegate, ColourTemperatureAndSpaceOfferWhatTheDisplayAllows) {
     EXPECT_TRUE(slate->cdisplay->SetColorSettingMode(eColorModeCustom));
     EXPECT_EQ(Sets(*slate->display).back(), (std::pair<int, int>{0xF0, 9}));
 
-    // Custom colour on group C switches uniformity compensation off.
+    // Custom colour on the pro models switches uniformity compensation off.
     auto pro = Ready("canvas-22-pro");
     ASSERT_TRUE(pro->cdisplay->SetUniformityCompensation(1));
     EXPECT_TRUE(pro->cdisplay->SetColorSettingMode(eColorModeCustom));
@@ -330,7 +330,7 @@ TEST(UiDisplayDelegate, PowerWarningListsRaisedTemperatureAndBrightness) {
 }
 
 TEST(UiDisplayDelegate, DarkScreenQuestionFollowsTheFamilysThreshold) {
-    auto go = Ready("canvas-16-go");  // group B: black >= 0.6
+    auto go = Ready("canvas-16-go");  // battery model: black >= 0.6
     EXPECT_FALSE(go->cdisplay->IsPictureTooDark(70, 50));
     EXPECT_FALSE(go->cdisplay->IsPictureTooDark(41, 50));
     EXPECT_TRUE(go->cdisplay->IsPictureTooDark(40, 50));
@@ -338,7 +338,7 @@ TEST(UiDisplayDelegate, DarkScreenQuestionFollowsTheFamilysThreshold) {
     auto pro = Ready("canvas-22-pro");  // family 0x037C: every channel below 20 (of 255)
     EXPECT_FALSE(pro->cdisplay->IsPictureTooDark(8, 50));
     EXPECT_TRUE(pro->cdisplay->IsPictureTooDark(7, 50));
-    auto slate = Ready("slate-13");  // group D: black >= 0.75
+    auto slate = Ready("slate-13");  // pen computer: black >= 0.75
     EXPECT_FALSE(slate->cdisplay->IsPictureTooDark(25, 50));
     EXPECT_TRUE(slate->cdisplay->IsPictureTooDark(24, 50));
 }
