@@ -131,27 +131,66 @@ std::u16string DecodeCodedString(const std::u16string& codedString_I) {
     return Utf8ToUtf16(Base64Decode(coded));
 }
 
+namespace {
+
+// The well-formed UTF-8 sequences of a lead byte: their length and the range the second byte
+// must fall in (the others take 80..BF). Length 0: the byte cannot start a sequence.
+struct SUtf8Lead {
+    size_t length;
+    uint8_t secondLow;
+    uint8_t secondHigh;
+};
+
+SUtf8Lead Utf8Lead(uint8_t lead_I) {
+    if (lead_I < 0x80) return {1, 0, 0};
+    if (lead_I >= 0xC2 && lead_I <= 0xDF) return {2, 0x80, 0xBF};
+    if (lead_I == 0xE0) return {3, 0xA0, 0xBF};  // no overlong forms
+    if (lead_I == 0xED) return {3, 0x80, 0x9F};  // no surrogates
+    if (lead_I >= 0xE1 && lead_I <= 0xEF) return {3, 0x80, 0xBF};
+    if (lead_I == 0xF0) return {4, 0x90, 0xBF};  // no overlong forms
+    if (lead_I >= 0xF1 && lead_I <= 0xF3) return {4, 0x80, 0xBF};
+    if (lead_I == 0xF4) return {4, 0x80, 0x8F};  // nothing above U+10FFFF
+    return {0, 0, 0};
+}
+
+// Reads the sequence that starts at i_I: how many bytes belong to it (at least one) and, when
+// it is well formed, its code point. False for an ill-formed sequence.
+bool ReadUtf8Sequence(const std::string& text_I, size_t i_I, size_t& taken_O, uint32_t& code_O) {
+    const uint8_t lead = static_cast<uint8_t>(text_I[i_I]);
+    const SUtf8Lead form = Utf8Lead(lead);
+    taken_O = 1;
+    if (form.length == 0) {
+        return false;
+    }
+    code_O = form.length == 1 ? lead : lead & (0x7F >> form.length);
+    for (; taken_O < form.length && i_I + taken_O < text_I.size(); ++taken_O) {
+        const uint8_t next = static_cast<uint8_t>(text_I[i_I + taken_O]);
+        const uint8_t low = taken_O == 1 ? form.secondLow : 0x80;
+        const uint8_t high = taken_O == 1 ? form.secondHigh : 0xBF;
+        if (next < low || next > high) {
+            return false;
+        }
+        code_O = (code_O << 6) | (next & 0x3F);
+    }
+    return taken_O == form.length;
+}
+
+}  // namespace
+
 std::u16string Utf8ToUtf16(const std::string& text_I) {
+    // As the system's UTF-8 conversion does: each ill-formed sequence (its longest start that
+    // could still have become a character) is one U+FFFD, and decoding goes on at the first
+    // byte that does not belong to it, so nothing valid after it is lost.
     std::u16string out;
     out.reserve(text_I.size());
     for (size_t i = 0; i < text_I.size();) {
-        const uint8_t lead = static_cast<uint8_t>(text_I[i]);
-        size_t length = lead < 0x80           ? 1
-                        : (lead >> 5) == 0x6  ? 2
-                        : (lead >> 4) == 0xE  ? 3
-                        : (lead >> 3) == 0x1E ? 4
-                                              : 0;
-        if (length == 0 || i + length > text_I.size()) {
-            out += u'\uFFFD';  // not UTF-8: replaced, never dropped silently
-            ++i;
-            continue;
-        }
-        uint32_t code = length == 1 ? lead : lead & (0x7F >> length);
-        for (size_t k = 1; k < length; ++k) {
-            code = (code << 6) | (static_cast<uint8_t>(text_I[i + k]) & 0x3F);
-        }
-        i += length;
-        if (code >= 0x10000) {
+        size_t taken = 1;
+        uint32_t code = 0;
+        const bool wellFormed = ReadUtf8Sequence(text_I, i, taken, code);
+        i += taken;
+        if (!wellFormed) {
+            out += u'\uFFFD';
+        } else if (code >= 0x10000) {
             code -= 0x10000;
             out += static_cast<char16_t>(0xD800 + (code >> 10));
             out += static_cast<char16_t>(0xDC00 + (code & 0x3FF));
@@ -190,21 +229,12 @@ std::string Utf16ToUtf8(const std::u16string& text_I) {
 
 bool IsValidUtf8(const std::string& text_I) {
     for (size_t i = 0; i < text_I.size();) {
-        const uint8_t lead = static_cast<uint8_t>(text_I[i]);
-        const size_t length = lead < 0x80           ? 1
-                              : (lead >> 5) == 0x6  ? 2
-                              : (lead >> 4) == 0xE  ? 3
-                              : (lead >> 3) == 0x1E ? 4
-                                                    : 0;
-        if (length == 0 || i + length > text_I.size()) {
+        size_t taken = 1;
+        uint32_t code = 0;
+        if (!ReadUtf8Sequence(text_I, i, taken, code)) {
             return false;
         }
-        for (size_t k = 1; k < length; ++k) {
-            if ((static_cast<uint8_t>(text_I[i + k]) & 0xC0) != 0x80) {
-                return false;
-            }
-        }
-        i += length;
+        i += taken;
     }
     return true;
 }

@@ -387,8 +387,7 @@ void CDisplay::NoteFailure(const VCPOptionPtr& option_I) {
 bool CDisplay::Save() {
     for (auto& opt : mVCPOptionsMap) {
         VLR_ASSERT(opt.second);
-        // Write-only codes are actions, not settings: there is nothing to keep.
-        if (!opt.second || opt.second->Info().WriteOnly() || !opt.second->IsChanged()) {
+        if (!opt.second || !opt.second->IsChanged()) {
             continue;
         }
         opt.second->ClearError();
@@ -404,7 +403,9 @@ bool CDisplay::Save() {
 bool CDisplay::Revert() {
     bool allWritten = true;
     for (auto& opt : mVCPOptionsMap) {
-        if (!opt.second || opt.second->Info().WriteOnly() || !opt.second->IsChanged()) {
+        // Write-only options too: a started action (LCD conditioning) is written back to its
+        // original.
+        if (!opt.second || !opt.second->IsChanged()) {
             continue;
         }
         opt.second->ClearError();
@@ -424,6 +425,10 @@ void CDisplay::ResetOneOption(VCPOptionBase& option_I) {
     option_I.ClearError();
     if (!option_I.Info().WriteOnly()) {
         option_I.ClearHasOriginal();
+    } else {
+        // A write-only option has nothing to read back: 0 stands for "nothing done" again, so
+        // that the next start of the action is a change even after a Save kept it.
+        option_I.SetOriginal(0);
     }
     option_I.ResetValueToOriginal();
 }

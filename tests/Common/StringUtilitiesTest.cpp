@@ -58,6 +58,24 @@ TEST(CodedText, Utf8AndUtf16RoundTrip) {
               u"a\uFFFDb");
 }
 
+TEST(CodedText, MalformedUtf8BecomesOneReplacementPerBadSequenceAndLosesNothingAfterIt) {
+    // As code page 65001 converts: a bad continuation ends the sequence there.
+    EXPECT_EQ(Utf8ToUtf16("\xC3\x28\x78"), u"\uFFFD(x");
+    EXPECT_EQ(Utf8ToUtf16("\xE2\x82\x41"), u"\uFFFDA");  // three-byte lead, one continuation
+    EXPECT_EQ(Utf8ToUtf16("\xF0\x9F\x96\x41\x42"), u"\uFFFDAB");
+    EXPECT_EQ(Utf8ToUtf16("\xE2\x82"), u"\uFFFD");  // cut short at the end
+    // Overlong forms, surrogates and code points above U+10FFFF are not characters.
+    EXPECT_EQ(Utf8ToUtf16("\xC0\xAF"), u"\uFFFD\uFFFD");
+    EXPECT_EQ(Utf8ToUtf16("\xE0\x80\xAF"), u"\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(Utf8ToUtf16("\xED\xA0\x80"), u"\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(Utf8ToUtf16("\xF4\x90\x80\x80"), u"\uFFFD\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(Utf8ToUtf16("\xF4\x8F\xBF\xBF").size(), 2u);  // U+10FFFF itself is fine
+    EXPECT_FALSE(IsValidUtf8("\xC3\x28"));
+    EXPECT_FALSE(IsValidUtf8("\xED\xA0\x80"));
+    // Through the coded form of the string tables: C3 28 78 is "wyh4".
+    EXPECT_EQ(DecodeCodedString(Coded("wyh4")), u"\uFFFD(x");
+}
+
 TEST(LanguageFallback, StepsTowardsTheNeutralLanguageThenEnglish) {
     auto chain = [](uint16_t id) {
         std::vector<uint16_t> steps{id};

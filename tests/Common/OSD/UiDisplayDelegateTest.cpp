@@ -129,6 +129,22 @@ TEST(UiDisplayDelegate, FamilyRulesOfTheAdvancedSetters) {
     EXPECT_EQ(Sets(*conditioning->display), (Writes{{0xEA, 1}}));
 }
 
+TEST(UiDisplayDelegate, RevertWritesAStartedLcdConditioningBackAndAResetKeepsTheStartWorking) {
+    auto pro = Ready("canvas-27-pro");
+    UiDisplayDelegate& delegate = *pro->cdisplay;
+    ASSERT_TRUE(delegate.SetLCDConditioning(1));
+    EXPECT_TRUE(delegate.Revert());
+    EXPECT_EQ(Sets(*pro->display), (Writes{{0xEA, 1}, {0xEA, 0}}));
+    // The advanced page's start: revert, reset 0xEA's data, write 1; also after a Save.
+    pro->display->ClearTransactions();
+    ASSERT_TRUE(delegate.SetLCDConditioning(1));
+    EXPECT_TRUE(delegate.Save());
+    delegate.Revert();
+    delegate.ResetOptionData(vcpC_LCDConditioning);
+    EXPECT_TRUE(delegate.SetLCDConditioning(1));
+    EXPECT_EQ(Sets(*pro->display), (Writes{{0xEA, 1}, {0xEA, 1}}));
+}
+
 TEST(UiDisplayDelegate, BatteryModeNeedsAValidBatteryValue) {
     auto go = Ready("canvas-16-go");
     EXPECT_TRUE(go->cdisplay->SetBatteryMode(1));
