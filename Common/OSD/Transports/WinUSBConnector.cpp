@@ -123,10 +123,8 @@ std::string CWinUSBConnector::CapabilitiesString() {
     }
     std::string capabilitiesStr(caps.begin(), caps.end());
     VLR_ASSERT(!capabilitiesStr.empty());
-    if (capabilitiesStr.empty()) {
-        return {};
-    }
-    VLR_ASSERT_AS(capabilitiesStr[0] == '(', "caps[0] == '('");
+    VLR_ASSERT_AS(!capabilitiesStr.empty() && capabilitiesStr[0] == '(', "caps[0] == '('");
+    // The pause and the trim come whether or not anything was collected.
     Clock::PauseMs(100);
     return TrimCapabilitiesString(caps);
 }

@@ -75,6 +75,36 @@ TEST(WinUSBConnector, CapabilitiesInChunksAndTheEdidInOneLongAnswer) {
     EXPECT_EQ(bench.connector->FWVersion(), (SFirmwareVersion{1, 4, 0, 5, 0}));
 }
 
+TEST(WinUSBConnector, CapabilitiesFragmentsAre32BytesAndTheEndPausesAndTrimsAlways) {
+    SSerialBench bench("studio-24");
+    const std::string& caps = bench.display->CapabilitiesString();
+    ASSERT_GT(caps.size(), 64u);
+    CLogCapture log;
+    EXPECT_EQ(bench.connector->CapabilitiesString(), caps);
+    EXPECT_TRUE(log.Asserts().empty());
+    // The offsets asked for advance by 32 bytes, the data one fragment carries, and the last
+    // one asks past the end.
+    std::vector<size_t> offsets;
+    for (const auto& transaction : bench.display->Transactions()) {
+        offsets.push_back(static_cast<size_t>((transaction.request[4] << 8) | transaction.request[5]));
+    }
+    std::vector<size_t> expected;
+    for (size_t offset = 0; offset < caps.size(); offset += 32) {
+        expected.push_back(offset);
+    }
+    expected.push_back(caps.size());
+    EXPECT_EQ(offsets, expected);
+
+    // A display that answers nothing: the read still ends with the 100 ms pause and the trim.
+    bench.display->Faults().SetRate(1.0, 1, {EFault::NoReply});
+    bench.clock.ClearPauses();
+    log.Clear();
+    EXPECT_EQ(bench.connector->CapabilitiesString(), "");
+    EXPECT_EQ(bench.clock.PausesMs(), (std::vector<long long>{200, 100}));
+    EXPECT_EQ(log.Asserts(), (std::vector<std::string>{"!capabilitiesStr.empty()", "caps[0] == '('",
+                                                       "capsStr_I[0] == '('", "!capabilitiesStr.empty()"}));
+}
+
 TEST(WinUSBConnector, ADisplayObjectRunsOverTheSerialLogic) {
     SSerialBench bench("canvas-21");
     CLogCapture log;
