@@ -306,8 +306,9 @@ bool CDisplay::SetVCPValue(uint32_t vcpCode_I, int32_t value_I) {
             DLogVerbose("SetVCPValue write failed %s\n", option->Error().c_str());
             NoteFailure(option);
             option->ClearError();
-            // The display did not take the value: keep believing what it has, so a retry
-            // writes again instead of finding the value already current.
+            // Deliberately goes beyond a plain failed write: the display did not take the value,
+            // so keep believing what it has, and a retry writes again instead of finding the
+            // value already current.
             option->RestoreValue(previous);
             return false;
         }
@@ -381,7 +382,11 @@ bool CDisplay::RestoreOriginal(uint32_t vcpCode_I) {
 }
 
 void CDisplay::NoteFailure(const VCPOptionPtr& option_I) {
-    mLastFailure = VCPCodeName(option_I->GetCode()) + ": " + option_I->Error();
+    NoteFailure(VCPCodeName(option_I->GetCode()), option_I->Error());
+}
+
+void CDisplay::NoteFailure(const std::string& what_I, const std::string& why_I) {
+    mLastFailure = what_I + ": " + why_I;
 }
 
 bool CDisplay::Save() {
@@ -397,7 +402,11 @@ bool CDisplay::Save() {
     if (!mConnector) {
         return true;
     }
-    return mConnector->SaveSettingsToScalar();
+    if (!mConnector->SaveSettingsToScalar()) {
+        NoteFailure("Save", "the display did not confirm storing the settings");
+        return false;
+    }
+    return true;
 }
 
 bool CDisplay::Revert() {

@@ -109,6 +109,8 @@ protected:
     // The per-model corrections of the option map.
     void ApplyModelCorrections();
     void NoteFailure(const VCPOptionPtr& option_I);
+    // A failure that is not one option's error: "<what>: <why>".
+    void NoteFailure(const std::string& what_I, const std::string& why_I);
     static void ResetOneOption(VCPOptionBase& option_I);
 
     std::shared_ptr<Connector> mConnector;

@@ -25,12 +25,24 @@ constexpr int32_t kFineGammaHighest = 40;
 UiDisplayDelegate::UiDisplayDelegate(std::shared_ptr<Connector> connector_I, uint16_t edidNumber_I)
     : CDisplay(std::move(connector_I), edidNumber_I) {}
 
+UiDisplayDelegate::COperation::COperation(UiDisplayDelegate& delegate_I) : mDelegate(delegate_I) {
+    if (mDelegate.mOperationDepth++ == 0) {
+        mDelegate.ClearLastFailure();
+    }
+}
+
+UiDisplayDelegate::COperation::~COperation() {
+    --mDelegate.mOperationDepth;
+}
+
 bool UiDisplayDelegate::Write(uint8_t vcpCode_I, int32_t value_I) {
+    COperation operation(*this);
     if (vcpCode_I == 0 || !HasOption(vcpCode_I)) {
+        NoteFailure(vcpCode_I == 0 ? std::string("Setting") : VCPCodeName(vcpCode_I), "not offered by this display");
         return false;
     }
-    // A set only goes out for an option whose value was read; read it first rather than let
-    // the user's change be dropped.
+    // Deliberate: a set only goes out for an option whose value was read, so a setter reads
+    // the option first rather than let the user's change be dropped.
     GetVCPValue(vcpCode_I, false);
     return SetVCPValue(vcpCode_I, value_I);
 }
@@ -38,11 +50,13 @@ bool UiDisplayDelegate::Write(uint8_t vcpCode_I, int32_t value_I) {
 // ---- save, revert, reset ----
 
 bool UiDisplayDelegate::Save() {
+    COperation operation(*this);
     mSavedColorMode = mColorMode;
     return CDisplay::Save();
 }
 
 bool UiDisplayDelegate::Revert() {
+    COperation operation(*this);
     const bool written = CDisplay::Revert();
     mColorMode = mSavedColorMode;
     return written;
@@ -55,6 +69,7 @@ void UiDisplayDelegate::ResetData(bool allOptions_I) {
 }
 
 bool UiDisplayDelegate::FactoryReset() {
+    COperation operation(*this);
     if (!SetVCPValue(vcpC_RestoreFactoryDefaults, 1)) {
         return false;
     }
@@ -66,7 +81,11 @@ bool UiDisplayDelegate::FactoryReset() {
 }
 
 bool UiDisplayDelegate::ResetColor() {
-    if (!GetVCPValue(vcpC_RestoreFactoryColorDefaults, true).valid) {
+    COperation operation(*this);
+    const SVCPValue restore = GetVCPValue(vcpC_RestoreFactoryColorDefaults, true);
+    if (!restore.valid) {
+        NoteFailure(VCPCodeName(vcpC_RestoreFactoryColorDefaults),
+                    restore.error.empty() ? "not supported by this display" : restore.error);
         // The line names SetResetColor on purpose: it is the trace's established wording.
         DLog("UiDisplayDelegate::SetResetColor - not supported\n");
         return false;
@@ -115,6 +134,7 @@ bool UiDisplayDelegate::SetUniformityCompensation(int32_t value_I) {
 }
 
 bool UiDisplayDelegate::SetDynamicContrast(int32_t on_I) {
+    COperation operation(*this);
     if (on_I != 0 && mTraits.dynamicContrastExcludesUniformity) {
         // Best effort: if uniformity stays on, the firmware refuses dynamic contrast and the
         // write below reports it.
@@ -153,13 +173,17 @@ bool UiDisplayDelegate::SetFanSpeed(int32_t fanSpeed_I) {
 }
 
 bool UiDisplayDelegate::SetBatteryMode(int32_t choice_I) {
-    if (!GetVCPValue(vcpC_BatteryMode, false).valid) {
+    COperation operation(*this);
+    const SVCPValue current = GetVCPValue(vcpC_BatteryMode, false);
+    if (!current.valid) {
+        NoteFailure(VCPCodeName(vcpC_BatteryMode),
+                    current.error.empty() ? "not readable on this display" : current.error);
         return false;
     }
     switch (choice_I) {
         case 0: return Write(vcpC_BatteryMode, kBatteryValueStandard);
         case 1: return Write(vcpC_BatteryMode, kBatteryValueSaver);
-        default: return false;
+        default: NoteFailure(VCPCodeName(vcpC_BatteryMode), "no such choice"); return false;
     }
 }
 
@@ -189,6 +213,7 @@ int32_t UiDisplayDelegate::ColorSettingMode() {
 }
 
 bool UiDisplayDelegate::SetColorSettingMode(int32_t mode_I) {
+    COperation operation(*this);
     if (mode_I != eColorModeTemperature && mode_I != eColorModeSpace && mode_I != eColorModeCustom) {
         return false;
     }
@@ -207,6 +232,7 @@ bool UiDisplayDelegate::SetColorSettingMode(int32_t mode_I) {
 }
 
 bool UiDisplayDelegate::SetColorTemperature(int32_t value_I) {
+    COperation operation(*this);
     if (!SelectModePreset(eColorModeTemperature) || !Write(CodeOf(ESetting::ColorTemperature), value_I)) {
         return false;
     }
@@ -215,6 +241,7 @@ bool UiDisplayDelegate::SetColorTemperature(int32_t value_I) {
 }
 
 bool UiDisplayDelegate::SetColorSpace(int32_t value_I) {
+    COperation operation(*this);
     if (!SelectModePreset(eColorModeSpace) || !Write(CodeOf(ESetting::ColorSpace), value_I)) {
         return false;
     }
@@ -353,6 +380,7 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
 }
 
 bool UiDisplayDelegate::SetSetting(ESetting setting_I, int32_t value_I) {
+    COperation operation(*this);
     switch (setting_I) {
         case ESetting::Brightness: return SetBrightness(value_I);
         case ESetting::Contrast: return SetContrast(value_I);
@@ -466,6 +494,7 @@ CColor UiDisplayDelegate::GetCustomRGBColorMod(uint32_t type_I, bool readMode_I)
 }
 
 bool UiDisplayDelegate::SetCustomRGBColorMod(uint32_t type_I, const CColor& color_I) {
+    COperation operation(*this);
     if (!AllowsRawColorValues()) {
         VLR_ASSERT_AS(color_I.Red() <= MAX_COLOR_RGB_PERCENT,
                       "color_I.Red() >= 0 && color_I.Red() <= MAX_COLOR_RGB_PERCENT");

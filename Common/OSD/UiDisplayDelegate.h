@@ -91,6 +91,19 @@ public:
     bool IsColorTooDark(const CColor& color_I, uint32_t type_I) const;
 
 private:
+    // Marks one delegate operation: the outermost one clears the last failure's detail, so
+    // that an error box never shows an older failure.
+    class COperation {
+    public:
+        explicit COperation(UiDisplayDelegate& delegate_I);
+        ~COperation();
+        COperation(const COperation&) = delete;
+        COperation& operator=(const COperation&) = delete;
+
+    private:
+        UiDisplayDelegate& mDelegate;
+    };
+
     bool Write(uint8_t vcpCode_I, int32_t value_I);
     uint8_t CodeOf(ESetting setting_I) const { return mTraits.SettingCode(setting_I); }
     // On the families that switch colour modes with display presets, selects the mode's preset.
@@ -100,6 +113,7 @@ private:
     SSettingState GammaState();
     SSettingState ColorModeState();
 
+    int mOperationDepth = 0;
     int32_t mColorMode = eColorModeTemperature;
     int32_t mSavedColorMode = eColorModeTemperature;
 };

@@ -200,7 +200,8 @@ enum class EValueNames : uint8_t {
     X(0xF4, BatteryMode, "Battery Mode", RW, NC, 4, 2, None)
 
 // Rows that replace a code's row on the models that use it otherwise. Columns: variant,
-// code, access, type, read size, write size, value names.
+// code, access, type, read size, write size, value names. 0x72 is deliberately continuous on
+// the fine-scale models although its values have names: they take gamma x 10, not a choice.
 #define VLR_VCP_CODE_VARIANTS(X) \
     X(FineScaleGamma, 0x72, RW, C, 4, 2, Gamma) \
     X(ColorOffsetRedIsColorPreset, 0xE4, RW, NC, 4, 2, ColorPreset)

@@ -152,8 +152,8 @@ ByteBuffer CVcpHIDConnector::SendRequest(const ByteBuffer& toSend_I, double, uns
                 DLog("CVcpHIDConnector::SendRequest - GetRequest failed\n");
                 return {};
             }
-            // A status without the display's answer, or with its refusal, has no value to
-            // pass on: better no reply than a made-up zero.
+            // Deliberately refused: a status without the display's answer, or with its
+            // refusal, has no value to pass on; better no reply than a made-up zero.
             if (!HidVcp::CarriesGetReply(status, code)) {
                 DLog("CVcpHIDConnector::SendRequest - GetRequest failed\n");
                 return {};
@@ -247,6 +247,7 @@ SFirmwareVersion CVcpHIDConnector::FWVersion() {
     }
     const ByteBuffer status = SubmitRequest(
         BuildCommand(ddcCC_GetVCPFeatureRequest, {vcpC_DisplayFirmwareLevel}), kRequestWithData);
+    // Deliberately refused without the display's get reply, as on the get path.
     if (status.size() < kMinimumGetStatusSize || status[0] == 0 ||
         !HidVcp::CarriesGetReply(status, vcpC_DisplayFirmwareLevel)) {
         DLog("FWVersion - failed\n");

@@ -165,6 +165,37 @@ TEST(UiDisplayDelegate, BatteryModeNeedsAValidBatteryValue) {
     EXPECT_TRUE(studio->display->Transactions().empty());
 }
 
+TEST(UiDisplayDelegate, EveryReportedFailureLeavesItsDetailAndTheNextOperationClearsIt) {
+    auto go = Ready("canvas-16-go");
+    UiDisplayDelegate& delegate = *go->cdisplay;
+    // A write the display does not take.
+    go->display->Faults().FailNext(EFault::NoReply, 2, ddcCC_SetVCPFeatureRequest, vcpC_Contrast);
+    EXPECT_FALSE(delegate.SetContrast(20));
+    EXPECT_EQ(delegate.LastFailure(), "Contrast: Send request failed");
+    // The next operation starts clean, whether it succeeds...
+    EXPECT_TRUE(delegate.SetContrast(21));
+    EXPECT_EQ(delegate.LastFailure(), "");
+    // ...or fails for a reason of its own: Save at the display's store step,
+    go->display->Faults().FailNext(EFault::NoReply, 1, ddcCC_SaveCurrentSettingsRequest);
+    EXPECT_FALSE(delegate.Save());
+    EXPECT_EQ(delegate.LastFailure(), "Save: the display did not confirm storing the settings");
+    // a battery mode that is not a choice,
+    EXPECT_FALSE(delegate.SetBatteryMode(5));
+    EXPECT_EQ(delegate.LastFailure(), "Battery Mode: no such choice");
+    // a battery mode that cannot be read,
+    delegate.ResetOptionData(vcpC_BatteryMode);
+    go->display->Faults().FailNext(EFault::NoReply, 1, ddcCC_GetVCPFeatureRequest, vcpC_BatteryMode);
+    EXPECT_FALSE(delegate.SetBatteryMode(1));
+    EXPECT_EQ(delegate.LastFailure(), "Battery Mode: Send request failed");
+    // and a colour reset the display does not offer.
+    UiDisplayDelegate plain(nullptr, 0x1070);
+    ASSERT_TRUE(plain.Initialize("(prot(monitor)type(lcd)model(x)cmds(01 02 03 0C F3)vcp(10 12)mccs_ver(2.2))"));
+    EXPECT_FALSE(plain.ResetColor());
+    EXPECT_EQ(plain.LastFailure(), "Restore Factory Color Defaults: not supported by this display");
+    EXPECT_TRUE(delegate.Revert());
+    EXPECT_EQ(delegate.LastFailure(), "");
+}
+
 TEST(UiDisplayDelegate, SaveStoresOnlyTheChangesWithOneSaveCommand) {
     auto bench = Ready("canvas-27-pro");
     UiDisplayDelegate& delegate = *bench->cdisplay;
