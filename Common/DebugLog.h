@@ -12,7 +12,10 @@
 
 #include "ByteBuffer.h"
 
-#if defined(__GNUC__)
+#if defined(__clang__)
+#define VLR_PRINTF_FORMAT(fmtIndex, firstArg) __attribute__((format(printf, fmtIndex, firstArg)))
+#elif defined(__GNUC__)
+// gnu_printf: mingw's printf attribute would check against the Microsoft runtime's formats.
 #define VLR_PRINTF_FORMAT(fmtIndex, firstArg) __attribute__((format(gnu_printf, fmtIndex, firstArg)))
 #else
 #define VLR_PRINTF_FORMAT(fmtIndex, firstArg)
