@@ -1,0 +1,92 @@
+// Every family's traits, written out by hand from the settings delegate's and the colour
+// model's rules (not derived from the code's own tables), so that a family dropped from a
+// group or a wrong code in a row shows.
+
+#include <gtest/gtest.h>
+
+#include "CEdidBuilder.h"
+#include "DisplayTraits.h"
+
+namespace {
+
+constexpr uint8_t L = 0x10;    // Luminance
+constexpr uint8_t BC = 0x13;   // Backlight Control
+constexpr uint8_t WBL = 0x6B;  // white backlight level
+
+struct SFamilyRow {
+    uint16_t family;
+    uint16_t edid;
+    uint8_t brightness;
+    EGammaScale gamma;
+    ETooDarkTest tooDark;
+    bool ledDimmable;
+    bool scanMode;
+    bool restartsAfterReset;
+    bool dynamicContrastExcludesUniformity;
+    bool noFan;
+    bool fineGamma;
+};
+
+using G = EGammaScale;
+using T = ETooDarkTest;
+
+// The families without a shipped EDID product code get one for this test.
+constexpr uint16_t kTestCode034F = 0x1F4F;
+constexpr uint16_t kTestCode0350 = 0x1F50;
+constexpr uint16_t kTestCode0351 = 0x1F51;
+
+const SFamilyRow kFamilies[] = {
+    // family  edid    bright gamma              too dark               LED    scan   restart dynC   noFan  fine
+    {0x0304, 0x1040, L, G::None, T::AllChannelsBelow20, true, false, false, false, false, false},
+    {0x0333, 0x1046, L, G::None, T::AllChannelsBelow20, true, false, false, false, false, false},
+    {0x0325, 0x1042, L, G::None, T::AllChannelsBelow20, true, false, false, false, false, false},
+    {0x032B, 0x1043, L, G::TwoChoices, T::BlackFrom60, true, false, true, false, false, false},
+    {0x032B, 0x1048, L, G::TwoChoices, T::BlackFrom60, true, false, true, false, false, false},
+    {0x032A, 0x1044, L, G::TwoChoices, T::BlackFrom60, true, false, true, false, false, false},
+    {0x032A, 0x1049, L, G::TwoChoices, T::BlackFrom60, true, false, true, false, false, false},
+    {0x037C, 0x1060, L, G::FineScale, T::AllChannelsBelow20, true, false, true, true, false, true},
+    {0x037C, 0x1063, L, G::FineScale, T::AllChannelsBelow20, true, false, true, true, false, true},
+    {0x0351, kTestCode0351, L, G::FineScale, T::AllChannelsBelow20, true, false, true, true, false, true},
+    {0x0352, 0x1057, L, G::FineScale, T::BlackFrom50, true, false, true, false, false, true},
+    {0x03B2, 0x1073, L, G::FineScale, T::BlackFrom50, true, false, true, false, false, true},
+    {0x034F, kTestCode034F, L, G::FineScale, T::BlackFrom50, true, false, true, false, false, true},
+    {0x0350, kTestCode0350, L, G::FineScale, T::BlackFrom50, true, false, true, false, false, true},
+    {0x034D, 0x1052, L, G::ThreeChoices, T::BlackFrom75, true, false, true, false, false, false},
+    {0x034E, 0x1053, L, G::ThreeChoices, T::BlackFrom75, true, false, true, false, false, false},
+    {0x0398, 0x1066, L, G::ThreeChoices, T::BlackFrom75, true, false, true, false, false, false},
+    {0x0399, 0x1067, L, G::ThreeChoices, T::BlackFrom75, true, false, true, false, false, false},
+    {0x0390, 0x1064, BC, G::None, T::BlackFrom60, true, false, false, false, true, false},
+    {0x0391, 0x1065, BC, G::None, T::BlackFrom60, true, false, false, false, true, false},
+    {0x0396, 0x1068, BC, G::None, T::BlackFrom60, true, false, false, false, true, false},
+    {0x03AE, 0x1071, WBL, G::None, T::BlackFrom60, true, true, false, false, false, false},
+    {0x03B0, 0x1072, WBL, G::None, T::BlackFrom60, true, true, false, false, false, false},
+    {0x03A6, 0x1070, WBL, G::None, T::BlackFrom60, false, true, false, false, false, false},
+    {0x03BD, 0x1075, WBL, G::None, T::BlackFrom60, true, true, false, false, false, false},
+    // A display of no known family.
+    {0x0000, 0x2222, L, G::None, T::None, true, false, false, false, false, false},
+};
+
+}  // namespace
+
+TEST(FamilyTable, EveryFamilyHasTheTraitsItsRulesGiveIt) {
+    CEdidBuilder* builder = CEdidBuilder::Instance();
+    builder->Add(MakeTabletId(0x034F), kTestCode034F);
+    builder->Add(MakeTabletId(0x0350), kTestCode0350);
+    builder->Add(MakeTabletId(0x0351), kTestCode0351);
+    for (const SFamilyRow& row : kFamilies) {
+        SCOPED_TRACE(testing::Message() << "family 0x" << std::hex << row.family << " edid 0x" << row.edid);
+        const SDisplayTraits traits = DisplayTraitsFor(row.edid);
+        EXPECT_EQ(traits.SettingCode(ESetting::Brightness), row.brightness);
+        EXPECT_EQ(traits.SettingCode(ESetting::Contrast), 0x12);
+        EXPECT_EQ(traits.gammaScale, row.gamma);
+        EXPECT_EQ(traits.tooDarkTest, row.tooDark);
+        EXPECT_EQ(traits.powerLedDimmable, row.ledDimmable);
+        EXPECT_EQ(traits.SettingCode(ESetting::ScanMode), row.scanMode ? 0xDA : 0);
+        EXPECT_EQ(traits.restartsAfterFactoryReset, row.restartsAfterReset);
+        EXPECT_EQ(traits.dynamicContrastExcludesUniformity, row.dynamicContrastExcludesUniformity);
+        EXPECT_EQ(traits.noFan, row.noFan);
+        EXPECT_EQ(traits.codeVariants.fineScaleGamma, row.fineGamma);
+        EXPECT_EQ(traits.acceptsMissingMccsVersion, row.fineGamma);
+        EXPECT_EQ(traits.customColorExcludesUniformity, row.fineGamma);  // the pro models
+    }
+}
