@@ -382,6 +382,8 @@ TEST(UiDisplayDelegate, DarkScreenQuestionFollowsTheFamilysThreshold) {
     EXPECT_FALSE(go->cdisplay->IsPictureTooDark(41, 50));
     EXPECT_TRUE(go->cdisplay->IsPictureTooDark(40, 50));
     EXPECT_TRUE(go->cdisplay->IsPictureTooDark(80, 20));
+    // Contrast above the middle passes white through but does not raise it.
+    EXPECT_TRUE(go->cdisplay->IsPictureTooDark(40, 100));
     auto pro = Ready("canvas-22-pro");  // family 0x037C: every channel below 20 (of 255)
     EXPECT_FALSE(pro->cdisplay->IsPictureTooDark(8, 50));
     EXPECT_TRUE(pro->cdisplay->IsPictureTooDark(7, 50));
