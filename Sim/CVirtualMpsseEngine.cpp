@@ -20,6 +20,7 @@ int ArgumentsOf(uint8_t opcode_I) {
         case kBytesInRisingMsb: return 2;
         case kBitsInRisingMsb: return 1;
         case kSetClockDivisor: return 2;
+        case kDriveOnlyZero: return 2;
         default: return 0;  // 0x87, 0x8A, 0x8C, 0x85, 0x97 and unknown opcodes
     }
 }
@@ -34,6 +35,7 @@ void CVirtualMpsseEngine::Reset() {
     mPending.clear();
     mScl = mSda = true;
     mInTransfer = mAddressed = mReading = false;
+    mOpenDrainPins = 0;
 }
 
 ByteBuffer CVirtualMpsseEngine::Read(size_t count_I) {
@@ -62,6 +64,7 @@ void CVirtualMpsseEngine::Write(const ByteBuffer& commands_I) {
         switch (opcode) {
             case kBadCommand: mOut.insert(mOut.end(), {kBadCommandEcho, kBadCommand}); break;
             case kSetLowBits: SetPins(mPending[at + 1]); break;
+            case kDriveOnlyZero: mOpenDrainPins = mPending[at + 1]; break;
             case kBytesOutFallingMsb:
                 for (size_t i = at + 3; i < at + size; ++i) {
                     ClockByteOut(mPending[i]);
@@ -105,12 +108,17 @@ void CVirtualMpsseEngine::ClockByteOut(uint8_t byte_I) {
         mAcknowledged = false;
         return;
     }
+    if (mDisplayStretchesClock && (mOpenDrainPins & kSclPin) == 0) {
+        // The bridge drives SCL high while the display holds it low: the bits are lost.
+        mAcknowledged = false;
+        return;
+    }
     if (!mAddressed) {
         mAddressed = true;
         mAddress7 = static_cast<uint8_t>(byte_I >> 1);
         mReading = (byte_I & 0x01) != 0;
         // The controller answers at 0x37 (and the scaler at 0x77), the EDID at 0x50.
-        mAcknowledged = mAddress7 == 0x37 || mAddress7 == 0x50 || mAddress7 == 0x77;
+        mAcknowledged = mBus.HasDisplay() && (mAddress7 == 0x37 || mAddress7 == 0x50 || mAddress7 == 0x77);
         return;
     }
     mWritten.push_back(byte_I);

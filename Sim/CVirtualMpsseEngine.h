@@ -21,6 +21,11 @@ public:
     ByteBuffer Read(size_t count_I);
     void Reset();
 
+    // A display that holds SCL low while it works: only an open-drain SCL lets it.
+    void SetDisplayStretchesClock(bool stretches_I) { mDisplayStretchesClock = stretches_I; }
+    // The ADBUS pins set to drive only zero.
+    uint8_t OpenDrainPins() const { return mOpenDrainPins; }
+
     CVirtualI2CBus& Bus() { return mBus; }
 
 private:
@@ -33,6 +38,8 @@ private:
     CVirtualI2CBus mBus;
     std::deque<uint8_t> mOut;
     ByteBuffer mPending;  // the command bytes of an incomplete command
+    uint8_t mOpenDrainPins = 0;
+    bool mDisplayStretchesClock = false;
     bool mScl = true;
     bool mSda = true;
     bool mInTransfer = false;

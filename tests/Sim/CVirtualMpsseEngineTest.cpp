@@ -4,6 +4,7 @@
 #include "CVirtualMpsseEngine.h"
 #include "DdcPackets.h"
 #include "MpsseI2CMaster.h"
+#include "MpsseOpcodes.h"
 #include "VirtualBench.h"
 
 namespace {
@@ -83,4 +84,25 @@ TEST(VirtualMpsseEngine, AnswersTheEchoAndRefusesStrangeAddresses) {
     EXPECT_EQ(engine.Read(1), ByteBuffer{0x01});  // NACK: nobody at 0x42
     engine.Write(CMpsseI2CMaster::StopStream());
     EXPECT_EQ(engine.Queued(), 0u);
+}
+
+TEST(VirtualMpsseEngine, ADisplayThatStretchesTheClockIsReachedOnlyWithOpenDrainLines) {
+    SVirtualBench bench("canvas-13-hd");
+    CBridgeConnector connector(bench.display);
+    connector.engine.SetDisplayStretchesClock(true);
+    ASSERT_TRUE(connector.Open(0));
+    EXPECT_EQ(connector.engine.OpenDrainPins(), Mpsse::kSclPin | Mpsse::kSdaPin);
+    EXPECT_EQ(connector.SendRequest(BuildSetVCPRequest(0x10, 42), 0.05, 38, 0),
+              (ByteBuffer{0x6E, 0x80, 0xBE}));
+    EXPECT_EQ(bench.display->Value(0x10), 42);
+
+    // Set-up without the drive-only-zero command: SCL is driven push-pull and fights the display.
+    CVirtualMpsseEngine pushPull(bench.display);
+    pushPull.SetDisplayStretchesClock(true);
+    ByteBuffer setup = CMpsseI2CMaster::SetupStream();
+    setup.erase(setup.begin() + 3, setup.begin() + 6);
+    pushPull.Write(setup);
+    pushPull.Write(CMpsseI2CMaster::StartStream());
+    pushPull.Write(CMpsseI2CMaster::WriteBytesStream({0x37 << 1}));
+    EXPECT_EQ(pushPull.Read(1), ByteBuffer{0x01});  // NACK
 }

@@ -20,6 +20,9 @@ constexpr uint8_t kDisableAdaptiveClocking = 0x97;
 constexpr uint8_t kEnableThreePhaseClocking = 0x8C;
 constexpr uint8_t kSetClockDivisor = 0x86;
 constexpr uint8_t kLoopbackOff = 0x85;
+// FT232H only: the pins of these masks (low byte, high byte) drive 0 and float for 1, as I2C
+// lines must so that a display can hold SCL low to stretch the clock.
+constexpr uint8_t kDriveOnlyZero = 0x9E;
 
 // ADBUS pins: bit 0 SCL, bit 1 SDA out (bit 2, SDA in, is wired to it).
 constexpr uint8_t kSclPin = 0x01;
