@@ -7,6 +7,9 @@
 CVirtualI2CBus::CVirtualI2CBus(std::shared_ptr<CVirtualDisplay> display_I) : mDisplay(std::move(display_I)) {}
 
 bool CVirtualI2CBus::Write(uint8_t address7_I, const ByteBuffer& bytes_I) {
+    if (!mDisplay) {
+        return false;  // nothing on the bus
+    }
     if (mNackWrites > 0) {
         --mNackWrites;
         return false;
@@ -27,6 +30,9 @@ bool CVirtualI2CBus::Write(uint8_t address7_I, const ByteBuffer& bytes_I) {
 }
 
 bool CVirtualI2CBus::Read(uint8_t address7_I, size_t count_I, ByteBuffer& bytes_O) {
+    if (!mDisplay) {
+        return false;
+    }
     if (mNackReads > 0) {
         --mNackReads;
         return false;

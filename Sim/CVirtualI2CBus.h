@@ -10,6 +10,7 @@
 
 class CVirtualI2CBus : public II2CMaster {
 public:
+    bool HasDisplay() const { return mDisplay != nullptr; }
     explicit CVirtualI2CBus(std::shared_ptr<CVirtualDisplay> display_I);
 
     bool Write(uint8_t address7_I, const ByteBuffer& bytes_I) override;

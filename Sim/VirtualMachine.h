@@ -34,6 +34,10 @@ struct SVirtualHidInterface {
     // The display behind the VCP control report; null: another collection (pen, keyboard).
     std::shared_ptr<CVirtualDisplay> display;
     bool exclusive = false;  // held by another program: opening fails
+    // Opening for reading or writing fails with this error (5: a pen, touch or keyboard
+    // collection Windows keeps for itself); access 0 works.
+    uint32_t readWriteError = 0;
+    unsigned featureReportLength = 512;  // as the collection declares it, report id included
 };
 
 struct SVirtualComPort {
@@ -43,7 +47,9 @@ struct SVirtualComPort {
 };
 
 struct SVirtualFtdiBridge {
-    std::shared_ptr<CVirtualDisplay> display;
+    std::shared_ptr<CVirtualDisplay> display;  // null: a cable or probe with no display on it
+    uint32_t deviceType = 8;                   // D2XX device type: 8 is an FT232H, 5 an FT232R
+    bool openElsewhere = false;                // another program holds it
 };
 
 struct SVirtualMachine {

@@ -31,6 +31,7 @@ struct SMachineState {
     uintptr_t nextKey = 0x7A000010;
     std::vector<std::unique_ptr<CVirtualMpsseEngine>> bridges;  // per FTDI bridge
     std::map<uintptr_t, size_t> openBridges;                    // FT_HANDLE -> bridge
+    std::vector<CSimulatedMachine::SFtdiUse> bridgeUse;         // per FTDI bridge
     unsigned portListings = 0;
     unsigned portOpens = 0;
 };
@@ -424,11 +425,30 @@ FT_STATUS WINAPI FtCreateDeviceInfoList(LPDWORD count_O) {
     return FT_OK;
 }
 
+FT_STATUS WINAPI FtGetDeviceInfoDetail(DWORD index_I, LPDWORD flags_O, LPDWORD type_O, LPDWORD id_O,
+                                        LPDWORD location_O, LPVOID serial_O, LPVOID description_O,
+                                        FT_HANDLE* handle_O) {
+    std::lock_guard<std::recursive_mutex> lock(gMutex);
+    if (index_I >= gState->bridges.size()) {
+        return kDeviceNotFound;
+    }
+    const SVirtualFtdiBridge& bridge = gState->machine.ftdiBridges[index_I];
+    *flags_O = bridge.openElsewhere ? FT_FLAGS_OPENED : 0;
+    *type_O = bridge.deviceType;
+    *id_O = 0x04036014;
+    *location_O = 0x21 + index_I;
+    std::strcpy(static_cast<char*>(serial_O), "FT0VLR01");
+    std::strcpy(static_cast<char*>(description_O), "Single RS232-HS");
+    *handle_O = nullptr;
+    return FT_OK;
+}
+
 FT_STATUS WINAPI FtOpen(int index_I, FT_HANDLE* handle_O) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
     if (index_I < 0 || static_cast<size_t>(index_I) >= gState->bridges.size()) {
         return kDeviceNotFound;
     }
+    ++gState->bridgeUse[static_cast<size_t>(index_I)].opens;
     const uintptr_t handle = 0xF7000 + static_cast<uintptr_t>(index_I) * 0x10;
     gState->openBridges[handle] = static_cast<size_t>(index_I);
     gState->bridges[static_cast<size_t>(index_I)]->Reset();
@@ -460,8 +480,14 @@ FT_STATUS WINAPI FtSetTimeouts(FT_HANDLE handle_I, ULONG, ULONG) {
 FT_STATUS WINAPI FtSetLatencyTimer(FT_HANDLE handle_I, UCHAR) {
     return FtAccept(handle_I);
 }
-FT_STATUS WINAPI FtSetBitMode(FT_HANDLE handle_I, UCHAR, UCHAR) {
-    return FtAccept(handle_I);
+FT_STATUS WINAPI FtSetBitMode(FT_HANDLE handle_I, UCHAR, UCHAR mode_I) {
+    std::lock_guard<std::recursive_mutex> lock(gMutex);
+    auto it = gState->openBridges.find(reinterpret_cast<uintptr_t>(handle_I));
+    if (it == gState->openBridges.end()) {
+        return kInvalidHandle;
+    }
+    gState->bridgeUse[it->second].bitMode = mode_I;
+    return FT_OK;
 }
 
 FT_STATUS WINAPI FtWrite(FT_HANDLE handle_I, LPVOID data_I, DWORD size_I, LPDWORD written_O) {
@@ -500,6 +526,7 @@ FT_STATUS WINAPI FtGetQueueStatus(FT_HANDLE handle_I, LPDWORD queued_O) {
 
 const SFtd2xxApi kFtd2xx = {
     &FtCreateDeviceInfoList,
+    &FtGetDeviceInfoDetail,
     &FtOpen,
     &FtClose,
     &FtAccept,
@@ -537,9 +564,11 @@ CSimulatedMachine::CSimulatedMachine(SVirtualMachine machine_I)
     for (const SVirtualHidInterface& hid : state->machine.hidInterfaces) {
         mHid->AddDevice(hid.path, hid.display ? std::make_shared<CVirtualHidDevice>(hid.display) : nullptr,
                         hid.exclusive, hid.vendorId, hid.productId);
+        mHid->SetDeviceTraits(hid.path, hid.readWriteError, hid.featureReportLength);
     }
     for (const SVirtualFtdiBridge& bridge : state->machine.ftdiBridges) {
         state->bridges.push_back(std::make_unique<CVirtualMpsseEngine>(bridge.display));
+        state->bridgeUse.emplace_back();
     }
     for (const SVirtualMonitor& monitor : state->machine.monitors) {
         if (monitor.ddcCiFails && monitor.display) {
@@ -579,6 +608,11 @@ unsigned CSimulatedMachine::PortListings() const {
 unsigned CSimulatedMachine::PortOpens() const {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
     return gState->portOpens;
+}
+
+CSimulatedMachine::SFtdiUse CSimulatedMachine::FtdiUse(size_t index_I) const {
+    std::lock_guard<std::recursive_mutex> lock(gMutex);
+    return index_I < gState->bridgeUse.size() ? gState->bridgeUse[index_I] : SFtdiUse{};
 }
 
 const SDiscoverySystemApi& CSimulatedMachine::Table() {

@@ -30,6 +30,14 @@ public:
     // How many COM ports were opened.
     unsigned PortOpens() const;
 
+    // What the program did to the n-th FTDI device: how often it opened it, and the bit mode
+    // it left it in (0 is the device's default).
+    struct SFtdiUse {
+        unsigned opens = 0;
+        uint8_t bitMode = 0;
+    };
+    SFtdiUse FtdiUse(size_t index_I) const;
+
     static const SDiscoverySystemApi& Table();
 
 private:

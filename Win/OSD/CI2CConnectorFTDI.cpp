@@ -1,5 +1,7 @@
 #include "CI2CConnectorFTDI.h"
 
+#include <chrono>
+
 #include "Clock.h"
 #include "DebugLog.h"
 
@@ -7,7 +9,11 @@ namespace {
 constexpr ULONG kUsbTransferSize = 65536;
 constexpr ULONG kTimeoutMs = 5000;
 constexpr UCHAR kLatencyMs = 16;
-constexpr int kReadPolls = 200;  // 1 ms apart
+constexpr std::chrono::milliseconds kAnswerLimit{200};
+constexpr std::chrono::milliseconds kPollInterval{1};
+// An answer usually comes within a USB frame or two; a 1 ms sleep lasts a whole scheduler
+// tick (about 15.6 ms) on Windows, so the first 2 ms are polled without sleeping.
+constexpr std::chrono::milliseconds kBusyPoll{2};
 }  // namespace
 
 // FT_Write and FT_Read for the MPSSE engine, waiting for answers to arrive.
@@ -23,7 +29,10 @@ public:
     }
 
     bool Read(size_t count_I, ByteBuffer& bytes_O) override {
-        for (int poll = 0; poll < kReadPolls; ++poll) {
+        // The limit is measured, not counted in sleeps: sleeps last longer than asked.
+        const auto deadline = Clock::Get().Now() + kAnswerLimit;
+        const auto busyUntil = std::chrono::steady_clock::now() + kBusyPoll;
+        for (;;) {
             DWORD queued = 0;
             if (mApi.FT_GetQueueStatus(mHandle, &queued) != FT_OK) {
                 return false;
@@ -35,7 +44,13 @@ public:
                            FT_OK &&
                        received == count_I;
             }
-            Clock::PauseMs(1);
+            if (Clock::Get().Now() >= deadline) {
+                break;
+            }
+            if (std::chrono::steady_clock::now() < busyUntil) {
+                continue;
+            }
+            Clock::Pause(kPollInterval);
         }
         DLog("CI2CConnectorFTDI: the bridge did not answer\n");
         return false;
@@ -69,11 +84,35 @@ bool CI2CConnectorFTDI::Open(int32_t deviceIndex_I) {
         DLog("CI2CConnectorFTDI::Open: no D2XX driver\n");
         return false;
     }
+    // Other FTDI cables and JTAG probes may be plugged in: touch only FT232H bridges that
+    // no other program holds.
+    DWORD flags = 0;
+    DWORD type = 0;
+    DWORD id = 0;
+    DWORD location = 0;
+    char serial[16] = {};
+    char description[64] = {};
+    FT_HANDLE held = nullptr;
+    if (api->FT_GetDeviceInfoDetail(static_cast<DWORD>(deviceIndex_I), &flags, &type, &id, &location, serial,
+                                    description, &held) != FT_OK) {
+        DLog("CI2CConnectorFTDI::Open: device %i has no device information\n", deviceIndex_I);
+        return false;
+    }
+    if (type != FT_DEVICE_232H) {
+        DLog("CI2CConnectorFTDI::Open: device %i is not an FT232H (type %lu); left alone\n", deviceIndex_I,
+             static_cast<unsigned long>(type));
+        return false;
+    }
+    if ((flags & FT_FLAGS_OPENED) != 0) {
+        DLog("CI2CConnectorFTDI::Open: device %i is open in another program; left alone\n", deviceIndex_I);
+        return false;
+    }
     if (api->FT_Open(deviceIndex_I, &mHandle) != FT_OK) {
         DLog("CI2CConnectorFTDI::Open: device %i does not open\n", deviceIndex_I);
         mHandle = nullptr;
         return false;
     }
+    mBitModeChanged = true;
     const bool configured = api->FT_ResetDevice(mHandle) == FT_OK &&
                             api->FT_Purge(mHandle, FT_PURGE_RX | FT_PURGE_TX) == FT_OK &&
                             api->FT_SetUSBParameters(mHandle, kUsbTransferSize, kUsbTransferSize) == FT_OK &&
@@ -102,10 +141,15 @@ bool CI2CConnectorFTDI::Close() {
     CDdcI2CConnector::Close();
     mChannel.reset();
     if (mHandle != nullptr) {
-        if (const SFtd2xxApi* api = Ftd2xxApi(); api != nullptr && api->FT_Close != nullptr) {
+        if (const SFtd2xxApi* api = Ftd2xxApi(); api != nullptr) {
+            // The bridge goes back to its default mode, as other programs expect to find it.
+            if (mBitModeChanged) {
+                api->FT_SetBitMode(mHandle, 0x00, FT_BITMODE_RESET);
+            }
             api->FT_Close(mHandle);
         }
         mHandle = nullptr;
+        mBitModeChanged = false;
     }
     return true;
 }

@@ -1,6 +1,6 @@
 #pragma once
 // A display reached through an FTDI FT232H USB-to-I2C bridge: DDC/CI over the bridge's MPSSE
-// engine driven as an I2C master.
+// engine driven as an I2C master. Only FT232H bridges that no other program holds are opened.
 
 #include <memory>
 
@@ -24,5 +24,6 @@ public:
 private:
     class CChannel;
     FT_HANDLE mHandle = nullptr;
+    bool mBitModeChanged = false;
     std::unique_ptr<CChannel> mChannel;
 };

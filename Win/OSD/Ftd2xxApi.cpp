@@ -24,13 +24,14 @@ bool Bind(const char* name_I, Function& slot_O) {
 }
 
 bool Load() {
-    gModule = LoadTrustedLibrary(L"FTD2XX.dll", ELibraryLocation::SystemOrApplicationDir);
+    gModule = LoadTrustedLibrary(L"FTD2XX.dll", ELibraryLocation::SystemThenApplicationDir);
     if (gModule == nullptr) {
         DLog("Ftd2xxApi: FTD2XX.dll is not installed; no FTDI devices\n");
         return false;
     }
     bool all = true;
     all &= Bind("FT_CreateDeviceInfoList", gApi.FT_CreateDeviceInfoList);
+    all &= Bind("FT_GetDeviceInfoDetail", gApi.FT_GetDeviceInfoDetail);
     all &= Bind("FT_Open", gApi.FT_Open);
     all &= Bind("FT_Close", gApi.FT_Close);
     all &= Bind("FT_ResetDevice", gApi.FT_ResetDevice);
@@ -43,6 +44,12 @@ bool Load() {
     all &= Bind("FT_Write", gApi.FT_Write);
     all &= Bind("FT_Read", gApi.FT_Read);
     all &= Bind("FT_GetQueueStatus", gApi.FT_GetQueueStatus);
+    if (!all) {
+        DLog("Ftd2xxApi: FTD2XX.dll lacks functions this program calls; no FTDI devices\n");
+        FreeLibrary(gModule);
+        gModule = nullptr;
+        gApi = SFtd2xxApi{};
+    }
     return all;
 }
 
@@ -58,7 +65,8 @@ const SFtd2xxApi* Ftd2xxApi() {
         gTried = true;
         complete = Load();
     }
-    return complete ? &gApi : (gApi.FT_CreateDeviceInfoList != nullptr ? &gApi : nullptr);
+    // A table with a gap would have the connector call a null pointer.
+    return complete ? &gApi : nullptr;
 }
 
 void UnloadFtd2xxApi() {

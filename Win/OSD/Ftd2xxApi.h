@@ -11,9 +11,14 @@ constexpr ULONG FT_PURGE_RX = 1;
 constexpr ULONG FT_PURGE_TX = 2;
 constexpr UCHAR FT_BITMODE_RESET = 0x00;
 constexpr UCHAR FT_BITMODE_MPSSE = 0x02;
+constexpr ULONG FT_FLAGS_OPENED = 0x01;  // another program has the device open
+constexpr ULONG FT_DEVICE_232H = 8;
 
 struct SFtd2xxApi {
     FT_STATUS(WINAPI* FT_CreateDeviceInfoList)(LPDWORD);
+    // index, flags, type, id, location, serial number, description, handle
+    FT_STATUS(WINAPI* FT_GetDeviceInfoDetail)(DWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPVOID, LPVOID,
+                                              FT_HANDLE*);
     FT_STATUS(WINAPI* FT_Open)(int, FT_HANDLE*);
     FT_STATUS(WINAPI* FT_Close)(FT_HANDLE);
     FT_STATUS(WINAPI* FT_ResetDevice)(FT_HANDLE);
@@ -28,7 +33,7 @@ struct SFtd2xxApi {
     FT_STATUS(WINAPI* FT_GetQueueStatus)(FT_HANDLE, LPDWORD);
 };
 
-// The library's functions; null when the library, or one of these functions, is missing.
+// The library's functions; null when the library, or any one of these functions, is missing.
 const SFtd2xxApi* Ftd2xxApi();
 // Lets go of the library, so the next call looks for it again.
 void UnloadFtd2xxApi();

@@ -4,6 +4,7 @@
 
 #include "CWinDisplayConfigInterface.h"
 #include "DdcPackets.h"
+#include "Ftd2xxApi.h"
 #include "LogCapture.h"
 #include "SimulatedMachine.h"
 #include "VirtualClock.h"
@@ -376,4 +377,25 @@ TEST(WinDisplayConfigInterface, ThePenComputersScreenTakesRawColoursOnlyInsideTh
     SDiscoveryBench bench(std::move(machine), eConnectionDisplayPortOnly);
     ASSERT_TRUE(bench.discovery->Init());
     EXPECT_FALSE(bench.discovery->Displays()[0]->AllowsRawColorValues());
+}
+
+TEST(WinDisplayConfigInterface, OnlyIdleFt232hBridgesAreProbedAndLeftAsTheyWere) {
+    SVirtualMachine machine = *VirtualMachine::Scenario("one-per-route");
+    machine.ftdiBridges.push_back({nullptr, 5, false});  // a USB serial cable
+    machine.ftdiBridges.push_back({nullptr, 8, true});   // a JTAG probe a debugger holds
+    machine.ftdiBridges.push_back({nullptr, 8, false});  // an idle FT232H with no display on it
+    SDiscoveryBench bench(std::move(machine));
+    CLogCapture log;
+    ASSERT_TRUE(bench.discovery->Init());
+    const std::vector<std::string> found = bench.Found();
+    EXPECT_NE(std::find(found.begin(), found.end(), "Canvas 13 HD over 1"), found.end());
+
+    EXPECT_EQ(bench.machine.FtdiUse(0).opens, 1u);
+    EXPECT_EQ(bench.machine.FtdiUse(0).bitMode, FT_BITMODE_MPSSE);  // in use by its display
+    EXPECT_EQ(bench.machine.FtdiUse(1).opens, 0u);
+    EXPECT_EQ(bench.machine.FtdiUse(2).opens, 0u);
+    EXPECT_TRUE(log.Contains("CI2CConnectorFTDI::Open: device 1 is not an FT232H (type 5); left alone\n"));
+    EXPECT_TRUE(log.Contains("CI2CConnectorFTDI::Open: device 2 is open in another program; left alone\n"));
+    EXPECT_EQ(bench.machine.FtdiUse(3).opens, 1u);
+    EXPECT_EQ(bench.machine.FtdiUse(3).bitMode, FT_BITMODE_RESET);  // probed, found nothing, put back
 }
