@@ -5,12 +5,12 @@
 #include "VendorCommands.h"
 
 int CI2CConnectorTI::DeviceCount() {
-    HMODULE library = LoadTrustedLibrary(L"TUSB3x10_I2C_API.dll", ELibraryLocation::SystemOrApplicationDir);
-    if (library == nullptr) {
+    // Only looked for, never loaded: running a third-party library's code to learn nothing
+    // would be a risk without a use.
+    if (!IsTrustedLibraryInstalled(L"TUSB3x10_I2C_API.dll", ELibraryLocation::SystemThenApplicationDir)) {
         DLog("CI2CConnectorTI: TUSB3x10_I2C_API.dll is not installed; no TI devices\n");
         return 0;
     }
-    FreeLibrary(library);
     DLog(
         "CI2CConnectorTI: TUSB3x10_I2C_API.dll is installed, but its interface is not publicly documented; "
         "no TI devices are reported\n");

@@ -8,8 +8,10 @@
 #include "Application.h"
 #include "DemoMachine.h"
 #include "StartupOptions.h"
+#include "SystemLibrary.h"
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine_I, int) {
+    RestrictLibrarySearchToSystem();
     const SStartupOptions options =
         ParseStartupOptions(commandLine_I != nullptr ? commandLine_I : L"", false);
     std::unique_ptr<CDemoMachine> demo;
