@@ -5,6 +5,22 @@ constexpr DWORD kPurgeAll = PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURG
 constexpr DWORD kEventMask = EV_RXCHAR | EV_TXEMPTY;                                        // 5
 }  // namespace
 
+void CWin32SerialPort::ApplyRawLine(DCB& settings_IO) {
+    settings_IO.fBinary = TRUE;
+    settings_IO.fParity = FALSE;
+    settings_IO.fOutxCtsFlow = FALSE;
+    settings_IO.fOutxDsrFlow = FALSE;
+    settings_IO.fDtrControl = DTR_CONTROL_ENABLE;
+    settings_IO.fDsrSensitivity = FALSE;
+    settings_IO.fTXContinueOnXoff = TRUE;
+    settings_IO.fOutX = FALSE;
+    settings_IO.fInX = FALSE;
+    settings_IO.fErrorChar = FALSE;
+    settings_IO.fNull = FALSE;
+    settings_IO.fRtsControl = RTS_CONTROL_ENABLE;
+    settings_IO.fAbortOnError = FALSE;
+}
+
 bool CWin32SerialPort::Fail() {
     mLastError = GetLastError();
     Close();
@@ -28,6 +44,11 @@ bool CWin32SerialPort::Open(const std::string& name_I) {
     mSettings.ByteSize = 8;
     mSettings.Parity = NOPARITY;
     mSettings.StopBits = ONESTOPBIT;
+    // Everything else is whatever the port's last program left: a raw binary line is needed
+    // (XON/XOFF would swallow 0x11 and 0x13, null stripping 0x00, abort-on-error every read
+    // after a line error, hardware flow control could block writes), and many USB CDC devices
+    // stay silent until DTR is raised. These go beyond the four settings the protocol names.
+    ApplyRawLine(mSettings);
     if (!SetCommState(mPort, &mSettings)) {
         return Fail();
     }
@@ -80,11 +101,8 @@ bool CWin32SerialPort::Read(size_t maxBytes_I, ByteBuffer& data_O) {
     data_O.assign(maxBytes_I, 0);
     DWORD received = 0;
     const BOOL ok = ReadFile(mPort, data_O.data(), static_cast<DWORD>(maxBytes_I), &received, nullptr);
+    const DWORD error = ok ? ERROR_SUCCESS : GetLastError();
     data_O.resize(ok ? received : 0);
-    mLastError = ok ? 0 : GetLastError();
-    if (!ok) {
-        return false;
-    }
-    mLastError = GetLastError();
-    return true;
+    mLastError = error;
+    return ok != FALSE;
 }

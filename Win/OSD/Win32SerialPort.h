@@ -19,6 +19,12 @@ public:
     bool Read(size_t maxBytes_I, ByteBuffer& data_O) override;
     uint32_t LastError() const override { return mLastError; }
 
+    // The settings Open gave the port.
+    const DCB& Settings() const { return mSettings; }
+    // A raw 8-bit line: binary, no parity check, no flow control, no character handling, no
+    // abort on error, DTR and RTS on.
+    static void ApplyRawLine(DCB& settings_IO);
+
 private:
     bool Fail();
 

@@ -94,3 +94,42 @@ TEST(WinUSBConnectorSerial, ADisplayObjectRunsOverTheLine) {
     EXPECT_EQ(display.GetVCPValue(vcpC_Contrast, true).value, 44);
     EXPECT_TRUE(log.Asserts().empty());
 }
+
+TEST(WinUSBConnectorSerial, APortLeftWithXonXoffAndNullStrippingStillCarriesEveryByte) {
+    REQUIRE_PORT("VLR_COM_DISPLAY");
+    {
+        // The program that used the port before left it set for a text terminal.
+        HANDLE previous = CreateFileA(("\\\\.\\" + port).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(previous, INVALID_HANDLE_VALUE);
+        DCB settings{};
+        settings.DCBlength = sizeof(settings);
+        ASSERT_TRUE(GetCommState(previous, &settings));
+        settings.fOutX = settings.fInX = TRUE;
+        settings.fNull = TRUE;
+        settings.fAbortOnError = TRUE;
+        settings.fDtrControl = DTR_CONTROL_DISABLE;
+        ASSERT_TRUE(SetCommState(previous, &settings));
+        CloseHandle(previous);
+    }
+    {
+        CWin32SerialPort raw;
+        ASSERT_TRUE(raw.Open(port));
+        const DCB& settings = raw.Settings();
+        EXPECT_EQ(settings.BaudRate, 9600u);
+        EXPECT_TRUE(settings.fBinary);
+        EXPECT_FALSE(settings.fParity || settings.fOutX || settings.fInX || settings.fNull ||
+                     settings.fErrorChar || settings.fAbortOnError || settings.fOutxCtsFlow ||
+                     settings.fOutxDsrFlow || settings.fDsrSensitivity);
+        EXPECT_EQ(settings.fDtrControl, static_cast<DWORD>(DTR_CONTROL_ENABLE));
+        EXPECT_EQ(settings.fRtsControl, static_cast<DWORD>(RTS_CONTROL_ENABLE));
+    }
+    // XON and XOFF are values like any other in a reply.
+    auto connector = OpenConnector(port);
+    for (uint16_t value : {0x11, 0x13}) {
+        EXPECT_EQ(connector->SendRequest(BuildSetVCPRequest(0x12, value), 0.07, 38, 0),
+                  (ByteBuffer{0x6E, 0x80, 0xBE}));
+        EXPECT_EQ(connector->SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0),
+                  BuildSimulatedReply(0x01, 0x12, value, 100));
+    }
+}
