@@ -62,10 +62,12 @@ void AddOrdinaryHidDevices(SVirtualMachine& machine_I) {
 
 SVirtualHidInterface PenCollectionOf(const std::shared_ptr<CVirtualDisplay>& display_I) {
     const uint16_t productId = display_I->Model().tabletProductId;
-    return {StringPrintf("\\\\?\\hid#vid_%04x&pid_%04x&mi_00#8&1c0a2e3&0&0000#"
-                         "{4d1e55b2-f16f-11cf-88cb-001111000030}",
-                         kVelorUsbVendorId, productId),
-            kVelorUsbVendorId, productId, nullptr, false};
+    SVirtualHidInterface pen{StringPrintf("\\\\?\\hid#vid_%04x&pid_%04x&mi_00#8&1c0a2e3&0&0000#"
+                                          "{4d1e55b2-f16f-11cf-88cb-001111000030}",
+                                          kVelorUsbVendorId, productId),
+                             kVelorUsbVendorId, productId, nullptr, false};
+    pen.readWriteError = 5;  // Windows keeps pen input for itself
+    return pen;
 }
 
 SVirtualMachine OnePerRoute() {

@@ -1,6 +1,6 @@
 #pragma once
 // Makes virtual HID devices the process's HID devices for the lifetime of the object: device
-// paths open as handles to them, and the feature-report calls reach them.
+// paths open as handles to them, and the feature-report requests reach them.
 
 #include <map>
 #include <memory>
@@ -22,6 +22,12 @@ public:
     void AddDevice(const std::string& path_I, std::shared_ptr<CVirtualHidDevice> device_I,
                    bool exclusive_I = false, uint16_t vendorId_I = kVelorUsbVendorId,
                    uint16_t productId_I = 0);
+    // How the device at this path differs from a plain one: opening it for reading or writing
+    // fails with this error (5: Windows keeps the collection; 32: the tablet service holds it)
+    // while access 0 works; its collection declares feature reports of this length.
+    void SetDeviceTraits(const std::string& path_I, uint32_t readWriteError_I, unsigned featureReportLength_I);
+    // A device whose firmware has stopped: feature-report requests stay pending until cancelled.
+    void SetHung(const std::string& path_I, bool hung_I);
 
     // The table of simulated functions (the discovery table opens HID paths with it too).
     static const SHidApi& Table();
@@ -32,6 +38,9 @@ public:
         unsigned setFeatures = 0;
         unsigned getFeatures = 0;
         unsigned lastReportLength = 0;
+        unsigned lastOpenAccess = 0;
+        unsigned lastOpenFlags = 0;
+        unsigned cancels = 0;
     };
     static SCounters Counters();
 };

@@ -478,9 +478,8 @@ bool CWinDisplayConfigInterface::OpenDevice(const std::string& devicePath_I) {
     if (devicePath_I.empty()) {
         return false;
     }
-    HANDLE device = Api().CreateFileA(devicePath_I.c_str(), GENERIC_READ | GENERIC_WRITE,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (device == INVALID_HANDLE_VALUE || device == nullptr) {
+    HANDLE device = CWinVcpHIDConnector::OpenFeatureHandle(Api().CreateFileA, devicePath_I);
+    if (device == INVALID_HANDLE_VALUE) {
         const DWORD error = GetLastError();
         DLog("OpenDevice: CreateFile error: [%i]; Device: %s appears to be opened exclusively.\n\n",
              static_cast<int>(error), devicePath_I.c_str());

@@ -6,14 +6,22 @@
 
 namespace {
 
-BOOLEAN WINAPI MissingFeature(HANDLE, PVOID, ULONG) {
+BOOLEAN WINAPI MissingAttributes(HANDLE, PHIDD_ATTRIBUTES) {
     SetLastError(ERROR_PROC_NOT_FOUND);
     return FALSE;
 }
 
-BOOLEAN WINAPI MissingAttributes(HANDLE, PHIDD_ATTRIBUTES) {
+BOOLEAN WINAPI MissingPreparsedData(HANDLE, PHIDP_PREPARSED_DATA*) {
     SetLastError(ERROR_PROC_NOT_FOUND);
     return FALSE;
+}
+
+BOOLEAN WINAPI MissingFree(PHIDP_PREPARSED_DATA) {
+    return FALSE;
+}
+
+NTSTATUS WINAPI MissingCaps(PHIDP_PREPARSED_DATA, PHIDP_CAPS) {
+    return HIDP_STATUS_INVALID_PREPARSED_DATA;
 }
 
 template <typename Function>
@@ -27,9 +35,13 @@ SHidApi LoadReal() {
     SHidApi api{};
     api.CreateFileA = &::CreateFileA;
     api.CloseHandle = &::CloseHandle;
-    api.HidD_SetFeature = Find(hid, "HidD_SetFeature", &MissingFeature);
-    api.HidD_GetFeature = Find(hid, "HidD_GetFeature", &MissingFeature);
+    api.DeviceIoControl = &::DeviceIoControl;
+    api.GetOverlappedResult = &::GetOverlappedResult;
+    api.CancelIoEx = &::CancelIoEx;
     api.HidD_GetAttributes = Find(hid, "HidD_GetAttributes", &MissingAttributes);
+    api.HidD_GetPreparsedData = Find(hid, "HidD_GetPreparsedData", &MissingPreparsedData);
+    api.HidD_FreePreparsedData = Find(hid, "HidD_FreePreparsedData", &MissingFree);
+    api.HidP_GetCaps = Find(hid, "HidP_GetCaps", &MissingCaps);
     return api;
 }
 

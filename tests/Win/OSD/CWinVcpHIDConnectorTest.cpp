@@ -97,3 +97,63 @@ TEST(WinVcpHIDConnector, ADisplayObjectRunsEndToEnd) {
     EXPECT_EQ(bench.display->Value(vcpC_Contrast), 65);
     EXPECT_TRUE(log.Asserts().empty());
 }
+
+TEST(WinVcpHIDConnector, ACollectionWindowsKeepsOpensWithAccessZeroForFeatureReports) {
+    SHidBench bench("studio-32");
+    for (uint32_t refusal : {5u, 32u}) {
+        SCOPED_TRACE(refusal);
+        bench.api.SetDeviceTraits(kPath, refusal, 512);
+        CLogCapture log;
+        ASSERT_TRUE(bench.connector->Open(kPath));
+        EXPECT_EQ(CSimulatedHidApi::Counters().lastOpenAccess, 0u);
+        EXPECT_EQ(CSimulatedHidApi::Counters().lastOpenFlags, static_cast<unsigned>(FILE_FLAG_OVERLAPPED));
+        EXPECT_TRUE(log.Contains(std::string("OpenFeatureHandle: ") + kPath + " refused reading and writing [" +
+                                 std::to_string(refusal) + "]; opened with access 0 for feature reports\n"));
+        UiDisplayDelegate display(bench.connector, 0x1075);
+        EXPECT_TRUE(display.Initialize());
+        EXPECT_TRUE(display.SetContrast(33));
+        EXPECT_EQ(bench.display->Value(vcpC_Contrast), 33);
+        bench.connector->Close();
+    }
+    bench.api.SetDeviceTraits(kPath, 0, 512);
+    CLogCapture log;
+    ASSERT_TRUE(bench.connector->Open(kPath));
+    EXPECT_EQ(CSimulatedHidApi::Counters().lastOpenAccess, static_cast<unsigned>(GENERIC_READ | GENERIC_WRITE));
+    EXPECT_TRUE(log.Contains(std::string("OpenFeatureHandle: ") + kPath + " opened for reading and writing\n"));
+}
+
+TEST(WinVcpHIDConnector, ReportsTakeTheCollectionsLengthWhenItIsLonger) {
+    SHidBench bench("studio-32");
+    bench.api.SetDeviceTraits(kPath, 0, 1025);
+    CLogCapture log;
+    ASSERT_TRUE(bench.connector->Open(kPath));
+    EXPECT_EQ(bench.connector->ReportSize(), 1025u);
+    EXPECT_TRUE(log.Contains("CWinVcpHIDConnector: feature reports of 1025 bytes\n"));
+    UiDisplayDelegate display(bench.connector, 0x1075);
+    ASSERT_TRUE(display.Initialize());
+    EXPECT_EQ(CSimulatedHidApi::Counters().lastReportLength, 1025u);
+    EXPECT_TRUE(bench.connector->SetFeature(ByteBuffer(600, 0x00)));
+    EXPECT_FALSE(bench.connector->SetFeature(ByteBuffer(1026, 0x00)));
+    EXPECT_TRUE(log.Contains("SetFeature: ERROR: SetFeature can't handle commandBuf size > 1025\n"));
+}
+
+TEST(WinVcpHIDConnector, AHungDeviceIsGivenUpOnAfterTheTimeOut) {
+    SHidBench bench("studio-32");
+    ASSERT_TRUE(bench.connector->Open(kPath));
+    bench.connector->SetTransferTimeout(50);
+    bench.api.SetHung(kPath, true);
+    CLogCapture log;
+    const DWORD start = GetTickCount();
+    EXPECT_FALSE(bench.connector->SetFeature({0xE5, 0x04, 0x00}));
+    ByteBuffer status{0xE5, 0x04, 0x00};
+    EXPECT_FALSE(bench.connector->GetFeature(status));
+    EXPECT_LT(GetTickCount() - start, 2000u);
+    EXPECT_EQ(CSimulatedHidApi::Counters().cancels, 2u);
+    EXPECT_TRUE(log.Contains("CWinVcpHIDConnector: the device did not take the feature report within 50 ms; cancelled\n"));
+    EXPECT_TRUE(log.Contains("HidD_SetFeature returned an error: [1460]\n\n"));  // ERROR_TIMEOUT
+
+    // It answers again once the firmware does.
+    bench.api.SetHung(kPath, false);
+    EXPECT_TRUE(bench.connector->SetFeature({0xE5, 0x04, 0x00}));
+    EXPECT_EQ(CWinVcpHIDConnector::kTransferTimeoutMs, 1000u);
+}
