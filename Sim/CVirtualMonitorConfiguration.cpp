@@ -25,6 +25,11 @@ void CVirtualMonitorConfiguration::SetUnreachable(const std::shared_ptr<CVirtual
     mUnreachable.push_back(display_I);
 }
 
+void CVirtualMonitorConfiguration::Unplug(const std::shared_ptr<CVirtualDisplay>& display_I) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mUnplugged.push_back(display_I);
+}
+
 void CVirtualMonitorConfiguration::FailNext(EMcaCall call_I, uint32_t errorCode_I, unsigned times_I) {
     std::lock_guard<std::mutex> lock(mMutex);
     mPlannedFailures[call_I].insert(mPlannedFailures[call_I].end(), times_I, errorCode_I);
@@ -54,6 +59,10 @@ std::shared_ptr<CVirtualDisplay> CVirtualMonitorConfiguration::Find(Handle physi
     auto it = mPhysical.find(physical_I);
     if (it == mPhysical.end()) {
         error_O = McaError::kInvalidPhysicalMonitorHandle;
+        return nullptr;
+    }
+    if (std::find(mUnplugged.begin(), mUnplugged.end(), it->second) != mUnplugged.end()) {
+        error_O = McaError::kMonitorNoLongerExists;
         return nullptr;
     }
     if (std::find(mUnreachable.begin(), mUnreachable.end(), it->second) != mUnreachable.end()) {

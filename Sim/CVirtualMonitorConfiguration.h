@@ -23,6 +23,7 @@ constexpr uint32_t kInvalidData = 0xC0262585;            // the answer made no s
 constexpr uint32_t kInvalidCapabilitiesString = 0xC0262587;
 constexpr uint32_t kInvalidMessageChecksum = 0xC026258B;
 constexpr uint32_t kInvalidPhysicalMonitorHandle = 0xC026258C;
+constexpr uint32_t kMonitorNoLongerExists = 0xC026258D;
 }  // namespace McaError
 
 enum class EMcaCall {
@@ -50,6 +51,10 @@ public:
     // Every call that reaches this display fails as when it does not answer on the bus (a
     // dock or converter that does not pass DDC/CI on).
     void SetUnreachable(const std::shared_ptr<CVirtualDisplay>& display_I);
+
+    // The display sleeps or is unplugged: the handles given out for it die, and every call on
+    // them fails as on Windows.
+    void Unplug(const std::shared_ptr<CVirtualDisplay>& display_I);
 
     // The next `times_I` calls of this function fail with the error code.
     void FailNext(EMcaCall call_I, uint32_t errorCode_I, unsigned times_I = 1);
@@ -82,6 +87,7 @@ private:
     std::map<Handle, std::vector<Handle>> mMonitors;
     std::map<Handle, std::shared_ptr<CVirtualDisplay>> mPhysical;
     std::vector<std::shared_ptr<CVirtualDisplay>> mUnreachable;
+    std::vector<std::shared_ptr<CVirtualDisplay>> mUnplugged;
     std::map<EMcaCall, std::vector<uint32_t>> mPlannedFailures;
     std::map<EMcaCall, size_t> mCalls;
     Handle mNextHandle = 0x1000;

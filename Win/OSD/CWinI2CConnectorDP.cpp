@@ -7,6 +7,18 @@
 #include "WinStrings.h"
 #include "codes.h"
 
+namespace {
+// Not in every SDK's headers.
+constexpr DWORD kInvalidPhysicalMonitorHandle = 0xC026258C;  // ERROR_GRAPHICS_INVALID_PHYSICAL_MONITOR_HANDLE
+constexpr DWORD kMonitorNoLongerExists = 0xC026258D;         // ERROR_GRAPHICS_MONITOR_NO_LONGER_EXISTS
+
+// A monitor that slept or was re-plugged takes its handles with it; no call on them works again.
+bool IsStaleHandleError(DWORD error_I) {
+    return error_I == ERROR_INVALID_HANDLE || error_I == kInvalidPhysicalMonitorHandle ||
+           error_I == kMonitorNoLongerExists;
+}
+}  // namespace
+
 CWinI2CConnectorDP::~CWinI2CConnectorDP() {
     ReleasePhysicalMonitors();
 }
@@ -46,6 +58,19 @@ bool CWinI2CConnectorDP::IsOpen() const {
     return mDisplayInfo.HasRequiredFields();
 }
 
+DWORD CWinI2CConnectorDP::Failed(const char* call_I) {
+    const DWORD error = GetLastError();
+    // The graphics errors are 0xC026.... codes, which read as negative numbers in decimal.
+    DLog("CWinI2CConnectorDP: %s failed with error 0x%08lX\n", call_I, static_cast<unsigned long>(error));
+    if (IsStaleHandleError(error)) {
+        // Closed, the connector reports the display as gone and a new search can find it again.
+        DLog("CWinI2CConnectorDP: the monitor's handle is no longer valid; the connector closes\n");
+        Close();
+    }
+    SetLastError(error);
+    return error;
+}
+
 HANDLE CWinI2CConnectorDP::PhysicalHandle() const {
     if (mDisplayInfo.physicalMonitorIndex >= mPhysicalMonitors.size()) {
         return nullptr;
@@ -60,7 +85,9 @@ bool CWinI2CConnectorDP::GetVCPFeature(uint8_t code_I, DWORD& current_O, DWORD& 
     Dxva2::MC_VCP_CODE_TYPE type = Dxva2::MC_SET_PARAMETER;
     if (!MonitorConfigurationApi().GetVCPFeatureAndVCPFeatureReply(PhysicalHandle(), code_I, &type,
                                                                    &current_O, &maximum_O)) {
-        DLog("CWinI2CConnectorDP::GetVCPFeature: ERROR - %i\n", static_cast<int>(GetLastError()));
+        const DWORD error = Failed("GetVCPFeatureAndVCPFeatureReply");
+        DLog("CWinI2CConnectorDP::GetVCPFeature: ERROR - %i\n", static_cast<int>(error));
+        SetLastError(error);
         return false;
     }
     return true;
@@ -71,7 +98,8 @@ bool CWinI2CConnectorDP::SetVCPFeature(uint8_t code_I, DWORD value_I) {
         return false;
     }
     if (!MonitorConfigurationApi().SetVCPFeature(PhysicalHandle(), code_I, value_I)) {
-        DLog("CWinI2CConnectorDP::SetVCPFeature: ERROR - %i\n", static_cast<int>(GetLastError()));
+        DLog("CWinI2CConnectorDP::SetVCPFeature: ERROR - %i\n",
+             static_cast<int>(Failed("SetVCPFeature")));
         return false;
     }
     return true;
@@ -95,7 +123,7 @@ ByteBuffer CWinI2CConnectorDP::SendRequest(const ByteBuffer& toSend_I, double, u
             DWORD maximum = 0;
             if (!api.GetVCPFeatureAndVCPFeatureReply(PhysicalHandle(), code, &type, &current, &maximum)) {
                 DLog("CWinI2CConnectorDP::SendRequest: GetVCPFeatureAndVCPFeatureReply error: %i\n",
-                     static_cast<int>(GetLastError()));
+                     static_cast<int>(Failed("GetVCPFeatureAndVCPFeatureReply")));
                 return {};
             }
             return BuildSimulatedReply(command, code, static_cast<uint16_t>(current),
@@ -116,7 +144,7 @@ ByteBuffer CWinI2CConnectorDP::SendRequest(const ByteBuffer& toSend_I, double, u
             if (!api.SetVCPFeature(PhysicalHandle(), code, value)) {
                 // The set path logs the get call's name on purpose: traces have always read so.
                 DLog("CWinI2CConnectorDP::SendRequest: GetVCPFeatureAndVCPFeatureReply error: %i\n",
-                     static_cast<int>(GetLastError()));
+                     static_cast<int>(Failed("SetVCPFeature")));
                 return {};
             }
             return BuildSimulatedReply(command, code, 0, 0);
@@ -134,13 +162,15 @@ std::string CWinI2CConnectorDP::CapabilitiesString() {
     std::string caps;
     DWORD length = 0;
     if (!api.GetCapabilitiesStringLength(PhysicalHandle(), &length)) {
-        error = "GetCapabilitiesStringLength, errcode: " + std::to_string(GetLastError());
+        error = "GetCapabilitiesStringLength, errcode: " + std::to_string(Failed("GetCapabilitiesStringLength"));
     } else if (length == 0) {
-        error = "GetCapabilitiesStringLength: zero string length, errcode: " + std::to_string(GetLastError());
+        // The call succeeded: any last error now would be an older call's.
+        error = "GetCapabilitiesStringLength: zero string length, errcode: 0";
     } else {
         std::string buffer(length, '\0');
         if (!api.CapabilitiesRequestAndCapabilitiesReply(PhysicalHandle(), buffer.data(), length)) {
-            error = "CapabilitiesRequestAndCapabilitiesReply, errcode: " + std::to_string(GetLastError());
+            error = "CapabilitiesRequestAndCapabilitiesReply, errcode: " +
+                    std::to_string(Failed("CapabilitiesRequestAndCapabilitiesReply"));
         } else {
             caps = buffer.c_str();
         }
@@ -168,6 +198,7 @@ SFirmwareVersion CWinI2CConnectorDP::FWVersion() {
     DWORD current = 0;
     DWORD maximum = 0;
     if (!GetVCPFeature(vcpC_DisplayFirmwareLevel, current, maximum)) {
+        // GetVCPFeature hands its call's error on; its own logging must not replace it.
         DLog("CWinI2CConnectorDP::FWVersion - ERROR: %i\n", static_cast<int>(GetLastError()));
         return {};
     }

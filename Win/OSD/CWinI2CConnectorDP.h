@@ -38,6 +38,9 @@ private:
     // The handle of the record's physical monitor; null past the end of the array.
     HANDLE PhysicalHandle() const;
     void ReleasePhysicalMonitors();
+    // Called at once after a failed API call: reads and returns its error, logs it in
+    // hexadecimal, and closes the connector when the handle has died.
+    DWORD Failed(const char* call_I);
 
     SDisplayInfo mDisplayInfo;
     std::vector<Dxva2::PHYSICAL_MONITOR> mPhysicalMonitors;

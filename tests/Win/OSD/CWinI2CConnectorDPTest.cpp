@@ -178,3 +178,31 @@ TEST(WinI2CConnectorDP, ADisplayObjectRunsEndToEnd) {
     EXPECT_EQ(bench.display->Value(vcpC_Contrast), 50);
     EXPECT_TRUE(log.Asserts().empty());
 }
+
+TEST(WinI2CConnectorDP, AMonitorThatSleepsOrIsReplugedClosesTheConnector) {
+    SDisplayPortBench bench("canvas-22-pro");
+    ASSERT_TRUE(bench.connector->Open(bench.info));
+    UiDisplayDelegate display(bench.connector, bench.info.productCode);
+    ASSERT_TRUE(display.Initialize());
+
+    CLogCapture log;
+    bench.model->Unplug(bench.display);
+    EXPECT_FALSE(display.SetContrast(40));
+    EXPECT_TRUE(log.Contains("failed with error 0xC026258D\n"));
+    EXPECT_TRUE(log.Contains("CWinI2CConnectorDP: the monitor's handle is no longer valid; the connector closes\n"));
+    EXPECT_FALSE(bench.connector->IsOpen());
+    // Closed, it makes no more calls on the dead handle and says the device is gone.
+    const size_t calls = bench.model->CallCount(EMcaCall::SetVCPFeature) +
+                         bench.model->CallCount(EMcaCall::GetVCPFeature);
+    EXPECT_FALSE(display.SetContrast(41));
+    EXPECT_EQ(bench.model->CallCount(EMcaCall::SetVCPFeature) + bench.model->CallCount(EMcaCall::GetVCPFeature),
+              calls);
+    EXPECT_NE(display.LastFailure().find("not open"), std::string::npos) << display.LastFailure();
+
+    // A handle closed under the connector: the same.
+    SDisplayPortBench other("canvas-22-pro");
+    ASSERT_TRUE(other.connector->Open(other.info));
+    other.model->FailNext(EMcaCall::GetCapabilitiesStringLength, ERROR_INVALID_HANDLE);
+    EXPECT_TRUE(other.connector->CapabilitiesString().empty());
+    EXPECT_FALSE(other.connector->IsOpen());
+}
