@@ -8,6 +8,16 @@
 #include "ProgramDriver.h"
 #include "codes.h"
 
+TEST(ProgramManifest, NamesWindows10And11AndPerMonitorDpi) {
+    // The tests carry the program's own resources, manifest included.
+    HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24));
+    ASSERT_NE(resource, nullptr);
+    const char* bytes = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
+    const std::string manifest(bytes, SizeofResource(nullptr, resource));
+    EXPECT_NE(manifest.find("<supportedOS Id=\"{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}\"/>"), std::string::npos);
+    EXPECT_NE(manifest.find("PerMonitorV2"), std::string::npos);
+}
+
 TEST(StartupOptions, ChannelOptionsHaveAPrecedenceAndHelpIsFixed) {
     EXPECT_EQ(ParseStartupOptions(L"", false).connectionMode, 3u);
     EXPECT_EQ(ParseStartupOptions(L"/hidPort /displayPort", false).connectionMode, 1u);
