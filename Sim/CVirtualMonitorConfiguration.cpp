@@ -25,9 +25,17 @@ void CVirtualMonitorConfiguration::SetUnreachable(const std::shared_ptr<CVirtual
     mUnreachable.push_back(display_I);
 }
 
-void CVirtualMonitorConfiguration::Unplug(const std::shared_ptr<CVirtualDisplay>& display_I) {
+void CVirtualMonitorConfiguration::Replug(const std::shared_ptr<CVirtualDisplay>& display_I) {
     std::lock_guard<std::mutex> lock(mMutex);
-    mUnplugged.push_back(display_I);
+    for (auto& [monitor, physical] : mMonitors) {
+        for (Handle& handle : physical) {
+            if (mPhysical[handle] == display_I) {
+                mDeadHandles.push_back(handle);
+                handle = mNextHandle++;
+                mPhysical[handle] = display_I;
+            }
+        }
+    }
 }
 
 void CVirtualMonitorConfiguration::FailNext(EMcaCall call_I, uint32_t errorCode_I, unsigned times_I) {
@@ -61,7 +69,7 @@ std::shared_ptr<CVirtualDisplay> CVirtualMonitorConfiguration::Find(Handle physi
         error_O = McaError::kInvalidPhysicalMonitorHandle;
         return nullptr;
     }
-    if (std::find(mUnplugged.begin(), mUnplugged.end(), it->second) != mUnplugged.end()) {
+    if (std::find(mDeadHandles.begin(), mDeadHandles.end(), physical_I) != mDeadHandles.end()) {
         error_O = McaError::kMonitorNoLongerExists;
         return nullptr;
     }

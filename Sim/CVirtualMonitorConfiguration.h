@@ -52,9 +52,10 @@ public:
     // dock or converter that does not pass DDC/CI on).
     void SetUnreachable(const std::shared_ptr<CVirtualDisplay>& display_I);
 
-    // The display sleeps or is unplugged: the handles given out for it die, and every call on
-    // them fails as on Windows.
-    void Unplug(const std::shared_ptr<CVirtualDisplay>& display_I);
+    // The display sleeps and wakes, or is unplugged and plugged in again: the physical-monitor
+    // handles given out for it die (every call on them fails as on Windows), and listing its
+    // monitor's physical monitors again gives new ones.
+    void Replug(const std::shared_ptr<CVirtualDisplay>& display_I);
 
     // The next `times_I` calls of this function fail with the error code.
     void FailNext(EMcaCall call_I, uint32_t errorCode_I, unsigned times_I = 1);
@@ -87,7 +88,7 @@ private:
     std::map<Handle, std::vector<Handle>> mMonitors;
     std::map<Handle, std::shared_ptr<CVirtualDisplay>> mPhysical;
     std::vector<std::shared_ptr<CVirtualDisplay>> mUnreachable;
-    std::vector<std::shared_ptr<CVirtualDisplay>> mUnplugged;
+    std::vector<Handle> mDeadHandles;
     std::map<EMcaCall, std::vector<uint32_t>> mPlannedFailures;
     std::map<EMcaCall, size_t> mCalls;
     Handle mNextHandle = 0x1000;

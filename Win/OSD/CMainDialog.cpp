@@ -86,7 +86,16 @@ std::vector<int32_t> CMainDialog::Values(int comboId_I) const {
 
 bool CMainDialog::Check(bool ok_I) {
     if (!ok_I) {
-        MessageWindows::ShowCommunicationError(m_hWnd, Delegate(), mOptions.exitOnError, mLanguage);
+        UiDisplayDelegate* delegate = Delegate();
+        MessageWindows::ShowCommunicationError(m_hWnd, delegate, mOptions.exitOnError, mLanguage);
+        // A display that slept or was re-plugged closes its connector: search again, so that it
+        // is found under its new handles (beyond what the error box itself does). Posted, so the
+        // handler under way finishes with the old display first.
+        if (!mOptions.exitOnError && delegate != nullptr && delegate->GetConnector() &&
+            !delegate->GetConnector()->IsOpen()) {
+            DLog("CMainDialog: the display's connection has closed; searching again\n");
+            PostMessageW(m_hWnd, kSearchAgainMessage, 0, 0);
+        }
     }
     return ok_I;
 }
@@ -748,6 +757,17 @@ LRESULT CMainDialog::OnHotKey(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
         // A service shortcut: deliberately without confirmation.
         FactoryReset();
     }
+    return 0;
+}
+
+LRESULT CMainDialog::OnSearchAgain(UINT, WPARAM, LPARAM, BOOL&) {
+    if (mBusy || !mDisplayConfigIF) {
+        return 0;
+    }
+    mAdvancedWasOpen = mAdvancedDialog && mAdvancedDialog->IsShown();
+    RunLongOperation(&CMainDialog::DisplayConfigThread, "(LPTHREAD_START_ROUTINE)CMainDialog::DisplayConfigThread",
+                     nullptr, nullptr);
+    Rebuild();
     return 0;
 }
 

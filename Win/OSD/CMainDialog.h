@@ -59,8 +59,12 @@ public:
     // The online help address of the selected display.
     std::wstring HelpAddress() const;
 
+    // Posted when the selected display's connector closed under a failure.
+    static constexpr UINT kSearchAgainMessage = WM_APP + 7;
+
     BEGIN_MSG_MAP(CMainDialog)
     MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    MESSAGE_HANDLER(kSearchAgainMessage, OnSearchAgain)
     MESSAGE_HANDLER(WM_HOTKEY, OnHotKey)
     MESSAGE_HANDLER(WM_MOVE, OnMove)
     MESSAGE_HANDLER(WM_HSCROLL, OnHScroll)
@@ -86,6 +90,7 @@ public:
 private:
     LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnHotKey(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnSearchAgain(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnMove(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnHScroll(UINT, WPARAM wParam_I, LPARAM lParam_I, BOOL& handled_O);
     LRESULT OnVScroll(UINT, WPARAM wParam_I, LPARAM, BOOL&);

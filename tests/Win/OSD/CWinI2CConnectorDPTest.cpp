@@ -179,14 +179,14 @@ TEST(WinI2CConnectorDP, ADisplayObjectRunsEndToEnd) {
     EXPECT_TRUE(log.Asserts().empty());
 }
 
-TEST(WinI2CConnectorDP, AMonitorThatSleepsOrIsReplugedClosesTheConnector) {
+TEST(WinI2CConnectorDP, AMonitorThatSleepsOrIsRepluggedClosesTheConnector) {
     SDisplayPortBench bench("canvas-22-pro");
     ASSERT_TRUE(bench.connector->Open(bench.info));
     UiDisplayDelegate display(bench.connector, bench.info.productCode);
     ASSERT_TRUE(display.Initialize());
 
     CLogCapture log;
-    bench.model->Unplug(bench.display);
+    bench.model->Replug(bench.display);
     EXPECT_FALSE(display.SetContrast(40));
     EXPECT_TRUE(log.Contains("failed with error 0xC026258D\n"));
     EXPECT_TRUE(log.Contains("CWinI2CConnectorDP: the monitor's handle is no longer valid; the connector closes\n"));

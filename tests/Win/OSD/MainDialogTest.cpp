@@ -213,6 +213,30 @@ TEST(MainDialog, AFailedWriteShowsTheErrorAndKeepsTheDialog) {
     EXPECT_TRUE(IsWindow(program.dialog));
 }
 
+TEST(MainDialog, ADisplayThatWasRepluggedIsFoundAgainAfterTheError) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    CVirtualMonitorConfiguration& api = program.machine.MonitorConfiguration();
+    // It slept and woke with new handles, and its menu changed the contrast meanwhile.
+    api.Replug(canvas);
+    canvas->SetValueFromMenu(vcpC_Contrast, 37);
+    const size_t listings = api.CallCount(EMcaCall::GetPhysicalMonitors);
+    PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, 77),
+                 reinterpret_cast<LPARAM>(program.Item(IDC_BRIGHTNESS_SLIDER)));
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (box = FindDialog(kTitle, {program.dialog})) != nullptr; }));
+    EXPECT_EQ(MessageTextOf(box).rfind(L"There was an error talking to the display.", 0), 0u);
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+
+    // The program searched again and shows the display as it is now; writes reach it again.
+    ASSERT_TRUE(WaitFor([&] { return program.Text(IDC_CONTRAST_EDIT) == L"37"; }));
+    EXPECT_GT(api.CallCount(EMcaCall::GetPhysicalMonitors), listings);
+    EXPECT_EQ(SendMessageW(program.Item(IDC_DISPLAY_LIST), CB_GETCOUNT, 0, 0), 2);
+    program.Type(IDC_CONTRAST_EDIT, L"44");
+    EXPECT_EQ(canvas->Value(vcpC_Contrast), 44);
+}
+
 TEST(Program, ASecondStartBringsTheFirstForwardAndOpensNothing) {
     SProgram first("two-families");
     ASSERT_TRUE(first.WaitForMainDialog());
