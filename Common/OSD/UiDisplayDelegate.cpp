@@ -44,6 +44,12 @@ bool UiDisplayDelegate::Write(uint8_t vcpCode_I, int32_t value_I) {
     // Deliberate: a set only goes out for an option whose value was read, so a setter reads
     // the option first rather than let the user's change be dropped.
     GetVCPValue(vcpCode_I, false);
+    if (VCPOptionPtr option = Option(vcpCode_I); option && option->HasError()) {
+        // That read failed, so nothing can be written: a failure, not a change already made.
+        NoteFailure(option);
+        option->ClearError();
+        return false;
+    }
     return SetVCPValue(vcpCode_I, value_I);
 }
 

@@ -467,3 +467,18 @@ TEST(UiDisplayDelegate, SettingStatesDescribeWhatTheDialogsShow) {
     EXPECT_EQ(Sets(*bench->display), (Writes{{0x87, 3}, {0x86, 1}}));
     EXPECT_EQ(delegate.GetSetting(ESetting::AspectRatio).value, dsc_NoScaling);
 }
+
+TEST(UiDisplayDelegate, ASetterWhoseFirstReadFailsReportsTheFailureAndWritesNothing) {
+    SDelegateBench bench("canvas-22-pro");
+    ASSERT_TRUE(bench.Initialize());  // contrast not read yet, as before the dialog shows it
+    bench.display->Faults().FailNext(EFault::NoReply, 100, ddcCC_GetVCPFeatureRequest, vcpC_Contrast);
+    const int before = bench.display->Value(vcpC_Contrast);
+    EXPECT_FALSE(bench.cdisplay->SetContrast(before + 5));
+    EXPECT_EQ(bench.display->CountRequests(ddcCC_SetVCPFeatureRequest, vcpC_Contrast), 0u);
+    EXPECT_EQ(bench.cdisplay->LastFailure().rfind("Contrast: ", 0), 0u) << bench.cdisplay->LastFailure();
+
+    // Once the display answers, the same change goes through.
+    bench.display->Faults().Clear();
+    EXPECT_TRUE(bench.cdisplay->SetContrast(before + 5));
+    EXPECT_EQ(bench.display->Value(vcpC_Contrast), before + 5);
+}
