@@ -162,6 +162,7 @@ bool CWinDisplayConfigInterface::Init() {
             if (!ServeByDisplayPort(info, displayPortFailed, error)) {
                 mErrorText =
                     Discovery::DisplayPortErrorText(info.productCode, Narrow(info.supportedName), error);
+                ReleaseUnusedConnectors();
                 return false;
             }
         }
@@ -176,8 +177,23 @@ bool CWinDisplayConfigInterface::Init() {
         }
         ++index;
     }
+    ReleaseUnusedConnectors();
     mErrorText.clear();
     return !mDisplayInfos.empty();
+}
+
+void CWinDisplayConfigInterface::ReleaseUnusedConnectors() {
+    // What no display took is let go at once: an FTDI bridge would stay in MPSSE mode, a COM
+    // port or HID handle held from other programs, until the next search.
+    std::vector<std::shared_ptr<Connector>> used;
+    for (const std::shared_ptr<Connector>& connector : mConnectorList) {
+        if (IsTaken(connector)) {
+            used.push_back(connector);
+        } else {
+            connector->Close();
+        }
+    }
+    mConnectorList = std::move(used);
 }
 
 bool CWinDisplayConfigInterface::IsTaken(const std::shared_ptr<Connector>& connector_I) const {

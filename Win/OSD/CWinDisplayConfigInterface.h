@@ -81,6 +81,8 @@ private:
     // False when the connector's error text ends the search.
     bool ServeByDisplayPort(SDisplayInfo& info_I, bool& failed_O, std::string& error_O);
     void ServeByLegacyPairing(SDisplayInfo& info_I, bool& portsSearched_IO);
+    // Closes and drops the connectors no display took.
+    void ReleaseUnusedConnectors();
     bool IsTaken(const std::shared_ptr<Connector>& connector_I) const;
 
     // One serial port by its place in the port interface list: its hardware id, "Not Supported"
