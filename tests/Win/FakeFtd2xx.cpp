@@ -5,6 +5,14 @@
 
 #define VLR_EXPORT extern "C" __declspec(dllexport) ULONG WINAPI
 
+// Leaves a mark in the process when its code runs at all.
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason_I, LPVOID) {
+    if (reason_I == DLL_PROCESS_ATTACH) {
+        SetEnvironmentVariableW(L"VLR_FAKE_DRIVER_RAN", L"1");
+    }
+    return TRUE;
+}
+
 VLR_EXPORT FT_CreateDeviceInfoList(LPDWORD count_O) {
     *count_O = VLR_FAKE_DEVICE_COUNT;
     return 0;

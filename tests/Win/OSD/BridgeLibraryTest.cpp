@@ -83,10 +83,11 @@ TEST(BridgeLibraries, ADriverPlantedInTheWorkingDirectoryIsNotLoaded) {
 TEST(BridgeLibraries, TheTiLibraryIsLookedForButNeverLoaded) {
     const std::wstring beside = ProgramDirectory() + L"\\TUSB3x10_I2C_API.dll";
     ASSERT_TRUE(CopyFileW((PlantedFolder() + L"\\TUSB3x10_I2C_API.dll").c_str(), beside.c_str(), FALSE));
+    SetEnvironmentVariableW(L"VLR_FAKE_DRIVER_RAN", nullptr);
     CLogCapture log;
     EXPECT_EQ(CI2CConnectorTI::DeviceCount(), 0);
     EXPECT_TRUE(log.Contains("CI2CConnectorTI: TUSB3x10_I2C_API.dll is installed, but its interface"));
-    EXPECT_EQ(GetModuleHandleW(L"TUSB3x10_I2C_API.dll"), nullptr);
+    EXPECT_EQ(GetEnvironmentVariableW(L"VLR_FAKE_DRIVER_RAN", nullptr, 0), 0u);  // none of its code ran
     EXPECT_TRUE(DeleteFileW(beside.c_str()));
 }
 

@@ -132,7 +132,10 @@ TEST(WinVcpHIDConnector, ReportsTakeTheCollectionsLengthWhenItIsLonger) {
     UiDisplayDelegate display(bench.connector, 0x1075);
     ASSERT_TRUE(display.Initialize());
     EXPECT_EQ(CSimulatedHidApi::Counters().lastReportLength, 1025u);
-    EXPECT_TRUE(bench.connector->SetFeature(ByteBuffer(600, 0x00)));
+    ByteBuffer longStatusRequest(600, 0x00);
+    longStatusRequest[0] = 0xE5;
+    longStatusRequest[1] = 0x04;
+    EXPECT_TRUE(bench.connector->SetFeature(longStatusRequest));
     EXPECT_FALSE(bench.connector->SetFeature(ByteBuffer(1026, 0x00)));
     EXPECT_TRUE(log.Contains("SetFeature: ERROR: SetFeature can't handle commandBuf size > 1025\n"));
 }
