@@ -105,7 +105,11 @@ TEST(EdidText, DescriptorRulesAtTheirEdges) {
     ByteBuffer headerOnly = {0x00, 0x00, 0xFF, 0x00};
     EXPECT_EQ(Edid::DescriptorText(headerOnly, 0xFF), "");
     EXPECT_EQ(Edid::DescriptorText(ByteBuffer{}, 0xFF), "");
-    EXPECT_EQ(Edid::ProductCode(TestData::ReadBytes("edid/lhw_std128_ACI_E330_A1CAE1.bin")), 0xE330);
+    const ByteBuffer real = TestData::ReadBytes("edid/lhw_std128_ACI_E330_A1CAE1.bin");
+    EXPECT_EQ(Edid::ProductCode(real), 0xE330);
+    // A truncated EDID: the code needs both its bytes (10 and 11).
+    EXPECT_EQ(Edid::ProductCode(ByteBuffer(real.begin(), real.begin() + 12)), 0xE330);
+    EXPECT_EQ(Edid::ProductCode(ByteBuffer(real.begin(), real.begin() + 11)), 0);
 }
 
 TEST(CEdidBuilder, ShippedTableAndFamilies) {

@@ -102,6 +102,8 @@ std::string CWinUSBConnector::CapabilitiesString() {
         if (inBuffer.size() < HEADER_SIZE || IsNullMessage(inBuffer)) {
             break;
         }
+        // Passes by construction (SendRequest appends the checksum of what arrived); kept
+        // because the protocol states it, and it would hold if a line ever carried its own.
         const uint8_t received = inBuffer.back();
         const uint8_t computed =
             Checksum(ByteBuffer(inBuffer.begin(), inBuffer.end() - 1), Ddc::kReplyChecksumSeed);

@@ -252,6 +252,7 @@ TEST(UiDisplayDelegate, FactoryResetWaitsTenSecondsOnlyForTheSlowScalers) {
         {"canvas-13-hd", true}, {"canvas-22-pro", true},    {"slate-13", true},
         {"studio-24", false},   {"canvas-24-touch", false}, {"canvas-12", false},
     };
+    int withPresets = 0;
     for (const auto& [key, slow] : cases) {
         SCOPED_TRACE(key);
         auto bench = Ready(key);
@@ -264,13 +265,18 @@ TEST(UiDisplayDelegate, FactoryResetWaitsTenSecondsOnlyForTheSlowScalers) {
         }
         EXPECT_EQ(bench->clock.PausesMs(), expected);
         EXPECT_EQ(bench->display->Value(vcpC_Contrast), 50);
-        // Everything is read afresh.
+        // Everything is read afresh, the colour mode's preset too.
         EXPECT_FALSE(bench->cdisplay->Option(vcpC_Contrast)->HasOriginal());
+        if (VCPOptionPtr presets = bench->cdisplay->Option(vcpC_DisplayPresets)) {
+            EXPECT_FALSE(presets->HasOriginal());
+            ++withPresets;
+        }
         EXPECT_EQ(bench->cdisplay->GetSetting(ESetting::Contrast).value, 50);
         // And a second reset is sent again.
         EXPECT_TRUE(bench->cdisplay->FactoryReset());
         EXPECT_EQ(bench->display->CountRequests(ddcCC_SetVCPFeatureRequest, vcpC_RestoreFactoryDefaults), 2u);
     }
+    EXPECT_GT(withPresets, 0);
 }
 
 TEST(UiDisplayDelegate, ResetColorNeedsRestoreFactoryColorDefaults) {

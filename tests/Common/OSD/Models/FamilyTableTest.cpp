@@ -77,7 +77,12 @@ TEST(FamilyTable, EveryFamilyHasTheTraitsItsRulesGiveIt) {
         SCOPED_TRACE(testing::Message() << "family 0x" << std::hex << row.family << " edid 0x" << row.edid);
         const SDisplayTraits traits = DisplayTraitsFor(row.edid);
         EXPECT_EQ(traits.SettingCode(ESetting::Brightness), row.brightness);
+        // The same standard and maker codes for every family.
         EXPECT_EQ(traits.SettingCode(ESetting::Contrast), 0x12);
+        EXPECT_EQ(traits.SettingCode(ESetting::Sharpness), 0x87);
+        EXPECT_EQ(traits.SettingCode(ESetting::Gamma), 0x72);
+        EXPECT_EQ(traits.SettingCode(ESetting::ColorSpace), 0xE3);
+        EXPECT_EQ(traits.SettingCode(ESetting::OsdLanguage), 0xCC);
         EXPECT_EQ(traits.gammaScale, row.gamma);
         EXPECT_EQ(traits.tooDarkTest, row.tooDark);
         EXPECT_EQ(traits.powerLedDimmable, row.ledDimmable);

@@ -83,4 +83,6 @@ TEST(DdcI2CConnector, ShortReadsAndNacksEndAsErrorTextsOfTheDisplayObject) {
 
     connector->bus->NackNextWrites(1);
     EXPECT_TRUE(connector->ReadEDID(-1).empty());
+    connector->bus->ShortenNextRead(127);  // a base block one byte short
+    EXPECT_TRUE(connector->ReadEDID(-1).empty());
 }
