@@ -154,7 +154,9 @@ private:
     }
 
     // A random user-level change; returns the result and what it asked for.
-    bool RunSetter(ESetting& setting_O, int32_t& value_O, bool& checkable_O) {
+    // sentCode_O: the code a success must have sent a set of (0 when no change was asked).
+    bool RunSetter(ESetting& setting_O, int32_t& value_O, bool& checkable_O, uint8_t& sentCode_O) {
+        sentCode_O = 0;
         setting_O = static_cast<ESetting>(mRandom() % kSettingCount);
         const SSettingState state = mDelegate->GetSetting(setting_O);
         checkable_O = false;
@@ -185,6 +187,9 @@ private:
                 : std::any_of(state.entries.begin(), state.entries.end(),
                               [&](const SEntry& entry_I) { return entry_I.value == value_O; });
         checkable_O = state.writable && state.valid && offered && option && !option->Info().WriteOnly();
+        if (checkable_O && value_O != state.value && setting_O != ESetting::FanSpeed) {
+            sentCode_O = code;
+        }
         const bool result = mDelegate->SetSetting(setting_O, value_O);
         if (setting_O == ESetting::FanSpeed) {
             value_O = value_O == eFanSpeed_Auto ? eFanSpeed_Auto : eFanSpeed_LowSpeed;  // any other is low
@@ -205,8 +210,9 @@ private:
         ESetting setting = ESetting::Brightness;
         int32_t value = 0;
         bool checkable = false;
+        uint8_t sentCode = 0;
         switch (operation) {
-            case EOperation::Setter: succeeded = RunSetter(setting, value, checkable); break;
+            case EOperation::Setter: succeeded = RunSetter(setting, value, checkable, sentCode); break;
             case EOperation::Save: succeeded = mDelegate->Save(); break;
             case EOperation::Revert: succeeded = mDelegate->Revert(); break;
             case EOperation::ResetColor: succeeded = mDelegate->ResetColor(); break;
@@ -269,6 +275,16 @@ private:
                     mSuspect.erase(code);
                 }
             }
+        }
+
+        // A reported success of a change, faults or not, sent the change.
+        if (succeeded && sentCode != 0 &&
+            std::none_of(transactions.begin(), transactions.end(), [&](const STransaction& t_I) {
+                const SHostRequest request = DecodeHostRequest(t_I.request);
+                return request.command == ddcCC_SetVCPFeatureRequest && request.vcpCode == sentCode;
+            })) {
+            Violation(totals_IO, "setting %d reported success for %d but no set of 0x%02X was sent",
+                      static_cast<int>(setting), value, sentCode);
         }
 
         // A reported success, with nothing injected, left the setting at the value asked for.
