@@ -1,0 +1,129 @@
+; The installer of Velor Display Settings: per-machine into Program Files, a Start-menu
+; shortcut, an entry in Apps & Features, a silent mode (/S) for deployment, and an uninstaller
+; that removes exactly what was installed. The user's settings (HKCU\Software\Velor\OSD) stay
+; unless the uninstaller is asked to remove them (its page, or /REMOVESETTINGS with /S).
+;
+; makensis -DVERSION=6.4.3-1 -DFILE_VERSION=6.4.3.1 -DPROGRAM=<exe> -DICON=<ico> -DOUTFILE=<setup.exe>
+
+; A 64-bit installer for the 64-bit program: it needs no 32-bit layer (nor does a check under Wine).
+Target amd64-unicode
+ManifestDPIAware true
+ManifestSupportedOS all
+
+!include "MUI2.nsh"
+!include "LogicLib.nsh"
+!include "FileFunc.nsh"
+
+!define PRODUCT "Velor Display Settings"
+!define PUBLISHER "Velor"
+!define EXE "VelorDisplaySettings.exe"
+!define UNINSTALLER "Uninstall.exe"
+!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\VelorDisplaySettings"
+!define SETTINGS_KEY "Software\Velor\OSD"
+; The program holds this mutex while it runs.
+!define RUNNING_MUTEX "VelorDisplaySettings.Running"
+
+Name "${PRODUCT}"
+OutFile "${OUTFILE}"
+InstallDir "$PROGRAMFILES64\Velor\Display Settings"
+InstallDirRegKey HKLM "${UNINSTALL_KEY}" "InstallLocation"
+RequestExecutionLevel admin
+SetCompressor /SOLID lzma
+BrandingText "${PRODUCT} ${VERSION}"
+
+VIProductVersion "${FILE_VERSION}"
+VIAddVersionKey "ProductName" "${PRODUCT}"
+VIAddVersionKey "CompanyName" "${PUBLISHER}"
+VIAddVersionKey "FileDescription" "${PRODUCT} Setup"
+VIAddVersionKey "FileVersion" "${VERSION}"
+VIAddVersionKey "ProductVersion" "${VERSION}"
+VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 ${PUBLISHER}"
+
+!define MUI_ICON "${ICON}"
+!define MUI_UNICON "${ICON}"
+!define MUI_ABORTWARNING
+!define MUI_FINISHPAGE_RUN "$INSTDIR\${EXE}"
+!define MUI_FINISHPAGE_RUN_TEXT "Start ${PRODUCT}"
+!define MUI_COMPONENTSPAGE_NODESC
+
+!insertmacro MUI_PAGE_DIRECTORY
+!insertmacro MUI_PAGE_INSTFILES
+!insertmacro MUI_PAGE_FINISH
+!insertmacro MUI_UNPAGE_CONFIRM
+!insertmacro MUI_UNPAGE_COMPONENTS
+!insertmacro MUI_UNPAGE_INSTFILES
+!insertmacro MUI_LANGUAGE "English"
+
+; Waits for the user to close the program; in silent mode, or when the user cancels, ends
+; with exit code 3 and changes nothing.
+!macro WaitWhileProgramRuns
+  ${Do}
+    System::Call 'kernel32::OpenMutexW(i 0x00100000, i 0, w "${RUNNING_MUTEX}") p .r0'
+    ${If} $0 P= 0
+      ${Break}
+    ${EndIf}
+    System::Call 'kernel32::CloseHandle(p r0)'
+    MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION \
+      "${PRODUCT} is running.$\n$\nClose it, then select Retry." /SD IDCANCEL IDRETRY +3
+    SetErrorLevel 3
+    Quit
+  ${Loop}
+!macroend
+
+Function .onInit
+  SetRegView 64
+  !insertmacro WaitWhileProgramRuns
+FunctionEnd
+
+Section "Program" SecProgram
+  SectionIn RO
+  SetShellVarContext all
+  SetRegView 64
+  SetOutPath "$INSTDIR"
+  File "/oname=${EXE}" "${PROGRAM}"
+  WriteUninstaller "$INSTDIR\${UNINSTALLER}"
+  CreateShortCut "$SMPROGRAMS\${PRODUCT}.lnk" "$INSTDIR\${EXE}" "" "$INSTDIR\${EXE}" 0
+
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayName" "${PRODUCT}"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "Publisher" "${PUBLISHER}"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\${EXE},0"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "InstallLocation" "$INSTDIR"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "UninstallString" '"$INSTDIR\${UNINSTALLER}"'
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\${UNINSTALLER}" /S'
+  WriteRegDWORD HKLM "${UNINSTALL_KEY}" "NoModify" 1
+  WriteRegDWORD HKLM "${UNINSTALL_KEY}" "NoRepair" 1
+  ${GetSize} "$INSTDIR" "/S=0K" $0 $1 $2
+  WriteRegDWORD HKLM "${UNINSTALL_KEY}" "EstimatedSize" $0
+SectionEnd
+
+
+Section "un.Program" SecUnProgram
+  SectionIn RO
+  SetShellVarContext all
+  SetRegView 64
+  Delete "$INSTDIR\${EXE}"
+  Delete "$INSTDIR\${UNINSTALLER}"
+  Delete "$SMPROGRAMS\${PRODUCT}.lnk"
+  ; Only emptied folders go: anything else in them is not ours.
+  RMDir "$INSTDIR"
+  RMDir "$PROGRAMFILES64\Velor"
+  DeleteRegKey HKLM "${UNINSTALL_KEY}"
+SectionEnd
+
+Section /o "un.Also remove my settings" SecUnSettings
+  DeleteRegKey HKCU "${SETTINGS_KEY}"
+  DeleteRegKey /ifempty HKCU "Software\Velor"
+SectionEnd
+
+; After the sections: it selects one of them.
+Function un.onInit
+  SetRegView 64
+  !insertmacro WaitWhileProgramRuns
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} $0 "/REMOVESETTINGS" $1
+  ${IfNot} ${Errors}
+    SectionSetFlags ${SecUnSettings} ${SF_SELECTED}
+  ${EndIf}
+FunctionEnd
