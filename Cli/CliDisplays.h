@@ -1,0 +1,23 @@
+#pragma once
+// The displays the command-line tool talks to, however they were found: what `list` shows of
+// each, and the settings delegate every command goes through (the dialogs' own).
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "UiDisplayDelegate.h"
+
+struct SCliDisplay {
+    std::string model;   // the model name ("Velor Canvas 22 Pro")
+    std::string serial;  // the display's serial number
+    std::string route;   // "graphics driver", "HID", "serial", "FTDI", "TI", or a device node
+    std::shared_ptr<UiDisplayDelegate> display;  // initialised
+};
+
+class IDisplaySource {
+public:
+    virtual ~IDisplaySource() = default;
+    // Searches once; later calls return what the first found.
+    virtual std::vector<SCliDisplay>& Displays() = 0;
+};

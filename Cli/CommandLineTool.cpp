@@ -1,0 +1,519 @@
+#include "CommandLineTool.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <map>
+#include <optional>
+
+#include "SettingNames.h"
+#include "codes.h"
+
+namespace {
+
+using nlohmann::json;
+
+// The values an enumerated option allows, whatever its enumeration type; empty for others.
+std::vector<uint32_t> OptionSetOf(const VCPOptionBase& option_I) {
+    std::vector<uint32_t> values;
+    auto tryType = [&]<typename E>() {
+        if (const auto* typed = dynamic_cast<const VCPOptionCodeWithEnumerationT<E>*>(&option_I)) {
+            values = typed->OptionSet();
+        }
+    };
+    tryType.operator()<uint32_t>();
+    tryType.operator()<colorPresetCode>();
+    tryType.operator()<displayScalingCode>();
+    tryType.operator()<ledBrightnessCode>();
+    tryType.operator()<displayPresetCode>();
+    tryType.operator()<colorSpaceCode>();
+    tryType.operator()<gammaCode>();
+    tryType.operator()<uniformityCompCode>();
+    return values;
+}
+
+// What a command names: a user-level setting or a raw VCP code.
+struct STarget {
+    std::optional<ESetting> setting;
+    uint8_t code = 0;
+    std::string text;  // as written
+};
+
+class CTool {
+public:
+    CTool(IDisplaySource& source_I, std::ostream& out_I, std::ostream& err_I)
+        : mSource(source_I), mOut(out_I), mErr(err_I) {}
+
+    int List(bool json_I);
+    int Caps(const std::string& display_I, bool json_I);
+    int Get(const std::string& display_I, const std::vector<std::string>& names_I, bool json_I);
+    int Set(const std::string& display_I, const std::vector<std::string>& assignments_I, bool save_I);
+    int Save(const std::string& display_I);
+    int Revert(const std::string& display_I);
+    int Reset(const std::string& display_I, const std::string& what_I, bool yes_I);
+    int ProfileSave(const std::string& display_I, const std::string& file_I);
+    int ProfileApply(const std::string& display_I, const std::string& file_I);
+
+private:
+    // The display by index ("0") or serial number; null (and the message) when there is none.
+    SCliDisplay* Find(const std::string& display_I);
+    std::optional<STarget> Target(UiDisplayDelegate& display_I, const std::string& name_I);
+    // Checks the value against what the display offers; the message when it does not.
+    std::string Refusal(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I);
+    bool Write(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I);
+    json ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, bool& ok_O);
+    int Failed(UiDisplayDelegate& display_I, const std::string& what_I);
+
+    IDisplaySource& mSource;
+    std::ostream& mOut;
+    std::ostream& mErr;
+};
+
+SCliDisplay* CTool::Find(const std::string& display_I) {
+    std::vector<SCliDisplay>& displays = mSource.Displays();
+    for (size_t i = 0; i < displays.size(); ++i) {
+        if (display_I == std::to_string(i) || display_I == displays[i].serial) {
+            return &displays[i];
+        }
+    }
+    mErr << "no display " << display_I << " (" << displays.size() << " found; see list)\n";
+    return nullptr;
+}
+
+std::optional<STarget> CTool::Target(UiDisplayDelegate& display_I, const std::string& name_I) {
+    STarget target;
+    target.text = name_I;
+    if (std::optional<ESetting> setting = SettingByName(name_I)) {
+        target.setting = setting;
+        target.code = display_I.Traits().SettingCode(*setting);
+        if (target.code == 0 || !display_I.GetSetting(*setting).supported) {
+            mErr << name_I << ": this display has no such setting\n";
+            return std::nullopt;
+        }
+        return target;
+    }
+    if (std::optional<uint8_t> code = ParseVcpCode(name_I)) {
+        target.code = *code;
+        if (!display_I.Option(*code)) {
+            mErr << name_I << ": this display does not offer VCP code " << name_I << "\n";
+            return std::nullopt;
+        }
+        return target;
+    }
+    mErr << name_I << ": not a setting name or a VCP code (brightness, contrast, 0x10, ...)\n";
+    return std::nullopt;
+}
+
+json CTool::ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, bool& ok_O) {
+    json value;
+    value["name"] = target_I.setting ? SettingName(*target_I.setting) : VCPCodeName(target_I.code);
+    value["code"] = target_I.code;
+    if (target_I.setting) {
+        // Through the delegate, as the dialogs read it (per-family codes and value lists).
+        display_I.GetVCPValue(target_I.code, true);
+        const SSettingState state = display_I.GetSetting(*target_I.setting);
+        ok_O = state.valid;
+        value["value"] = state.value;
+        if (state.entries.empty()) {
+            value["minimum"] = state.range.minimum;
+            value["maximum"] = state.range.maximum;
+        } else {
+            json choices = json::array();
+            for (const SEntry& entry : state.entries) {
+                choices.push_back(entry.value);
+            }
+            value["choices"] = choices;
+        }
+    } else {
+        const SVCPValue read = display_I.GetVCPValue(target_I.code, true);
+        ok_O = read.valid;
+        value["value"] = read.value;
+        if (read.range.maximum > read.range.minimum) {
+            value["minimum"] = read.range.minimum;
+            value["maximum"] = read.range.maximum;
+        }
+    }
+    const std::string valueName = ValueName(target_I.code, value["value"].get<int32_t>());
+    if (!valueName.empty()) {
+        value["text"] = valueName;
+    }
+    return value;
+}
+
+int CTool::Failed(UiDisplayDelegate& display_I, const std::string& what_I) {
+    const std::string detail = display_I.LastFailure();
+    mErr << what_I << ": the display did not answer as expected" << (detail.empty() ? "" : " (" + detail + ")")
+         << "\n";
+    return CliExit::kCommunicationFailure;
+}
+
+int CTool::List(bool json_I) {
+    json all = json::array();
+    for (size_t i = 0; i < mSource.Displays().size(); ++i) {
+        const SCliDisplay& display = mSource.Displays()[i];
+        json entry = {{"index", i},
+                      {"model", display.model},
+                      {"serial", display.serial},
+                      {"route", display.route},
+                      {"firmware", display.display->FirmwareVersionText()}};
+        all.push_back(entry);
+        if (!json_I) {
+            mOut << i << "  " << display.model << "  serial " << display.serial << "  via " << display.route
+                 << "  firmware " << display.display->FirmwareVersionText() << "\n";
+        }
+    }
+    if (json_I) {
+        mOut << all.dump(2) << "\n";
+    } else if (all.empty()) {
+        mOut << "no displays found\n";
+    }
+    return CliExit::kDone;
+}
+
+int CTool::Caps(const std::string& displayName_I, bool json_I) {
+    SCliDisplay* found = Find(displayName_I);
+    if (found == nullptr) {
+        return CliExit::kNoSuchDisplay;
+    }
+    json codes = json::array();
+    for (const auto& [code, option] : found->display->Options()) {
+        if (!option) {
+            continue;
+        }
+        json entry = {{"code", code}, {"name", VCPCodeName(code)}};
+        entry["access"] = option->Info().WriteOnly() ? "write" : (option->Info().Writable() ? "read-write" : "read");
+        const std::vector<uint32_t> values = OptionSetOf(*option);
+        json named = json::array();
+        for (uint32_t value : values) {
+            named.push_back({{"value", value}, {"text", ValueName(code, static_cast<int32_t>(value))}});
+        }
+        if (!named.empty()) {
+            entry["values"] = named;
+        }
+        codes.push_back(entry);
+    }
+    if (json_I) {
+        mOut << codes.dump(2) << "\n";
+        return CliExit::kDone;
+    }
+    char hex[8];
+    for (const json& entry : codes) {
+        std::snprintf(hex, sizeof(hex), "0x%02X", entry["code"].get<unsigned>());
+        mOut << hex << "  " << entry["name"].get<std::string>() << "  (" << entry["access"].get<std::string>()
+             << ")\n";
+        if (entry.contains("values")) {
+            for (const json& value : entry["values"]) {
+                mOut << "        " << value["value"].get<unsigned>();
+                if (!value["text"].get<std::string>().empty()) {
+                    mOut << "  " << value["text"].get<std::string>();
+                }
+                mOut << "\n";
+            }
+        }
+    }
+    return CliExit::kDone;
+}
+
+int CTool::Get(const std::string& displayName_I, const std::vector<std::string>& names_I, bool json_I) {
+    SCliDisplay* found = Find(displayName_I);
+    if (found == nullptr) {
+        return CliExit::kNoSuchDisplay;
+    }
+    std::vector<STarget> targets;
+    for (const std::string& name : names_I) {
+        std::optional<STarget> target = Target(*found->display, name);
+        if (!target) {
+            return CliExit::kBadUsage;
+        }
+        targets.push_back(*target);
+    }
+    json values = json::array();
+    int result = CliExit::kDone;
+    for (const STarget& target : targets) {
+        bool ok = false;
+        json value = ValueJson(*found->display, target, ok);
+        if (!ok) {
+            result = Failed(*found->display, target.text);
+            continue;
+        }
+        values.push_back(value);
+        if (!json_I) {
+            mOut << value["name"].get<std::string>() << " = " << value["value"].get<int32_t>();
+            if (value.contains("text")) {
+                mOut << " (" << value["text"].get<std::string>() << ")";
+            }
+            mOut << "\n";
+        }
+    }
+    if (json_I) {
+        mOut << values.dump(2) << "\n";
+    }
+    return result;
+}
+
+std::string CTool::Refusal(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I) {
+    const std::string where = target_I.text + "=" + std::to_string(value_I);
+    if (target_I.setting) {
+        const SSettingState state = display_I.GetSetting(*target_I.setting);
+        if (!state.writable) {
+            return where + ": this setting cannot be changed on this display";
+        }
+        if (!state.entries.empty()) {
+            const bool offered = std::any_of(state.entries.begin(), state.entries.end(),
+                                             [&](const SEntry& entry_I) { return entry_I.value == value_I; });
+            std::string choices;
+            for (const SEntry& entry : state.entries) {
+                choices += (choices.empty() ? "" : ", ") + std::to_string(entry.value);
+            }
+            return offered ? std::string() : where + ": not one of the values this display offers (" + choices + ")";
+        }
+        if (value_I < state.range.minimum || value_I > state.range.maximum) {
+            return where + ": outside " + std::to_string(state.range.minimum) + " to " +
+                   std::to_string(state.range.maximum);
+        }
+        return {};
+    }
+    VCPOptionPtr option = display_I.Option(target_I.code);
+    if (!option->Info().Writable()) {
+        return where + ": VCP code " + target_I.text + " is read-only";
+    }
+    display_I.GetVCPValue(target_I.code, false);
+    if (!option->IsValidValue(value_I)) {
+        return where + ": not a value this display accepts for that code";
+    }
+    return {};
+}
+
+bool CTool::Write(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I) {
+    if (target_I.setting) {
+        return display_I.SetSetting(*target_I.setting, value_I);
+    }
+    return display_I.SetVCPValueVerify(target_I.code, value_I, 1);
+}
+
+int CTool::Set(const std::string& displayName_I, const std::vector<std::string>& assignments_I, bool save_I) {
+    SCliDisplay* found = Find(displayName_I);
+    if (found == nullptr) {
+        return CliExit::kNoSuchDisplay;
+    }
+    UiDisplayDelegate& display = *found->display;
+    // Everything is checked before anything is written.
+    std::vector<std::pair<STarget, int32_t>> writes;
+    for (const std::string& assignment : assignments_I) {
+        const size_t equals = assignment.find('=');
+        if (equals == std::string::npos) {
+            mErr << assignment << ": write SETTING=VALUE\n";
+            return CliExit::kBadUsage;
+        }
+        std::optional<STarget> target = Target(display, assignment.substr(0, equals));
+        if (!target) {
+            return CliExit::kBadUsage;
+        }
+        std::optional<int32_t> value = ParseValue(target->code, assignment.substr(equals + 1));
+        if (!value) {
+            mErr << assignment << ": the value is not a number or a value name of that setting\n";
+            return CliExit::kBadUsage;
+        }
+        const std::string refusal = Refusal(display, *target, *value);
+        if (!refusal.empty()) {
+            mErr << refusal << "; nothing was written\n";
+            return CliExit::kBadUsage;
+        }
+        writes.emplace_back(*target, *value);
+    }
+    for (const auto& [target, value] : writes) {
+        if (!Write(display, target, value)) {
+            return Failed(display, target.text);
+        }
+    }
+    if (save_I && !display.Save()) {
+        return Failed(display, "save");
+    }
+    return CliExit::kDone;
+}
+
+int CTool::Save(const std::string& displayName_I) {
+    SCliDisplay* found = Find(displayName_I);
+    if (found == nullptr) {
+        return CliExit::kNoSuchDisplay;
+    }
+    // Saving stores the display's current values, whoever set them.
+    return found->display->GetConnector()->SaveSettingsToScalar() ? CliExit::kDone
+                                                                   : Failed(*found->display, "save");
+}
+
+int CTool::Revert(const std::string& displayName_I) {
+    SCliDisplay* found = Find(displayName_I);
+    if (found == nullptr) {
+        return CliExit::kNoSuchDisplay;
+    }
+    (void)found;
+    mErr << "revert: not available from the command line yet\n";
+    return CliExit::kBadUsage;
+}
+
+int CTool::Reset(const std::string& displayName_I, const std::string& what_I, bool yes_I) {
+    SCliDisplay* found = Find(displayName_I);
+    if (found == nullptr) {
+        return CliExit::kNoSuchDisplay;
+    }
+    if (what_I == "factory") {
+        if (!yes_I) {
+            mErr << "reset factory puts every setting of the display back to its factory value; add --yes\n";
+            return CliExit::kBadUsage;
+        }
+        return found->display->FactoryReset() ? CliExit::kDone : Failed(*found->display, "reset factory");
+    }
+    return found->display->ResetColor() ? CliExit::kDone : Failed(*found->display, "reset colour");
+}
+
+int CTool::ProfileSave(const std::string& displayName_I, const std::string& file_I) {
+    SCliDisplay* found = Find(displayName_I);
+    if (found == nullptr) {
+        return CliExit::kNoSuchDisplay;
+    }
+    json settings = json::object();
+    for (ESetting setting : AllSettings()) {
+        const SSettingState state = found->display->GetSetting(setting);
+        // An action, not a setting.
+        if (setting == ESetting::LcdConditioning || !state.supported || !state.writable || !state.valid) {
+            continue;
+        }
+        settings[SettingName(setting)] = state.value;
+    }
+    const json profile = {{"model", found->model}, {"serial", found->serial}, {"settings", settings}};
+    std::ofstream out(file_I);
+    out << profile.dump(2) << "\n";
+    if (!out) {
+        mErr << file_I << ": cannot be written\n";
+        return CliExit::kBadUsage;
+    }
+    return CliExit::kDone;
+}
+
+int CTool::ProfileApply(const std::string& displayName_I, const std::string& file_I) {
+    SCliDisplay* found = Find(displayName_I);
+    if (found == nullptr) {
+        return CliExit::kNoSuchDisplay;
+    }
+    UiDisplayDelegate& display = *found->display;
+    std::ifstream in(file_I);
+    const json profile = json::parse(in, nullptr, false);
+    if (!in.is_open() || profile.is_discarded() || !profile.contains("settings") || !profile["settings"].is_object()) {
+        mErr << file_I << ": not a profile (a JSON object with \"settings\")\n";
+        return CliExit::kBadUsage;
+    }
+    int result = CliExit::kDone;
+    for (const auto& [name, value] : profile["settings"].items()) {
+        std::optional<ESetting> setting = SettingByName(name);
+        if (!setting || !value.is_number_integer()) {
+            mErr << name << ": skipped (not a setting with a whole-number value)\n";
+            result = CliExit::kBadUsage;
+            continue;
+        }
+        const SSettingState state = display.GetSetting(*setting);
+        if (!state.supported) {
+            mOut << name << ": not on this display, skipped\n";
+            continue;
+        }
+        const int32_t wanted = value.get<int32_t>();
+        if (state.valid && state.value == wanted) {
+            continue;  // only what differs is written
+        }
+        STarget target{setting, display.Traits().SettingCode(*setting), name};
+        const std::string refusal = Refusal(display, target, wanted);
+        if (!refusal.empty()) {
+            mErr << refusal << "; skipped\n";
+            result = CliExit::kCommunicationFailure;
+            continue;
+        }
+        bool ok = Write(display, target, wanted);
+        if (ok) {
+            display.GetVCPValue(target.code, true);  // verified by reading it back
+            const SSettingState after = display.GetSetting(*setting);
+            ok = after.valid && after.value == wanted;
+        }
+        if (!ok) {
+            mErr << name << ": the display did not take " << wanted
+                 << (display.LastFailure().empty() ? "" : " (" + display.LastFailure() + ")") << "\n";
+            result = CliExit::kCommunicationFailure;
+            continue;
+        }
+        mOut << name << ": " << state.value << " -> " << wanted << "\n";
+    }
+    return result;
+}
+
+}  // namespace
+
+int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
+                       std::ostream& err_O) {
+    CTool tool(source_I, out_O, err_O);
+    CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays", "velor-display"};
+    app.require_subcommand(1);
+    app.fallthrough();  // --json and --demo may follow the command
+    bool json = false;
+    bool demo = false;
+    app.add_flag("--json", json, "Print what is read as JSON");
+    app.add_flag("--demo", demo, "Use the virtual displays of the demo");
+    std::string display;
+    std::vector<std::string> names;
+    bool save = false;
+    bool yes = false;
+    std::string what;
+    std::string file;
+    int result = CliExit::kDone;
+
+    CLI::App* list = app.add_subcommand("list", "Every display found: index, model, serial number, route, firmware");
+    list->callback([&] { result = tool.List(json); });
+
+    CLI::App* caps = app.add_subcommand("caps", "The display's VCP codes and their values, from its capabilities");
+    caps->add_option("display", display, "Index or serial number (see list)")->required();
+    caps->callback([&] { result = tool.Caps(display, json); });
+
+    CLI::App* get = app.add_subcommand("get", "Reads settings (names such as brightness, or VCP codes in hex)");
+    get->add_option("display", display, "Index or serial number")->required();
+    get->add_option("settings", names, "Settings to read")->required();
+    get->callback([&] { result = tool.Get(display, names, json); });
+
+    CLI::App* set = app.add_subcommand("set", "Changes settings: SETTING=VALUE ...; checks every value first");
+    set->add_option("display", display, "Index or serial number")->required();
+    set->add_option("assignments", names, "SETTING=VALUE")->required();
+    set->add_flag("--save", save, "Then make the display keep its settings");
+    set->callback([&] { result = tool.Set(display, names, save); });
+
+    CLI::App* saveCommand = app.add_subcommand("save", "Makes the display keep its current settings");
+    saveCommand->add_option("display", display, "Index or serial number")->required();
+    saveCommand->callback([&] { result = tool.Save(display); });
+
+    CLI::App* revert = app.add_subcommand("revert", "Puts back the settings the display kept");
+    revert->add_option("display", display, "Index or serial number")->required();
+    revert->callback([&] { result = tool.Revert(display); });
+
+    CLI::App* reset = app.add_subcommand("reset", "Factory reset (needs --yes) or colour reset");
+    reset->add_option("display", display, "Index or serial number")->required();
+    reset->add_option("what", what, "factory or colour")->required()->check(CLI::IsMember({"factory", "colour", "color"}));
+    reset->add_flag("--yes", yes, "Confirms a factory reset");
+    reset->callback([&] { result = tool.Reset(display, what, yes); });
+
+    CLI::App* profile = app.add_subcommand("profile", "Keeps the user-level settings in a JSON file and puts them back");
+    profile->require_subcommand(1);
+    CLI::App* profileSave = profile->add_subcommand("save", "Writes the display's settings to FILE");
+    profileSave->add_option("display", display, "Index or serial number")->required();
+    profileSave->add_option("file", file, "The profile")->required();
+    profileSave->callback([&] { result = tool.ProfileSave(display, file); });
+    CLI::App* profileApply = profile->add_subcommand("apply", "Writes what differs from FILE, verifies, reports");
+    profileApply->add_option("display", display, "Index or serial number")->required();
+    profileApply->add_option("file", file, "The profile")->required();
+    profileApply->callback([&] { result = tool.ProfileApply(display, file); });
+
+    std::vector<std::string> reversed(args_I.rbegin(), args_I.rend());
+    try {
+        app.parse(reversed);
+    } catch (const CLI::ParseError& error) {
+        // Help (of the command named, where one is) goes to the output; mistakes to errors.
+        return app.exit(error, out_O, err_O) == 0 ? CliExit::kDone : CliExit::kBadUsage;
+    }
+    return result;
+}

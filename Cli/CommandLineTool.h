@@ -1,0 +1,20 @@
+#pragma once
+// The command-line tool: list, caps, get, set, save, reset and profiles, over whatever
+// displays the source finds, on Windows and on Linux. Returns the process's exit code.
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "CliDisplays.h"
+
+namespace CliExit {
+constexpr int kDone = 0;
+constexpr int kBadUsage = 1;
+constexpr int kNoSuchDisplay = 2;
+constexpr int kCommunicationFailure = 3;
+}  // namespace CliExit
+
+// args_I without the program name.
+int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
+                       std::ostream& err_O);

@@ -1,0 +1,190 @@
+// The command-line tool over the demo's virtual displays: each command's output and exit code,
+// what reached the displays, and profiles.
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "CVirtualDisplayConnector.h"
+#include "CommandLineTool.h"
+#include "DemoDisplays.h"
+#include "VirtualClock.h"
+
+namespace {
+
+struct SRun {
+    int code = -1;
+    std::string out;
+    std::string err;
+};
+
+struct SToolBench {
+    CVirtualClock clock;
+    CScopedClock scopedClock{clock};
+    CDemoDisplays displays{""};
+
+    SRun Run(const std::vector<std::string>& args) {
+        std::ostringstream out;
+        std::ostringstream err;
+        SRun run;
+        run.code = RunCommandLineTool(args, displays, out, err);
+        run.out = out.str();
+        run.err = err.str();
+        return run;
+    }
+    // The virtual display behind the n-th display of the list.
+    std::shared_ptr<CVirtualDisplay> Virtual(size_t index) {
+        auto connector = std::dynamic_pointer_cast<CVirtualDisplayConnector>(
+            displays.Displays().at(index).display->GetConnector());
+        return connector->Display();
+    }
+};
+
+std::string TempFile(const char* name) {
+    return (std::filesystem::temp_directory_path() / name).string();
+}
+
+}  // namespace
+
+TEST(CommandLineTool, ListsEveryDisplayWithItsRouteAsTextAndJson) {
+    SToolBench bench;
+    SRun run = bench.Run({"list"});
+    EXPECT_EQ(run.code, CliExit::kDone);
+    EXPECT_EQ(run.out,
+              "0  Canvas 22 Pro  serial VC1060A40892  via graphics driver  firmware 3.1.2\n"
+              "1  Studio 24  serial VC1070A40934  via HID  firmware 6.0.1\n"
+              "2  Canvas 12  serial VC1040A40772  via serial  firmware 1.0.8\n"
+              "3  Canvas 13 HD  serial VC1043A40811  via FTDI  firmware 2.0.5\n");
+    run = bench.Run({"list", "--json"});
+    EXPECT_EQ(run.code, CliExit::kDone);
+    EXPECT_NE(run.out.find("\"route\": \"HID\""), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("\"serial\": \"VC1043A40811\""), std::string::npos);
+
+    run = bench.Run({"--help"});
+    EXPECT_EQ(run.code, CliExit::kDone);
+    EXPECT_NE(run.out.find("profile"), std::string::npos);
+    run = bench.Run({"set", "--help"});
+    EXPECT_EQ(run.code, CliExit::kDone);
+    EXPECT_NE(run.out.find("SETTING=VALUE"), std::string::npos) << run.out;
+    EXPECT_EQ(bench.Run({}).code, CliExit::kBadUsage);
+    EXPECT_EQ(bench.Run({"frobnicate"}).code, CliExit::kBadUsage);
+}
+
+TEST(CommandLineTool, GetAndSetGoThroughTheDelegatesPerFamilyCodes) {
+    SToolBench bench;
+    auto studio = bench.Virtual(1);  // brightness is the white backlight level (0x6B) here
+    studio->ClearTransactions();
+    SRun run = bench.Run({"set", "1", "brightness=42", "contrast=61"});
+    EXPECT_EQ(run.code, CliExit::kDone) << run.err;
+    EXPECT_EQ(studio->Value(0x6B), 42);
+    EXPECT_EQ(studio->Value(0x12), 61);
+    EXPECT_EQ(studio->CountRequests(0x03, 0x10), 0u);  // not Luminance
+
+    run = bench.Run({"get", "1", "brightness", "0x12"});
+    EXPECT_EQ(run.code, CliExit::kDone);
+    EXPECT_EQ(run.out, "brightness = 42\nContrast = 61\n");
+    run = bench.Run({"get", "0", "colour-temperature", "--json"});
+    EXPECT_NE(run.out.find("\"text\": \"6500k\""), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("\"choices\""), std::string::npos);
+
+    // Values by name; --save stores them.
+    run = bench.Run({"set", "0", "colour-temperature=5000k", "--save"});
+    EXPECT_EQ(run.code, CliExit::kDone) << run.err;
+    EXPECT_EQ(bench.Virtual(0)->SavedValue(0x14), 4);
+}
+
+TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
+    SToolBench bench;
+    auto canvas = bench.Virtual(0);
+    const uint16_t brightness = canvas->Value(0x10);
+    canvas->ClearTransactions();
+    SRun run = bench.Run({"set", "0", "brightness=50", "contrast=101"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, "contrast=101: outside 0 to 100; nothing was written\n");
+    EXPECT_EQ(canvas->Value(0x10), brightness);  // checked before anything was written
+    EXPECT_EQ(canvas->CountRequests(0x03, 0x10), 0u);
+
+    run = bench.Run({"set", "0", "colour-space=42"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_NE(run.err.find("not one of the values this display offers"), std::string::npos) << run.err;
+    EXPECT_EQ(bench.Run({"set", "0", "fan=1"}).code, CliExit::kBadUsage);  // no fan setting here
+    EXPECT_EQ(bench.Run({"set", "0", "brightness"}).code, CliExit::kBadUsage);
+    EXPECT_EQ(bench.Run({"get", "0", "0x99"}).code, CliExit::kBadUsage);
+    EXPECT_EQ(bench.Run({"get", "7", "brightness"}).code, CliExit::kNoSuchDisplay);
+    EXPECT_EQ(bench.Run({"get", "VC1070A40934", "brightness"}).code, CliExit::kDone);  // by serial
+
+    // A factory reset only when confirmed.
+    run = bench.Run({"reset", "0", "factory"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(canvas->CountRequests(0x03, 0x04), 0u);
+    EXPECT_EQ(bench.Run({"reset", "0", "factory", "--yes"}).code, CliExit::kDone);
+    EXPECT_EQ(canvas->CountRequests(0x03, 0x04), 1u);
+
+    // A display that stops answering: communication failure.
+    canvas->Faults().FailNext(EFault::NoReply, 100);
+    run = bench.Run({"get", "0", "contrast"});
+    EXPECT_EQ(run.code, CliExit::kCommunicationFailure);
+    EXPECT_NE(run.err.find("contrast: the display did not answer as expected"), std::string::npos) << run.err;
+}
+
+TEST(CommandLineTool, AProfileRoundTripsAndApplyWritesOnlyWhatDiffers) {
+    SToolBench bench;
+    const std::string file = TempFile("vlr-profile-test.json");
+    ASSERT_EQ(bench.Run({"profile", "save", "0", file}).code, CliExit::kDone);
+    std::ifstream in(file);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_NE(text.find("\"brightness\": 70"), std::string::npos) << text;
+    EXPECT_EQ(text.find("lcd-conditioning"), std::string::npos);  // an action, not kept
+
+    ASSERT_EQ(bench.Run({"set", "0", "brightness=30", "contrast=20"}).code, CliExit::kDone);
+    auto canvas = bench.Virtual(0);
+    canvas->ClearTransactions();
+    SRun run = bench.Run({"profile", "apply", "0", file});
+    EXPECT_EQ(run.code, CliExit::kDone) << run.err;
+    EXPECT_EQ(run.out, "brightness: 30 -> 70\ncontrast: 20 -> 50\n");
+    EXPECT_EQ(canvas->Value(0x10), 70);
+    size_t sets = 0;
+    for (const STransaction& t : canvas->Transactions()) {
+        sets += t.request.size() > 3 && t.request[3] == 0x03;
+    }
+    EXPECT_EQ(sets, 2u);  // nothing else was written
+
+    // A display that refuses a value: reported, the rest still applied.
+    ASSERT_EQ(bench.Run({"set", "0", "brightness=30", "contrast=20"}).code, CliExit::kDone);
+    canvas->Faults().FailNext(EFault::NoReply, 100, 0x03, 0x12);
+    run = bench.Run({"profile", "apply", "0", file});
+    EXPECT_EQ(run.code, CliExit::kCommunicationFailure);
+    EXPECT_NE(run.err.find("contrast: the display did not take 50"), std::string::npos) << run.err;
+    EXPECT_EQ(canvas->Value(0x10), 70);
+
+    // Not a profile.
+    std::ofstream(file) << "{ this is not json";
+    EXPECT_EQ(bench.Run({"profile", "apply", "0", file}).code, CliExit::kBadUsage);
+    std::remove(file.c_str());
+}
+
+TEST(CommandLineTool, TheDemoKeepsItsDisplaysValuesBetweenRuns) {
+    const std::string state = TempFile("vlr-demo-state-test.json");
+    std::remove(state.c_str());
+    CVirtualClock clock;
+    CScopedClock scopedClock{clock};
+    std::ostringstream out;
+    std::ostringstream err;
+    {
+        CDemoDisplays displays(state);
+        ASSERT_EQ(RunCommandLineTool({"set", "2", "contrast=33"}, displays, out, err), CliExit::kDone) << err.str();
+    }
+    {
+        CDemoDisplays displays(state);
+        ASSERT_EQ(RunCommandLineTool({"get", "2", "contrast"}, displays, out, err), CliExit::kDone);
+        EXPECT_EQ(out.str(), "contrast = 33\n");
+    }
+    // A damaged state file: a fresh start, not a failure.
+    std::ofstream(state) << "[1, 2";
+    CDemoDisplays displays(state);
+    EXPECT_EQ(RunCommandLineTool({"list"}, displays, out, err), CliExit::kDone);
+    std::remove(state.c_str());
+}
