@@ -1,24 +1,12 @@
 // velor-display: the command-line tool. With --demo it works on the demo's virtual displays;
-// otherwise on the displays this system's transports find.
+// otherwise on the displays of this system (DDC/CI over the DRM connectors' DDC buses).
 
 #include <algorithm>
 #include <iostream>
 
 #include "CommandLineTool.h"
 #include "DemoDisplays.h"
-
-namespace {
-
-// No transports of this system yet: an empty list.
-class CNoDisplays : public IDisplaySource {
-public:
-    std::vector<SCliDisplay>& Displays() override { return mNone; }
-
-private:
-    std::vector<SCliDisplay> mNone;
-};
-
-}  // namespace
+#include "LinuxDisplays.h"
 
 int main(int argc, char** argv) {
     const std::vector<std::string> args(argv + 1, argv + argc);
@@ -27,10 +15,6 @@ int main(int argc, char** argv) {
         CDemoDisplays displays(CDemoDisplays::DefaultStateFile());
         return RunCommandLineTool(args, displays, std::cout, std::cerr);
     }
-    CNoDisplays none;
-    const int result = RunCommandLineTool(args, none, std::cout, std::cerr);
-    if (result == 0 && !args.empty() && args.front() == "list") {
-        std::cerr << "(this build finds no displays of its own yet; --demo uses the virtual displays)\n";
-    }
-    return result;
+    CLinuxDisplays displays(RealLinuxSystem());
+    return RunCommandLineTool(args, displays, std::cout, std::cerr);
 }

@@ -1,0 +1,158 @@
+// The Linux route over a fake sysfs tree and fake /dev/i2c-N nodes backed by virtual displays'
+// I2C buses: discovery from the DRM connectors, DDC/CI through i2c-dev, and hostile input.
+
+#include <gtest/gtest.h>
+
+#include <linux/i2c-dev.h>
+#include <linux/i2c.h>
+
+#include <cerrno>
+#include <map>
+#include <sstream>
+
+#include "CVirtualI2CBus.h"
+#include "CommandLineTool.h"
+#include "DrmConnectors.h"
+#include "LinuxDisplays.h"
+#include "LogCapture.h"
+#include "TestData.h"
+#include "VirtualClock.h"
+#include "VirtualDisplayPresets.h"
+
+namespace {
+
+class CFakeLinuxSystem : public ILinuxSystem {
+public:
+    std::map<std::string, std::vector<std::string>> folders;
+    std::map<std::string, ByteBuffer> files;
+    std::map<std::string, std::string> links;
+    std::map<std::string, std::shared_ptr<CVirtualI2CBus>> devices;
+    unsigned transfers = 0;
+
+    std::vector<std::string> List(const std::string& folder_I) override {
+        auto it = folders.find(folder_I);
+        return it != folders.end() ? it->second : std::vector<std::string>();
+    }
+    std::optional<ByteBuffer> Read(const std::string& path_I) override {
+        auto it = files.find(path_I);
+        return it != files.end() ? std::optional<ByteBuffer>(it->second) : std::nullopt;
+    }
+    std::string LinkTarget(const std::string& path_I) override {
+        auto it = links.find(path_I);
+        return it != links.end() ? it->second : std::string();
+    }
+    int Open(const std::string& path_I, int) override {
+        auto it = devices.find(path_I);
+        if (it == devices.end()) {
+            errno = ENOENT;
+            return -1;
+        }
+        mOpen[mNext] = it->second;
+        return mNext++;
+    }
+    int Close(int descriptor_I) override { return mOpen.erase(descriptor_I) == 1 ? 0 : -1; }
+    int Ioctl(int descriptor_I, unsigned long request_I, void* argument_I) override {
+        auto it = mOpen.find(descriptor_I);
+        if (it == mOpen.end() || request_I != I2C_RDWR) {
+            errno = EINVAL;
+            return -1;
+        }
+        ++transfers;
+        auto* transfer = static_cast<i2c_rdwr_ioctl_data*>(argument_I);
+        for (unsigned i = 0; i < transfer->nmsgs; ++i) {
+            i2c_msg& message = transfer->msgs[i];
+            bool acknowledged = false;
+            if ((message.flags & I2C_M_RD) != 0) {
+                ByteBuffer bytes;
+                acknowledged = it->second->Read(static_cast<uint8_t>(message.addr), message.len, bytes);
+                std::copy(bytes.begin(), bytes.end(), message.buf);
+            } else {
+                acknowledged =
+                    it->second->Write(static_cast<uint8_t>(message.addr), ByteBuffer(message.buf, message.buf + message.len));
+            }
+            if (!acknowledged) {
+                errno = ENXIO;  // what i2c-dev reports for a NACK
+                return -1;
+            }
+        }
+        return static_cast<int>(transfer->nmsgs);
+    }
+    size_t OpenCount() const { return mOpen.size(); }
+
+private:
+    std::map<int, std::shared_ptr<CVirtualI2CBus>> mOpen;
+    int mNext = 10;
+};
+
+constexpr char kDrm[] = "/sys/class/drm";
+
+// A machine with two displays (a Velor one on i2c-5 and another maker's on i2c-6) and the odd
+// connectors a real system has.
+struct SLinuxBench {
+    CVirtualClock clock;
+    CScopedClock scopedClock{clock};
+    CFakeLinuxSystem system;
+    std::shared_ptr<CVirtualDisplay> canvas =
+        std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset("canvas-22-pro"));
+
+    SLinuxBench() {
+        system.folders[kDrm] = {"card0", "card0-DP-1", "card0-HDMI-A-1", "card0-DP-2", "card0-DP-3", "card0-eDP-1",
+                                "version"};
+        Connector("card0-DP-1", canvas->Edid(), "../../i2c-5");
+        system.devices["/dev/i2c-5"] = std::make_shared<CVirtualI2CBus>(canvas);
+        Connector("card0-HDMI-A-1", TestData::ReadBytes("edid/ed_dell-up2715k-dp_DEL_40B6.bin"), "../../i2c-6");
+        // Truncated EDID; a Velor display whose device node has gone; nothing connected.
+        Connector("card0-DP-2", ByteBuffer(canvas->Edid().begin(), canvas->Edid().begin() + 100), "../../i2c-7");
+        Connector("card0-DP-3", canvas->Edid(), "../../i2c-9");
+        system.files[std::string(kDrm) + "/card0-eDP-1/edid"] = {};
+    }
+    void Connector(const std::string& name, const ByteBuffer& edid, const std::string& ddc) {
+        system.files[std::string(kDrm) + "/" + name + "/edid"] = edid;
+        system.links[std::string(kDrm) + "/" + name + "/ddc"] = ddc;
+    }
+};
+
+}  // namespace
+
+TEST(LinuxDisplays, DrmConnectorsGiveTheirEdidAndDdcBus) {
+    SLinuxBench bench;
+    // A connector that lists its adapter folder instead of a ddc link.
+    bench.system.links.erase(std::string(kDrm) + "/card0-DP-3/ddc");
+    bench.system.folders[std::string(kDrm) + "/card0-DP-3"] = {"edid", "i2c-9", "status"};
+    CLogCapture log;
+    const std::vector<SDrmConnector> found = FindDrmConnectors(bench.system);
+    ASSERT_EQ(found.size(), 3u);
+    EXPECT_EQ(found[0].name, "card0-DP-1");
+    EXPECT_EQ(found[0].i2cDevice, "/dev/i2c-5");
+    EXPECT_EQ(found[1].name, "card0-DP-3");
+    EXPECT_EQ(found[1].i2cDevice, "/dev/i2c-9");
+    EXPECT_EQ(found[2].name, "card0-HDMI-A-1");
+    EXPECT_EQ(EdidManufacturer(found[0].edid), "VLR");
+    EXPECT_EQ(EdidManufacturer(found[2].edid), "DEL");
+    EXPECT_EQ(EdidManufacturer(ByteBuffer(9, 0)), "");
+    EXPECT_TRUE(log.Contains("FindDrmConnectors: card0-DP-2 has a truncated EDID (100 bytes); skipped\n"));
+}
+
+TEST(LinuxDisplays, TheToolReachesTheMakersDisplayOverI2cDev) {
+    SLinuxBench bench;
+    CLinuxDisplays displays(bench.system);
+    CLogCapture log;
+    std::ostringstream out;
+    std::ostringstream err;
+    ASSERT_EQ(RunCommandLineTool({"list"}, displays, out, err), CliExit::kDone);
+    EXPECT_EQ(out.str(), "0  Canvas 22 Pro  serial VC1060A40892  via /dev/i2c-5  firmware 3.1.2\n");
+    EXPECT_TRUE(log.Contains("CI2cDevMaster: /dev/i2c-9 does not open: No such file or directory\n"));
+
+    out.str("");
+    ASSERT_EQ(RunCommandLineTool({"set", "0", "contrast=44", "--save"}, displays, out, err), CliExit::kDone)
+        << err.str();
+    EXPECT_EQ(bench.canvas->Value(0x12), 44);
+    EXPECT_EQ(bench.canvas->SavedValue(0x12), 44);
+    ASSERT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err), CliExit::kDone);
+    EXPECT_EQ(out.str(), "contrast = 44\n");
+    EXPECT_GT(bench.system.transfers, 0u);
+
+    // The display stops answering on the bus: a communication failure, not a hang.
+    bench.system.devices["/dev/i2c-5"]->NackNextReads(100);
+    EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err), CliExit::kCommunicationFailure);
+}
