@@ -1,36 +1,82 @@
 #include "LinuxDisplays.h"
 
+#include "CEdidBuilder.h"
+#include "CHidrawConnector.h"
 #include "CI2cDevConnector.h"
 #include "DebugLog.h"
+#include "DiscoveryRules.h"
 #include "DrmConnectors.h"
 #include "EdidText.h"
+#include "HidrawDevices.h"
+
+namespace {
+
+struct SHidCandidate {
+    std::string node;
+    std::shared_ptr<CHidrawConnector> connector;
+    bool taken = false;
+};
+
+}  // namespace
 
 std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
     if (mSearched) {
         return mDisplays;
     }
     mSearched = true;
+
+    // The maker's HID control interfaces, as discovery on Windows finds them.
+    std::vector<SHidCandidate> hid;
+    for (const SHidrawDevice& device : FindHidrawDevices(mSystem, kVelorUsbVendorId, mSysfsHidraw)) {
+        auto connector = std::make_shared<CHidrawConnector>(mSystem);
+        if (connector->OpenHIDDevice(device.node) && connector->AnswersAsVcpDevice()) {
+            hid.push_back({device.node, connector});
+        }
+    }
+
     for (const SDrmConnector& drm : FindDrmConnectors(mSystem, mSysfsDrm)) {
         if (EdidManufacturer(drm.edid) != "VLR") {
             continue;  // another maker's monitor
         }
-        if (drm.i2cDevice.empty()) {
-            DLog("CLinuxDisplays: %s has no DDC bus the kernel names; skipped\n", drm.name.c_str());
+        const uint16_t productCode = Edid::ProductCode(drm.edid);
+        const std::string serial = Edid::DescriptorText(drm.edid, 0xFF);
+        std::shared_ptr<Connector> connector;
+        std::string route;
+        // HID first: by the display's own serial number, then, for the models any control
+        // interface serves, by model; then DDC/CI over the connector's bus.
+        for (int pass = 0; pass < 2 && !connector; ++pass) {
+            for (SHidCandidate& candidate : hid) {
+                if (candidate.taken) {
+                    continue;
+                }
+                const bool chosen = pass == 0 ? Discovery::SameSerialNumber(candidate.connector->SerialNumber(-1), serial)
+                                              : Discovery::HidServesByModel(productCode);
+                if (chosen) {
+                    candidate.taken = true;
+                    connector = candidate.connector;
+                    route = candidate.node;
+                    break;
+                }
+            }
+        }
+        if (!connector && !drm.i2cDevice.empty()) {
+            auto i2c = std::make_shared<CI2cDevConnector>(mSystem);
+            if (i2c->Open(std::stoi(drm.i2cDevice.substr(drm.i2cDevice.rfind('-') + 1)))) {
+                connector = i2c;
+                route = drm.i2cDevice;
+            }
+        }
+        if (!connector) {
+            DLog("CLinuxDisplays: no way to reach %s (%s)\n", drm.name.c_str(), serial.c_str());
             continue;
         }
-        auto connector = std::make_shared<CI2cDevConnector>(mSystem);
-        const int bus = std::stoi(drm.i2cDevice.substr(drm.i2cDevice.rfind('-') + 1));
-        if (!connector->Open(bus)) {
-            continue;  // logged: usually the device node's permissions
-        }
-        auto display = std::make_shared<UiDisplayDelegate>(connector, Edid::ProductCode(drm.edid));
+        auto display = std::make_shared<UiDisplayDelegate>(connector, productCode);
         if (!display->Initialize()) {
-            DLog("CLinuxDisplays: %s on %s does not answer DDC/CI\n", drm.name.c_str(), drm.i2cDevice.c_str());
+            DLog("CLinuxDisplays: %s over %s does not answer\n", drm.name.c_str(), route.c_str());
             continue;
         }
         const std::string name = Edid::DescriptorText(drm.edid, 0xFC);
-        mDisplays.push_back({name.empty() ? display->MonitorName() : name, Edid::DescriptorText(drm.edid, 0xFF),
-                             drm.i2cDevice, display});
+        mDisplays.push_back({name.empty() ? display->MonitorName() : name, serial, route, display});
     }
     return mDisplays;
 }

@@ -1,20 +1,23 @@
 #pragma once
-// The displays of this Linux system: each DRM connector whose EDID names the maker, reached by
-// DDC/CI over its DDC bus (/dev/i2c-N), as on Windows through the graphics driver.
+// The displays of this Linux system: each DRM connector whose EDID names the maker, reached over
+// the maker's HID control interface (/dev/hidrawN) when one pairs with it, as on Windows, or
+// else by DDC/CI over the connector's DDC bus (/dev/i2c-N).
 
 #include "CliDisplays.h"
 #include "LinuxSystem.h"
 
 class CLinuxDisplays : public IDisplaySource {
 public:
-    explicit CLinuxDisplays(ILinuxSystem& system_I, std::string sysfsDrm_I = "/sys/class/drm")
-        : mSystem(system_I), mSysfsDrm(std::move(sysfsDrm_I)) {}
+    explicit CLinuxDisplays(ILinuxSystem& system_I, std::string sysfsDrm_I = "/sys/class/drm",
+                            std::string sysfsHidraw_I = "/sys/class/hidraw")
+        : mSystem(system_I), mSysfsDrm(std::move(sysfsDrm_I)), mSysfsHidraw(std::move(sysfsHidraw_I)) {}
 
     std::vector<SCliDisplay>& Displays() override;
 
 private:
     ILinuxSystem& mSystem;
     std::string mSysfsDrm;
+    std::string mSysfsHidraw;
     bool mSearched = false;
     std::vector<SCliDisplay> mDisplays;
 };

@@ -3,13 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include <linux/hidraw.h>
 #include <linux/i2c-dev.h>
 #include <linux/i2c.h>
+#include <sys/ioctl.h>
 
 #include <cerrno>
 #include <map>
 #include <sstream>
 
+#include "CVirtualHidDevice.h"
 #include "CVirtualI2CBus.h"
 #include "CommandLineTool.h"
 #include "DrmConnectors.h"
@@ -27,6 +30,8 @@ public:
     std::map<std::string, ByteBuffer> files;
     std::map<std::string, std::string> links;
     std::map<std::string, std::shared_ptr<CVirtualI2CBus>> devices;
+    // hidraw nodes; a null device opens but refuses every feature report (a pen interface).
+    std::map<std::string, std::shared_ptr<CVirtualHidDevice>> hidraw;
     unsigned transfers = 0;
 
     std::vector<std::string> List(const std::string& folder_I) override {
@@ -42,6 +47,10 @@ public:
         return it != links.end() ? it->second : std::string();
     }
     int Open(const std::string& path_I, int) override {
+        if (auto hid = hidraw.find(path_I); hid != hidraw.end()) {
+            mOpenHid[mNext] = hid->second;
+            return mNext++;
+        }
         auto it = devices.find(path_I);
         if (it == devices.end()) {
             errno = ENOENT;
@@ -50,8 +59,13 @@ public:
         mOpen[mNext] = it->second;
         return mNext++;
     }
-    int Close(int descriptor_I) override { return mOpen.erase(descriptor_I) == 1 ? 0 : -1; }
+    int Close(int descriptor_I) override {
+        return mOpen.erase(descriptor_I) + mOpenHid.erase(descriptor_I) == 1 ? 0 : -1;
+    }
     int Ioctl(int descriptor_I, unsigned long request_I, void* argument_I) override {
+        if (auto hid = mOpenHid.find(descriptor_I); hid != mOpenHid.end()) {
+            return FeatureReport(hid->second, request_I, static_cast<uint8_t*>(argument_I));
+        }
         auto it = mOpen.find(descriptor_I);
         if (it == mOpen.end() || request_I != I2C_RDWR) {
             errno = EINVAL;
@@ -77,14 +91,37 @@ public:
         }
         return static_cast<int>(transfer->nmsgs);
     }
-    size_t OpenCount() const { return mOpen.size(); }
+    size_t OpenCount() const { return mOpen.size() + mOpenHid.size(); }
 
 private:
+    static int FeatureReport(const std::shared_ptr<CVirtualHidDevice>& device_I, unsigned long request_I,
+                             uint8_t* buffer_IO) {
+        const size_t size = _IOC_SIZE(request_I);
+        ByteBuffer report(buffer_IO, buffer_IO + size);
+        bool ok = false;
+        if (request_I == HIDIOCSFEATURE(size)) {
+            ok = device_I && device_I->SetFeature(report);
+        } else if (request_I == HIDIOCGFEATURE(size)) {
+            ok = device_I && device_I->GetFeature(report);
+            std::copy_n(report.begin(), std::min(report.size(), size), buffer_IO);
+        }
+        if (!ok) {
+            errno = EPIPE;  // what hidraw reports for a stalled control transfer
+            return -1;
+        }
+        return static_cast<int>(size);
+    }
+
+    std::map<int, std::shared_ptr<CVirtualHidDevice>> mOpenHid;
     std::map<int, std::shared_ptr<CVirtualI2CBus>> mOpen;
     int mNext = 10;
 };
 
 constexpr char kDrm[] = "/sys/class/drm";
+
+ByteBuffer TextBytes(const std::string& text) {
+    return ByteBuffer(text.begin(), text.end());
+}
 
 // A machine with two displays (a Velor one on i2c-5 and another maker's on i2c-6) and the odd
 // connectors a real system has.
@@ -155,4 +192,31 @@ TEST(LinuxDisplays, TheToolReachesTheMakersDisplayOverI2cDev) {
     // The display stops answering on the bus: a communication failure, not a hang.
     bench.system.devices["/dev/i2c-5"]->NackNextReads(100);
     EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err), CliExit::kCommunicationFailure);
+}
+
+TEST(LinuxDisplays, TwoDisplaysOneOnI2cAndOneOnHidraw) {
+    SLinuxBench bench;
+    auto studio = std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset("studio-24"));
+    bench.system.folders[kDrm].push_back("card1-DP-1");
+    bench.Connector("card1-DP-1", studio->Edid(), "../../i2c-8");
+    bench.system.devices["/dev/i2c-8"] = std::make_shared<CVirtualI2CBus>(studio);
+    // A keyboard, the display's pen interface and its control interface.
+    const std::string hidraw = "/sys/class/hidraw";
+    bench.system.folders[hidraw] = {"hidraw0", "hidraw1", "hidraw2"};
+    bench.system.files[hidraw + "/hidraw0/device/uevent"] = TextBytes("DRIVER=hid-generic\nHID_ID=0003:0000046D:0000C31C\n");
+    bench.system.files[hidraw + "/hidraw1/device/uevent"] = TextBytes("HID_ID=0003:00002F4A:000003A6\nHID_NAME=pen\n");
+    bench.system.files[hidraw + "/hidraw2/device/uevent"] = TextBytes("HID_ID=0003:00002F4A:000003A6\n");
+    bench.system.hidraw["/dev/hidraw1"] = nullptr;
+    bench.system.hidraw["/dev/hidraw2"] = std::make_shared<CVirtualHidDevice>(studio);
+
+    CLinuxDisplays displays(bench.system);
+    std::ostringstream out;
+    std::ostringstream err;
+    ASSERT_EQ(RunCommandLineTool({"list"}, displays, out, err), CliExit::kDone);
+    EXPECT_EQ(out.str(),
+              "0  Canvas 22 Pro  serial VC1060A40892  via /dev/i2c-5  firmware 3.1.2\n"
+              "1  Studio 24  serial VC1070A40934  via /dev/hidraw2  firmware 6.0.1\n");
+    studio->ClearTransactions();
+    ASSERT_EQ(RunCommandLineTool({"set", "1", "brightness=33"}, displays, out, err), CliExit::kDone) << err.str();
+    EXPECT_EQ(studio->Value(0x6B), 33);
 }

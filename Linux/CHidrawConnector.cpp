@@ -1,0 +1,72 @@
+#include "CHidrawConnector.h"
+
+#include <fcntl.h>
+#include <linux/hidraw.h>
+#include <sys/ioctl.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "DebugLog.h"
+
+CHidrawConnector::~CHidrawConnector() {
+    CloseHIDDevice();
+}
+
+bool CHidrawConnector::OpenHIDDevice(const std::string& devicePath_I) {
+    CloseHIDDevice();
+    mDescriptor = mSystem.Open(devicePath_I, O_RDWR);
+    if (mDescriptor < 0) {
+        // Usually permissions: the udev rule gives the user the maker's hidraw nodes.
+        DLog("CHidrawConnector: %s does not open: %s\n", devicePath_I.c_str(), std::strerror(errno));
+        return false;
+    }
+    return true;
+}
+
+bool CHidrawConnector::CloseHIDDevice() {
+    if (mDescriptor >= 0) {
+        mSystem.Close(mDescriptor);
+        mDescriptor = -1;
+    }
+    return true;
+}
+
+bool CHidrawConnector::Close() {
+    CloseHIDDevice();
+    return CVcpHIDConnector::Close();
+}
+
+bool CHidrawConnector::SetFeature(const ByteBuffer& report_I) {
+    if (!IsOpen() || report_I.size() > HidVcp::kReportSize) {
+        DLog("CHidrawConnector::SetFeature: %s\n", IsOpen() ? "report too long" : "device is not open");
+        return false;
+    }
+    ByteBuffer report(HidVcp::kReportSize, 0x00);
+    std::copy(report_I.begin(), report_I.end(), report.begin());
+    if (mSystem.Ioctl(mDescriptor, HIDIOCSFEATURE(HidVcp::kReportSize), report.data()) < 0) {
+        DLog("CHidrawConnector: HIDIOCSFEATURE failed: %s\n", std::strerror(errno));
+        return false;
+    }
+    return true;
+}
+
+bool CHidrawConnector::GetFeature(ByteBuffer& report_IO) {
+    if (!IsOpen() || report_IO.size() > HidVcp::kReportSize) {
+        DLog("CHidrawConnector::GetFeature: %s\n", IsOpen() ? "report too long" : "device is not open");
+        return false;
+    }
+    ByteBuffer report(HidVcp::kReportSize, 0x00);
+    std::copy(report_IO.begin(), report_IO.end(), report.begin());
+    if (mSystem.Ioctl(mDescriptor, HIDIOCGFEATURE(HidVcp::kReportSize), report.data()) < 0) {
+        DLog("CHidrawConnector: HIDIOCGFEATURE failed: %s\n", std::strerror(errno));
+        return false;
+    }
+    report_IO = std::move(report);
+    return true;
+}
+
+bool CHidrawConnector::AnswersAsVcpDevice() {
+    // The status request changes nothing on the display.
+    return IsOpen() && SetFeature(HidVcp::BuildStatusRequest());
+}

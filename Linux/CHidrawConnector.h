@@ -1,0 +1,27 @@
+#pragma once
+// The HID connector's Linux half: the control interface's /dev/hidrawN node and its feature
+// reports (HIDIOCSFEATURE, HIDIOCGFEATURE), every report padded to 512 bytes as on Windows.
+
+#include "CVcpHIDConnector.h"
+#include "LinuxSystem.h"
+
+class CHidrawConnector : public CVcpHIDConnector {
+public:
+    explicit CHidrawConnector(ILinuxSystem& system_I) : mSystem(system_I) {}
+    ~CHidrawConnector() override;
+
+    bool Close() override;
+    bool IsOpen() const override { return mDescriptor >= 0; }
+    bool OpenHIDDevice(const std::string& devicePath_I) override;
+    bool CloseHIDDevice() override;
+    bool SetFeature(const ByteBuffer& report_I) override;
+    bool GetFeature(ByteBuffer& report_IO) override;
+
+    // Whether this interface takes the VCP status report (the control interface does; pen and
+    // touch interfaces of the same device do not).
+    bool AnswersAsVcpDevice();
+
+private:
+    ILinuxSystem& mSystem;
+    int mDescriptor = -1;
+};
