@@ -1,0 +1,36 @@
+#include "WinDisplays.h"
+
+#include "WinStrings.h"
+
+namespace {
+
+const char* RouteName(unsigned type_I) {
+    switch (type_I) {
+        case eConnectorDisplayPort: return "graphics driver";
+        case eConnectorHID: return "HID";
+        case eConnectorSerial: return "serial";
+        case eConnectorFTDI: return "FTDI";
+        case eConnectorTI: return "TI";
+        default: return "?";
+    }
+}
+
+}  // namespace
+
+std::vector<SCliDisplay>& CWinDisplays::Displays() {
+    if (mDiscovery) {
+        return mDisplays;
+    }
+    mDiscovery = CWinDisplayConfigInterface::Create();
+    mDiscovery->Init();
+    for (const SDisplayInfo& info : mDiscovery->DisplayInfos()) {
+        auto display = std::dynamic_pointer_cast<UiDisplayDelegate>(info.display);
+        if (!display) {
+            continue;
+        }
+        const std::wstring& name = info.supportedName.empty() ? info.monitorName : info.supportedName;
+        mDisplays.push_back({Narrow(name), Narrow(info.serialNumber), RouteName(display->GetConnector()->GetType()),
+                             display});
+    }
+    return mDisplays;
+}
