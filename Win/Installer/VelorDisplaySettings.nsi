@@ -3,7 +3,8 @@
 ; that removes exactly what was installed. The user's settings (HKCU\Software\Velor\OSD) stay
 ; unless the uninstaller is asked to remove them (its page, or /REMOVESETTINGS with /S).
 ;
-; makensis -DVERSION=6.4.3-1 -DFILE_VERSION=6.4.3.1 -DPROGRAM=<exe> -DICON=<ico> -DOUTFILE=<setup.exe>
+; makensis -DVERSION=6.4.3-1 -DFILE_VERSION=6.4.3.1 -DPROGRAM=<exe> -DCONSOLE_PROGRAM=<velor-display.exe>
+;          -DICON=<ico> -DOUTFILE=<setup.exe>
 
 ; A 64-bit installer for the 64-bit program: it needs no 32-bit layer (nor does a check under Wine).
 Target amd64-unicode
@@ -17,6 +18,7 @@ ManifestSupportedOS all
 !define PRODUCT "Velor Display Settings"
 !define PUBLISHER "Velor"
 !define EXE "VelorDisplaySettings.exe"
+!define CONSOLE_EXE "velor-display.exe"
 !define UNINSTALLER "Uninstall.exe"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\VelorDisplaySettings"
 !define SETTINGS_KEY "Software\Velor\OSD"
@@ -81,6 +83,7 @@ Section "Program" SecProgram
   SetRegView 64
   SetOutPath "$INSTDIR"
   File "/oname=${EXE}" "${PROGRAM}"
+  File "/oname=${CONSOLE_EXE}" "${CONSOLE_PROGRAM}"
   WriteUninstaller "$INSTDIR\${UNINSTALLER}"
   CreateShortCut "$SMPROGRAMS\${PRODUCT}.lnk" "$INSTDIR\${EXE}" "" "$INSTDIR\${EXE}" 0
 
@@ -103,6 +106,7 @@ Section "un.Program" SecUnProgram
   SetShellVarContext all
   SetRegView 64
   Delete "$INSTDIR\${EXE}"
+  Delete "$INSTDIR\${CONSOLE_EXE}"
   Delete "$INSTDIR\${UNINSTALLER}"
   Delete "$SMPROGRAMS\${PRODUCT}.lnk"
   ; Only emptied folders go: anything else in them is not ours.
