@@ -12,12 +12,15 @@ struct SCliDisplay {
     std::string model;   // the model name ("Velor Canvas 22 Pro")
     std::string serial;  // the display's serial number
     std::string route;   // "graphics driver", "HID", "serial", "FTDI", "TI", or a device node
-    std::shared_ptr<UiDisplayDelegate> display;  // initialised
+    std::shared_ptr<UiDisplayDelegate> display;
+    // Initialised only when a command needs this display: a script's `get 0` does not pay for
+    // reading every display's capabilities.
+    bool ready = false;
 };
 
 class IDisplaySource {
 public:
     virtual ~IDisplaySource() = default;
-    // Searches once; later calls return what the first found.
+    // Searches once (finding, not initialising); later calls return what the first found.
     virtual std::vector<SCliDisplay>& Displays() = 0;
 };

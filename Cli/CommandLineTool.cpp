@@ -56,8 +56,10 @@ public:
     int ProfileApply(const std::string& display_I, const std::string& file_I);
 
 private:
-    // The display by index ("0") or serial number; null (and the message) when there is none.
-    SCliDisplay* Find(const std::string& display_I);
+    // The display by index ("0") or serial number, initialised; null (and the message, and
+    // exitCode_O) when there is none or it does not answer.
+    SCliDisplay* Find(const std::string& display_I, int& exitCode_O);
+    bool Ready(SCliDisplay& display_I);
     std::optional<STarget> Target(UiDisplayDelegate& display_I, const std::string& name_I);
     // Checks the value against what the display offers; the message when it does not.
     std::string Refusal(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I);
@@ -70,14 +72,27 @@ private:
     std::ostream& mErr;
 };
 
-SCliDisplay* CTool::Find(const std::string& display_I) {
+bool CTool::Ready(SCliDisplay& display_I) {
+    if (!display_I.ready) {
+        display_I.ready = display_I.display->Initialize();
+    }
+    return display_I.ready;
+}
+
+SCliDisplay* CTool::Find(const std::string& display_I, int& exitCode_O) {
     std::vector<SCliDisplay>& displays = mSource.Displays();
     for (size_t i = 0; i < displays.size(); ++i) {
         if (display_I == std::to_string(i) || display_I == displays[i].serial) {
+            if (!Ready(displays[i])) {
+                mErr << "display " << display_I << " (" << displays[i].model << ") does not answer\n";
+                exitCode_O = CliExit::kCommunicationFailure;
+                return nullptr;
+            }
             return &displays[i];
         }
     }
     mErr << "no display " << display_I << " (" << displays.size() << " found; see list)\n";
+    exitCode_O = CliExit::kNoSuchDisplay;
     return nullptr;
 }
 
@@ -151,16 +166,18 @@ int CTool::Failed(UiDisplayDelegate& display_I, const std::string& what_I) {
 int CTool::List(bool json_I) {
     json all = json::array();
     for (size_t i = 0; i < mSource.Displays().size(); ++i) {
-        const SCliDisplay& display = mSource.Displays()[i];
+        SCliDisplay& display = mSource.Displays()[i];
+        const std::string firmware = Ready(display) ? display.display->FirmwareVersionText() : "(not answering)";
         json entry = {{"index", i},
                       {"model", display.model},
                       {"serial", display.serial},
                       {"route", display.route},
-                      {"firmware", display.display->FirmwareVersionText()}};
+                      {"firmware", firmware},
+                      {"answering", display.ready}};
         all.push_back(entry);
         if (!json_I) {
             mOut << i << "  " << display.model << "  serial " << display.serial << "  via " << display.route
-                 << "  firmware " << display.display->FirmwareVersionText() << "\n";
+                 << "  firmware " << firmware << "\n";
         }
     }
     if (json_I) {
@@ -172,9 +189,10 @@ int CTool::List(bool json_I) {
 }
 
 int CTool::Caps(const std::string& displayName_I, bool json_I) {
-    SCliDisplay* found = Find(displayName_I);
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = Find(displayName_I, exitCode);
     if (found == nullptr) {
-        return CliExit::kNoSuchDisplay;
+        return exitCode;
     }
     json codes = json::array();
     for (const auto& [code, option] : found->display->Options()) {
@@ -216,9 +234,10 @@ int CTool::Caps(const std::string& displayName_I, bool json_I) {
 }
 
 int CTool::Get(const std::string& displayName_I, const std::vector<std::string>& names_I, bool json_I) {
-    SCliDisplay* found = Find(displayName_I);
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = Find(displayName_I, exitCode);
     if (found == nullptr) {
-        return CliExit::kNoSuchDisplay;
+        return exitCode;
     }
     std::vector<STarget> targets;
     for (const std::string& name : names_I) {
@@ -293,9 +312,10 @@ bool CTool::Write(UiDisplayDelegate& display_I, const STarget& target_I, int32_t
 }
 
 int CTool::Set(const std::string& displayName_I, const std::vector<std::string>& assignments_I, bool save_I) {
-    SCliDisplay* found = Find(displayName_I);
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = Find(displayName_I, exitCode);
     if (found == nullptr) {
-        return CliExit::kNoSuchDisplay;
+        return exitCode;
     }
     UiDisplayDelegate& display = *found->display;
     // Everything is checked before anything is written.
@@ -334,9 +354,10 @@ int CTool::Set(const std::string& displayName_I, const std::vector<std::string>&
 }
 
 int CTool::Save(const std::string& displayName_I) {
-    SCliDisplay* found = Find(displayName_I);
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = Find(displayName_I, exitCode);
     if (found == nullptr) {
-        return CliExit::kNoSuchDisplay;
+        return exitCode;
     }
     // Saving stores the display's current values, whoever set them.
     return found->display->GetConnector()->SaveSettingsToScalar() ? CliExit::kDone
@@ -344,9 +365,10 @@ int CTool::Save(const std::string& displayName_I) {
 }
 
 int CTool::Revert(const std::string& displayName_I) {
-    SCliDisplay* found = Find(displayName_I);
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = Find(displayName_I, exitCode);
     if (found == nullptr) {
-        return CliExit::kNoSuchDisplay;
+        return exitCode;
     }
     (void)found;
     mErr << "revert: not available from the command line yet\n";
@@ -354,9 +376,10 @@ int CTool::Revert(const std::string& displayName_I) {
 }
 
 int CTool::Reset(const std::string& displayName_I, const std::string& what_I, bool yes_I) {
-    SCliDisplay* found = Find(displayName_I);
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = Find(displayName_I, exitCode);
     if (found == nullptr) {
-        return CliExit::kNoSuchDisplay;
+        return exitCode;
     }
     if (what_I == "factory") {
         if (!yes_I) {
@@ -369,9 +392,10 @@ int CTool::Reset(const std::string& displayName_I, const std::string& what_I, bo
 }
 
 int CTool::ProfileSave(const std::string& displayName_I, const std::string& file_I) {
-    SCliDisplay* found = Find(displayName_I);
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = Find(displayName_I, exitCode);
     if (found == nullptr) {
-        return CliExit::kNoSuchDisplay;
+        return exitCode;
     }
     json settings = json::object();
     for (ESetting setting : AllSettings()) {
@@ -393,9 +417,10 @@ int CTool::ProfileSave(const std::string& displayName_I, const std::string& file
 }
 
 int CTool::ProfileApply(const std::string& displayName_I, const std::string& file_I) {
-    SCliDisplay* found = Find(displayName_I);
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = Find(displayName_I, exitCode);
     if (found == nullptr) {
-        return CliExit::kNoSuchDisplay;
+        return exitCode;
     }
     UiDisplayDelegate& display = *found->display;
     std::ifstream in(file_I);

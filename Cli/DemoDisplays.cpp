@@ -78,12 +78,8 @@ std::vector<SCliDisplay>& CDemoDisplays::Displays() {
         auto connector = std::make_shared<CVirtualDisplayConnector>(entry.display, entry.connectorType);
         connector->Open(0);
         auto display = std::make_shared<UiDisplayDelegate>(connector, entry.display->Model().edidProductCode);
-        if (!display->Initialize()) {
-            DLog("Demo: %s did not initialise\n", entry.display->Model().key.c_str());
-            continue;
-        }
-        const std::string model = display->SupportedName().empty() ? display->MonitorName() : display->SupportedName();
-        mDisplays.push_back({model, entry.display->Model().serialText, entry.route, display});
+        mDisplays.push_back({entry.display->Model().monitorName, entry.display->Model().serialText, entry.route,
+                             display});
     }
     return mDisplays;
 }

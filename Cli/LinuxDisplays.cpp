@@ -71,12 +71,8 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
             continue;
         }
         auto display = std::make_shared<UiDisplayDelegate>(connector, productCode);
-        if (!display->Initialize()) {
-            DLog("CLinuxDisplays: %s over %s does not answer\n", drm.name.c_str(), route.c_str());
-            continue;
-        }
         const std::string name = Edid::DescriptorText(drm.edid, 0xFC);
-        mDisplays.push_back({name.empty() ? display->MonitorName() : name, serial, route, display});
+        mDisplays.push_back({name.empty() ? drm.name : name, serial, route, display});
     }
     return mDisplays;
 }

@@ -29,8 +29,9 @@ std::vector<SCliDisplay>& CWinDisplays::Displays() {
             continue;
         }
         const std::wstring& name = info.supportedName.empty() ? info.monitorName : info.supportedName;
+        // Discovery has initialised it.
         mDisplays.push_back({Narrow(name), Narrow(info.serialNumber), RouteName(display->GetConnector()->GetType()),
-                             display});
+                             display, true});
     }
     return mDisplays;
 }

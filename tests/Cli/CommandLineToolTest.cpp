@@ -188,3 +188,22 @@ TEST(CommandLineTool, TheDemoKeepsItsDisplaysValuesBetweenRuns) {
     EXPECT_EQ(RunCommandLineTool({"list"}, displays, out, err), CliExit::kDone);
     std::remove(state.c_str());
 }
+
+TEST(CommandLineTool, ADisplayThatDoesNotAnswerIsListedAsSuchAndOnlyItFails) {
+    SToolBench bench;
+    bench.Virtual(2)->Faults().FailNext(EFault::NoReply, 1000);
+    SRun run = bench.Run({"list"});
+    EXPECT_EQ(run.code, CliExit::kDone);
+    EXPECT_NE(run.out.find("2  Canvas 12  serial VC1040A40772  via serial  firmware (not answering)\n"),
+              std::string::npos)
+        << run.out;
+    run = bench.Run({"get", "2", "contrast"});
+    EXPECT_EQ(run.code, CliExit::kCommunicationFailure);
+    EXPECT_EQ(run.err, "display 2 (Canvas 12) does not answer\n");
+    EXPECT_EQ(bench.Run({"get", "3", "contrast"}).code, CliExit::kDone);
+
+    // A get reads only the display it names.
+    SToolBench fresh;
+    EXPECT_EQ(fresh.Run({"get", "1", "contrast"}).code, CliExit::kDone);
+    EXPECT_TRUE(fresh.Virtual(0)->Transactions().empty());
+}
