@@ -8,12 +8,21 @@
 #include "DrmConnectors.h"
 #include "EdidText.h"
 #include "HidrawDevices.h"
+#include "PosixSerialPort.h"
+#include "UsbSerialPorts.h"
+#include "WinUSBConnector.h"
 
 namespace {
 
 struct SHidCandidate {
     std::string node;
     std::shared_ptr<CHidrawConnector> connector;
+    bool taken = false;
+};
+
+struct SSerialCandidate {
+    std::string node;
+    std::shared_ptr<CWinUSBConnector> connector;  // opened when a display first needs the ports
     bool taken = false;
 };
 
@@ -32,6 +41,11 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
         if (connector->OpenHIDDevice(device.node) && connector->AnswersAsVcpDevice()) {
             hid.push_back({device.node, connector});
         }
+    }
+
+    std::vector<SSerialCandidate> serialPorts;
+    for (const SUsbSerialPort& port : FindUsbSerialPorts(mSystem, mSysfsTty)) {
+        serialPorts.push_back({port.node, nullptr});
     }
 
     for (const SDrmConnector& drm : FindDrmConnectors(mSystem, mSysfsDrm)) {
@@ -56,6 +70,29 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
                     connector = candidate.connector;
                     route = candidate.node;
                     break;
+                }
+            }
+        }
+        // The models reached over a serial line: the port that reads the display's serial number
+        // from it, then, as on Windows, any free port by model.
+        if (!connector && Discovery::ExpectedLegacyConnectorType(productCode) == eConnectorSerial) {
+            for (SSerialCandidate& port : serialPorts) {
+                if (!port.connector) {
+                    port.connector = std::make_shared<CWinUSBConnector>(std::make_unique<CPosixSerialPort>());
+                    port.connector->Open(port.node);
+                }
+            }
+            for (int pass = 0; pass < 2 && !connector; ++pass) {
+                for (SSerialCandidate& port : serialPorts) {
+                    if (port.taken || !port.connector->IsOpen()) {
+                        continue;
+                    }
+                    if (pass == 1 || Discovery::SameSerialNumber(port.connector->SerialNumber(-1), serial)) {
+                        port.taken = true;
+                        connector = port.connector;
+                        route = port.node;
+                        break;
+                    }
                 }
             }
         }

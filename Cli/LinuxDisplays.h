@@ -1,7 +1,8 @@
 #pragma once
 // The displays of this Linux system: each DRM connector whose EDID names the maker, reached over
-// the maker's HID control interface (/dev/hidrawN) when one pairs with it, as on Windows, or
-// else by DDC/CI over the connector's DDC bus (/dev/i2c-N).
+// the maker's HID control interface (/dev/hidrawN) when one pairs with it, as on Windows, over a
+// USB serial port for the models reached that way, or else by DDC/CI over the connector's DDC
+// bus (/dev/i2c-N).
 
 #include "CliDisplays.h"
 #include "LinuxSystem.h"
@@ -9,8 +10,11 @@
 class CLinuxDisplays : public IDisplaySource {
 public:
     explicit CLinuxDisplays(ILinuxSystem& system_I, std::string sysfsDrm_I = "/sys/class/drm",
-                            std::string sysfsHidraw_I = "/sys/class/hidraw")
-        : mSystem(system_I), mSysfsDrm(std::move(sysfsDrm_I)), mSysfsHidraw(std::move(sysfsHidraw_I)) {}
+                            std::string sysfsHidraw_I = "/sys/class/hidraw", std::string sysfsTty_I = "/sys/class/tty")
+        : mSystem(system_I),
+          mSysfsDrm(std::move(sysfsDrm_I)),
+          mSysfsHidraw(std::move(sysfsHidraw_I)),
+          mSysfsTty(std::move(sysfsTty_I)) {}
 
     std::vector<SCliDisplay>& Displays() override;
 
@@ -18,6 +22,7 @@ private:
     ILinuxSystem& mSystem;
     std::string mSysfsDrm;
     std::string mSysfsHidraw;
+    std::string mSysfsTty;
     bool mSearched = false;
     std::vector<SCliDisplay> mDisplays;
 };

@@ -21,6 +21,8 @@ public:
     virtual int Open(const std::string& path_I, int flags_I) = 0;
     virtual int Close(int descriptor_I) = 0;
     virtual int Ioctl(int descriptor_I, unsigned long request_I, void* argument_I) = 0;
+    // The device node of a sysfs class entry ("ttyUSB0" is /dev/ttyUSB0).
+    virtual std::string DeviceNode(const std::string& name_I) { return "/dev/" + name_I; }
 };
 
 // The running system.

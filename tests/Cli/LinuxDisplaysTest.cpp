@@ -8,11 +8,14 @@
 #include <linux/i2c.h>
 #include <sys/ioctl.h>
 
+#include <atomic>
 #include <cerrno>
 #include <map>
 #include <sstream>
+#include <thread>
 
 #include "CVirtualHidDevice.h"
+#include "CPtyDisplayServer.h"
 #include "CVirtualI2CBus.h"
 #include "CommandLineTool.h"
 #include "DrmConnectors.h"
@@ -92,6 +95,12 @@ public:
         return static_cast<int>(transfer->nmsgs);
     }
     size_t OpenCount() const { return mOpen.size() + mOpenHid.size(); }
+    // Serial ports are real pseudo-terminals.
+    std::map<std::string, std::string> nodes;
+    std::string DeviceNode(const std::string& name_I) override {
+        auto it = nodes.find(name_I);
+        return it != nodes.end() ? it->second : "/dev/" + name_I;
+    }
 
 private:
     static int FeatureReport(const std::shared_ptr<CVirtualHidDevice>& device_I, unsigned long request_I,
@@ -219,4 +228,31 @@ TEST(LinuxDisplays, TwoDisplaysOneOnI2cAndOneOnHidraw) {
     studio->ClearTransactions();
     ASSERT_EQ(RunCommandLineTool({"set", "1", "brightness=33"}, displays, out, err), CliExit::kDone) << err.str();
     EXPECT_EQ(studio->Value(0x6B), 33);
+}
+
+TEST(LinuxDisplays, ASerialModelIsReachedOverItsUsbSerialPort) {
+    // The line's timing is real: the display answers from another thread on a pseudo-terminal.
+    CFakeLinuxSystem system;
+    auto canvas = std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset("canvas-12"));
+    CPtyDisplayServer server(canvas);
+    ASSERT_TRUE(server.Open());
+    std::atomic<bool> stop{false};
+    std::thread serving([&] { server.Serve(stop, 10); });
+
+    system.folders[kDrm] = {"card0-DP-1"};
+    system.files[std::string(kDrm) + "/card0-DP-1/edid"] = canvas->Edid();  // no DDC bus known
+    const std::string tty = "/sys/class/tty";
+    system.folders[tty] = {"tty0", "ttyS0", "ttyUSB0", "ttyUSB1"};
+    system.files[tty + "/ttyUSB0/device/../uevent"] = TextBytes("DRIVER=cp210x\nPRODUCT=10c4/ea60/100\n");
+    system.files[tty + "/ttyUSB1/device/../uevent"] = TextBytes("PRODUCT=67b/2303/300\n");  // another bridge
+    system.nodes["ttyUSB0"] = server.TerminalPath();
+
+    CLinuxDisplays displays(system);
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunCommandLineTool({"set", "0", "contrast=27"}, displays, out, err), CliExit::kDone) << err.str();
+    EXPECT_EQ(canvas->Value(0x12), 27);
+    EXPECT_EQ(displays.Displays().at(0).route, server.TerminalPath());
+    stop = true;
+    serving.join();
 }
