@@ -3,10 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <optional>
 
+#include "DemoDisplays.h"
 #include "SettingNames.h"
 #include "codes.h"
 
@@ -42,8 +44,8 @@ struct STarget {
 
 class CTool {
 public:
-    CTool(IDisplaySource& source_I, std::ostream& out_I, std::ostream& err_I)
-        : mSource(source_I), mOut(out_I), mErr(err_I) {}
+    CTool(IDisplaySource& source_I, std::ostream& out_I, std::ostream& err_I, std::string changesFile_I)
+        : mSource(source_I), mOut(out_I), mErr(err_I), mChangesFile(std::move(changesFile_I)) {}
 
     int List(bool json_I);
     int Caps(const std::string& display_I, bool json_I);
@@ -66,11 +68,65 @@ private:
     bool Write(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I);
     json ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, bool& ok_O);
     int Failed(UiDisplayDelegate& display_I, const std::string& what_I);
+    // The unsaved changes this tool made, kept between runs so that revert can undo them:
+    // {"<serial>": {"<code>": value before the first change}}.
+    json LoadChanges() const;
+    void StoreChanges(const json& changes_I) const;
+    // Notes the code's value before a write, unless an earlier unsaved change noted it already.
+    void Remember(const SCliDisplay& display_I, uint8_t code_I);
+    void Forget(const SCliDisplay& display_I);
 
     IDisplaySource& mSource;
     std::ostream& mOut;
     std::ostream& mErr;
+    std::string mChangesFile;
 };
+
+json CTool::LoadChanges() const {
+    std::ifstream in(mChangesFile);
+    json changes = in ? json::parse(in, nullptr, false) : json::object();
+    return changes.is_object() ? changes : json::object();
+}
+
+void CTool::StoreChanges(const json& changes_I) const {
+    if (mChangesFile.empty()) {
+        return;
+    }
+    std::error_code error;
+    std::filesystem::create_directories(std::filesystem::path(mChangesFile).parent_path(), error);
+    std::ofstream(mChangesFile) << changes_I.dump(1) << "\n";
+}
+
+void CTool::Remember(const SCliDisplay& display_I, uint8_t code_I) {
+    if (mChangesFile.empty()) {
+        return;
+    }
+    json changes = LoadChanges();
+    char code[4];
+    std::snprintf(code, sizeof(code), "%02X", code_I);
+    json& noted = changes[display_I.serial];
+    if (!noted.is_object()) {
+        noted = json::object();
+    }
+    if (!noted.contains(code)) {
+        const SVCPValue before = display_I.display->GetVCPValue(code_I, false);
+        if (!before.valid) {
+            return;
+        }
+        noted[code] = before.value;
+        StoreChanges(changes);
+    }
+}
+
+void CTool::Forget(const SCliDisplay& display_I) {
+    if (mChangesFile.empty()) {
+        return;
+    }
+    json changes = LoadChanges();
+    if (changes.erase(display_I.serial) != 0) {
+        StoreChanges(changes);
+    }
+}
 
 bool CTool::Ready(SCliDisplay& display_I) {
     if (!display_I.ready) {
@@ -343,12 +399,16 @@ int CTool::Set(const std::string& displayName_I, const std::vector<std::string>&
         writes.emplace_back(*target, *value);
     }
     for (const auto& [target, value] : writes) {
+        Remember(*found, target.code);
         if (!Write(display, target, value)) {
             return Failed(display, target.text);
         }
     }
-    if (save_I && !display.Save()) {
-        return Failed(display, "save");
+    if (save_I) {
+        if (!display.Save()) {
+            return Failed(display, "save");
+        }
+        Forget(*found);
     }
     return CliExit::kDone;
 }
@@ -360,8 +420,11 @@ int CTool::Save(const std::string& displayName_I) {
         return exitCode;
     }
     // Saving stores the display's current values, whoever set them.
-    return found->display->GetConnector()->SaveSettingsToScalar() ? CliExit::kDone
-                                                                   : Failed(*found->display, "save");
+    if (!found->display->GetConnector()->SaveSettingsToScalar()) {
+        return Failed(*found->display, "save");
+    }
+    Forget(*found);
+    return CliExit::kDone;
 }
 
 int CTool::Revert(const std::string& displayName_I) {
@@ -370,9 +433,27 @@ int CTool::Revert(const std::string& displayName_I) {
     if (found == nullptr) {
         return exitCode;
     }
-    (void)found;
-    mErr << "revert: not available from the command line yet\n";
-    return CliExit::kBadUsage;
+    const json changes = LoadChanges();
+    if (!changes.contains(found->serial) || changes[found->serial].empty()) {
+        mOut << "nothing to revert: no unsaved changes made with this tool\n";
+        return CliExit::kDone;
+    }
+    int result = CliExit::kDone;
+    for (const auto& [code, value] : changes[found->serial].items()) {
+        const auto number = static_cast<uint8_t>(std::stoul(code, nullptr, 16));
+        if (!value.is_number_integer() || !found->display->Option(number)) {
+            continue;
+        }
+        if (!found->display->SetVCPValueVerify(number, value.get<int32_t>(), 1)) {
+            result = Failed(*found->display, VCPCodeName(number));
+            continue;
+        }
+        mOut << VCPCodeName(number) << ": back to " << value.get<int32_t>() << "\n";
+    }
+    if (result == CliExit::kDone) {
+        Forget(*found);
+    }
+    return result;
 }
 
 int CTool::Reset(const std::string& displayName_I, const std::string& what_I, bool yes_I) {
@@ -453,6 +534,7 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
             result = CliExit::kCommunicationFailure;
             continue;
         }
+        Remember(*found, target.code);
         bool ok = Write(display, target, wanted);
         if (ok) {
             display.GetVCPValue(target.code, true);  // verified by reading it back
@@ -473,8 +555,8 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
 }  // namespace
 
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
-                       std::ostream& err_O) {
-    CTool tool(source_I, out_O, err_O);
+                       std::ostream& err_O, const std::string& changesFile_I) {
+    CTool tool(source_I, out_O, err_O, changesFile_I);
     CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays", "velor-display"};
     app.require_subcommand(1);
     app.fallthrough();  // --json and --demo may follow the command
@@ -512,7 +594,8 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     saveCommand->add_option("display", display, "Index or serial number")->required();
     saveCommand->callback([&] { result = tool.Save(display); });
 
-    CLI::App* revert = app.add_subcommand("revert", "Puts back the settings the display kept");
+    CLI::App* revert =
+        app.add_subcommand("revert", "Undoes the changes made with this tool since the display last saved");
     revert->add_option("display", display, "Index or serial number")->required();
     revert->callback([&] { result = tool.Revert(display); });
 
@@ -541,4 +624,12 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
         return app.exit(error, out_O, err_O) == 0 ? CliExit::kDone : CliExit::kBadUsage;
     }
     return result;
+}
+
+std::string DefaultChangesFile(bool demo_I) {
+    const std::string state = CDemoDisplays::DefaultStateFile();
+    if (state.empty()) {
+        return {};
+    }
+    return (std::filesystem::path(state).parent_path() / (demo_I ? "demo-changes.json" : "changes.json")).string();
 }

@@ -15,6 +15,9 @@ constexpr int kNoSuchDisplay = 2;
 constexpr int kCommunicationFailure = 3;
 }  // namespace CliExit
 
-// args_I without the program name.
+// args_I without the program name. changesFile_I keeps the unsaved changes between runs, for
+// revert (empty: not kept).
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
-                       std::ostream& err_O);
+                       std::ostream& err_O, const std::string& changesFile_I = {});
+// Where the program keeps them: beside the demo's state, "changes.json" (or "demo-changes.json").
+std::string DefaultChangesFile(bool demo_I);

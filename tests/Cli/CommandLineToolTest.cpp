@@ -207,3 +207,32 @@ TEST(CommandLineTool, ADisplayThatDoesNotAnswerIsListedAsSuchAndOnlyItFails) {
     EXPECT_EQ(fresh.Run({"get", "1", "contrast"}).code, CliExit::kDone);
     EXPECT_TRUE(fresh.Virtual(0)->Transactions().empty());
 }
+
+TEST(CommandLineTool, RevertUndoesTheUnsavedChangesOfEarlierRuns) {
+    const std::string changes = TempFile("vlr-changes-test.json");
+    std::remove(changes.c_str());
+    SToolBench bench;
+    auto run = [&](const std::vector<std::string>& args) {
+        std::ostringstream out;
+        std::ostringstream err;
+        const int code = RunCommandLineTool(args, bench.displays, out, err, changes);
+        return std::make_pair(code, out.str() + err.str());
+    };
+    auto canvas = bench.Virtual(0);
+    EXPECT_EQ(run({"revert", "0"}).second, "nothing to revert: no unsaved changes made with this tool\n");
+    ASSERT_EQ(run({"set", "0", "contrast=20"}).first, CliExit::kDone);
+    ASSERT_EQ(run({"set", "0", "contrast=30", "brightness=40"}).first, CliExit::kDone);
+    EXPECT_EQ(canvas->Value(0x12), 30);
+    auto [code, text] = run({"revert", "0"});
+    EXPECT_EQ(code, CliExit::kDone);
+    EXPECT_EQ(text, "Luminance: back to 70\nContrast: back to 50\n");  // the values before the first change
+    EXPECT_EQ(canvas->Value(0x12), 50);
+    EXPECT_EQ(canvas->Value(0x10), 70);
+    EXPECT_EQ(run({"revert", "0"}).first, CliExit::kDone);  // nothing left
+
+    // Saved changes are the display's now: nothing to undo.
+    ASSERT_EQ(run({"set", "0", "contrast=25", "--save"}).first, CliExit::kDone);
+    EXPECT_EQ(run({"revert", "0"}).second, "nothing to revert: no unsaved changes made with this tool\n");
+    EXPECT_EQ(canvas->Value(0x12), 25);
+    std::remove(changes.c_str());
+}
