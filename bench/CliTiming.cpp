@@ -14,22 +14,9 @@
 #include "Clock.h"
 #include "CommandLineTool.h"
 #include "DemoDisplays.h"
+#include "MeasuringClock.h"
 
 namespace {
-
-// Sleeps as the real clock does and adds up what was asked for.
-class CCountingClock final : public IClock {
-public:
-    void Pause(std::chrono::microseconds duration_I) override {
-        mPaused += duration_I;
-        mReal.Pause(duration_I);
-    }
-    std::chrono::microseconds Now() const override { return mReal.Now(); }
-    std::chrono::microseconds mPaused{0};
-
-private:
-    CRealClock mReal;
-};
 
 double CpuSeconds() {
     rusage usage{};
@@ -39,27 +26,27 @@ double CpuSeconds() {
 
 // A get on a display the same process has already initialised: the command's own cost.
 void MeasureRepeatedGet(int runs_I) {
-    CCountingClock clock;
+    CMeasuringClock clock;
     CScopedClock scoped(clock);
     CDemoDisplays displays("");
     std::ostringstream out;
     std::ostringstream err;
     RunCommandLineTool({"get", "0", "brightness"}, displays, out, err);
-    clock.mPaused = {};
+    clock.Reset();
     const double cpuStart = CpuSeconds();
     const auto start = std::chrono::steady_clock::now();
     for (int run = 0; run < runs_I * 100; ++run) {
         RunCommandLineTool({"get", "0", "brightness"}, displays, out, err);
     }
     const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    const double paused = std::chrono::duration<double>(clock.mPaused).count();
+    const double paused = std::chrono::duration<double>(clock.Requested()).count();
     std::printf("get on an initialised display: wall %.2f ms, pauses %.2f ms, CPU %.3f ms per get\n",
                 wall * 1000 / (runs_I * 100), paused * 1000 / (runs_I * 100),
                 (CpuSeconds() - cpuStart) * 1000 / (runs_I * 100));
 }
 
 void Measure(const char* name_I, const std::vector<std::string>& args_I, int runs_I) {
-    CCountingClock clock;
+    CMeasuringClock clock;
     CScopedClock scoped(clock);
     double wall = 0;
     double cpu = 0;
@@ -76,7 +63,7 @@ void Measure(const char* name_I, const std::vector<std::string>& args_I, int run
         wall += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         cpu += CpuSeconds() - cpuStart;
     }
-    const double paused = std::chrono::duration<double>(clock.mPaused).count();
+    const double paused = std::chrono::duration<double>(clock.Requested()).count();
     std::printf("%-6s wall %.3f s, protocol pauses %.3f s, overhead %.4f, CPU %.2f ms per run\n", name_I,
                 wall / runs_I, paused / runs_I, wall / paused, cpu * 1000 / runs_I);
 }
