@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -33,6 +35,42 @@ std::vector<uint32_t> OptionSetOf(const VCPOptionBase& option_I) {
     tryType.operator()<gammaCode>();
     tryType.operator()<uniformityCompCode>();
     return values;
+}
+
+// The user-level setting this display's family reaches through the code, if any.
+std::optional<ESetting> SettingOfCode(const UiDisplayDelegate& display_I, uint8_t code_I) {
+    for (ESetting setting : AllSettings()) {
+        if (display_I.Traits().SettingCode(setting) == code_I) {
+            return setting;
+        }
+    }
+    return std::nullopt;
+}
+
+// How a code is named to the user: the code table's name, else the setting the family reaches
+// through it (vendor codes such as a backlight), else a plain mark.
+std::string CodeLabel(const UiDisplayDelegate& display_I, uint8_t code_I) {
+    std::string name = VCPCodeName(code_I);
+    if (name != "Unsupported VPC Code") {
+        return name;
+    }
+    if (std::optional<ESetting> setting = SettingOfCode(display_I, code_I)) {
+        return SettingName(*setting);
+    }
+    return "vendor-specific code";
+}
+
+// Whether two names differ only in letter case ("contrast", "Contrast").
+bool SameLetters(const std::string& a_I, const std::string& b_I) {
+    return std::equal(a_I.begin(), a_I.end(), b_I.begin(), b_I.end(), [](char a, char b) {
+        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+    });
+}
+
+// A reverted code as the user set it: by its setting name where it has one.
+std::string RevertLabel(const UiDisplayDelegate& display_I, uint8_t code_I) {
+    std::optional<ESetting> setting = SettingOfCode(display_I, code_I);
+    return setting ? SettingName(*setting) : CodeLabel(display_I, code_I);
 }
 
 // What a command names: a user-level setting or a raw VCP code.
@@ -178,7 +216,7 @@ std::optional<STarget> CTool::Target(UiDisplayDelegate& display_I, const std::st
 
 json CTool::ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, bool& ok_O) {
     json value;
-    value["name"] = target_I.setting ? SettingName(*target_I.setting) : VCPCodeName(target_I.code);
+    value["name"] = target_I.setting ? SettingName(*target_I.setting) : CodeLabel(display_I, target_I.code);
     value["code"] = target_I.code;
     if (target_I.setting) {
         // Through the delegate, as the dialogs read it (per-family codes and value lists).
@@ -255,7 +293,10 @@ int CTool::Caps(const std::string& displayName_I, bool json_I) {
         if (!option) {
             continue;
         }
-        json entry = {{"code", code}, {"name", VCPCodeName(code)}};
+        json entry = {{"code", code}, {"name", CodeLabel(*found->display, static_cast<uint8_t>(code))}};
+        if (std::optional<ESetting> setting = SettingOfCode(*found->display, static_cast<uint8_t>(code))) {
+            entry["setting"] = SettingName(*setting);
+        }
         entry["access"] = option->Info().WriteOnly() ? "write" : (option->Info().Writable() ? "read-write" : "read");
         const std::vector<uint32_t> values = OptionSetOf(*option);
         json named = json::array();
@@ -275,7 +316,11 @@ int CTool::Caps(const std::string& displayName_I, bool json_I) {
     for (const json& entry : codes) {
         std::snprintf(hex, sizeof(hex), "0x%02X", entry["code"].get<unsigned>());
         mOut << hex << "  " << entry["name"].get<std::string>() << "  (" << entry["access"].get<std::string>()
-             << ")\n";
+             << ")";
+        if (entry.contains("setting") && !SameLetters(entry["setting"], entry["name"])) {
+            mOut << "  as " << entry["setting"].get<std::string>();
+        }
+        mOut << "\n";
         if (entry.contains("values")) {
             for (const json& value : entry["values"]) {
                 mOut << "        " << value["value"].get<unsigned>();
@@ -445,10 +490,10 @@ int CTool::Revert(const std::string& displayName_I) {
             continue;
         }
         if (!found->display->SetVCPValueVerify(number, value.get<int32_t>(), 1)) {
-            result = Failed(*found->display, VCPCodeName(number));
+            result = Failed(*found->display, RevertLabel(*found->display, number));
             continue;
         }
-        mOut << VCPCodeName(number) << ": back to " << value.get<int32_t>() << "\n";
+        mOut << RevertLabel(*found->display, number) << ": back to " << value.get<int32_t>() << "\n";
     }
     if (result == CliExit::kDone) {
         Forget(*found);

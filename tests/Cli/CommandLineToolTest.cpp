@@ -86,6 +86,8 @@ TEST(CommandLineTool, GetAndSetGoThroughTheDelegatesPerFamilyCodes) {
     run = bench.Run({"get", "1", "brightness", "0x12"});
     EXPECT_EQ(run.code, CliExit::kDone);
     EXPECT_EQ(run.out, "brightness = 42\nContrast = 61\n");
+    run = bench.Run({"get", "1", "0x6B"});  // a vendor code goes by the setting it serves
+    EXPECT_EQ(run.out, "brightness = 42\n");
     run = bench.Run({"get", "0", "colour-temperature", "--json"});
     EXPECT_NE(run.out.find("\"text\": \"6500k\""), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("\"choices\""), std::string::npos);
@@ -94,6 +96,26 @@ TEST(CommandLineTool, GetAndSetGoThroughTheDelegatesPerFamilyCodes) {
     run = bench.Run({"set", "0", "colour-temperature=5000k", "--save"});
     EXPECT_EQ(run.code, CliExit::kDone) << run.err;
     EXPECT_EQ(bench.Virtual(0)->SavedValue(0x14), 4);
+}
+
+TEST(CommandLineTool, CapsNamesEachCodeAndTheSettingThatReachesIt) {
+    SToolBench bench;
+    SRun run = bench.Run({"caps", "0"});
+    EXPECT_EQ(run.code, CliExit::kDone);
+    EXPECT_NE(run.out.find("0x10  Luminance  (read-write)  as brightness\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("0x12  Contrast  (read-write)\n"), std::string::npos);
+    EXPECT_NE(run.out.find("0x14  Select Color Preset  (read-write)  as colour-temperature\n"
+                           "        4  5000k\n"),
+              std::string::npos);
+    EXPECT_NE(run.out.find("0x04  Restore Factory Defaults  (write)\n"), std::string::npos);
+
+    // The HID family's backlight code has no standard name; it is shown as what it serves.
+    run = bench.Run({"caps", "1", "--json"});
+    EXPECT_NE(run.out.find("\"code\": 107,\n    \"name\": \"brightness\",\n    \"setting\": \"brightness\""),
+              std::string::npos)
+        << run.out;
+    EXPECT_EQ(run.out.find("Unsupported VPC Code"), std::string::npos);
+    EXPECT_EQ(bench.Run({"caps", "7"}).code, CliExit::kNoSuchDisplay);
 }
 
 TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
@@ -225,7 +247,7 @@ TEST(CommandLineTool, RevertUndoesTheUnsavedChangesOfEarlierRuns) {
     EXPECT_EQ(canvas->Value(0x12), 30);
     auto [code, text] = run({"revert", "0"});
     EXPECT_EQ(code, CliExit::kDone);
-    EXPECT_EQ(text, "Luminance: back to 70\nContrast: back to 50\n");  // the values before the first change
+    EXPECT_EQ(text, "brightness: back to 70\ncontrast: back to 50\n");  // the values before the first change
     EXPECT_EQ(canvas->Value(0x12), 50);
     EXPECT_EQ(canvas->Value(0x10), 70);
     EXPECT_EQ(run({"revert", "0"}).first, CliExit::kDone);  // nothing left
