@@ -4,11 +4,11 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <optional>
+#include <type_traits>
 
 #include "DemoDisplays.h"
 #include "SettingNames.h"
@@ -18,12 +18,30 @@ namespace {
 
 using nlohmann::json;
 
-// The values an enumerated option allows, whatever its enumeration type; empty for others.
-std::vector<uint32_t> OptionSetOf(const VCPOptionBase& option_I) {
-    std::vector<uint32_t> values;
+// One value a command can name, and its name ("" for none).
+struct SNamedValue {
+    int32_t value = 0;
+    std::string name;
+};
+
+// The values an enumerated option allows, named by the code table's texts for its
+// enumeration; empty for other options.
+std::vector<SNamedValue> OptionValuesOf(const VCPOptionBase& option_I) {
+    std::vector<SNamedValue> values;
     auto tryType = [&]<typename E>() {
-        if (const auto* typed = dynamic_cast<const VCPOptionCodeWithEnumerationT<E>*>(&option_I)) {
-            values = typed->OptionSet();
+        const auto* typed = dynamic_cast<const VCPOptionCodeWithEnumerationT<E>*>(&option_I);
+        if (typed == nullptr) {
+            return;
+        }
+        for (uint32_t value : typed->OptionSet()) {
+            std::string name;
+            if constexpr (!std::is_same_v<E, uint32_t>) {
+                name = OptionValueText<E>(value);
+            }
+            if (name == "Unsupported VPC Code") {
+                name.clear();
+            }
+            values.push_back({static_cast<int32_t>(value), name});
         }
     };
     tryType.operator()<uint32_t>();
@@ -47,24 +65,18 @@ std::optional<ESetting> SettingOfCode(const UiDisplayDelegate& display_I, uint8_
     return std::nullopt;
 }
 
-// How a code is named to the user: the code table's name, else the setting the family reaches
-// through it (vendor codes such as a backlight), else a plain mark.
+// How a code is named to the user: the code table's name, unless the family reaches a setting
+// through a code the table does not know or through a maker's code (0xE0 and up mean different
+// things on different families: 0xE4 is a colour offset on some, colour temperature on others).
 std::string CodeLabel(const UiDisplayDelegate& display_I, uint8_t code_I) {
     std::string name = VCPCodeName(code_I);
-    if (name != "Unsupported VPC Code") {
-        return name;
+    const bool makersCode = code_I >= 0xE0;
+    if (name == "Unsupported VPC Code" || makersCode) {
+        if (std::optional<ESetting> setting = SettingOfCode(display_I, code_I)) {
+            return SettingName(*setting);
+        }
     }
-    if (std::optional<ESetting> setting = SettingOfCode(display_I, code_I)) {
-        return SettingName(*setting);
-    }
-    return "vendor-specific code";
-}
-
-// Whether two names differ only in letter case ("contrast", "Contrast").
-bool SameLetters(const std::string& a_I, const std::string& b_I) {
-    return std::equal(a_I.begin(), a_I.end(), b_I.begin(), b_I.end(), [](char a, char b) {
-        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-    });
+    return name == "Unsupported VPC Code" ? "vendor-specific code" : name;
 }
 
 // A reverted code as the user set it: by its setting name where it has one.
@@ -79,6 +91,50 @@ struct STarget {
     uint8_t code = 0;
     std::string text;  // as written
 };
+
+// The values a command can give what it names, with their names: a setting's choices as the
+// dialogs offer them (a setting's values need not be its code's: battery mode, colour mode), or
+// a code's enumeration as the code table names it.
+std::vector<SNamedValue> NamedValues(UiDisplayDelegate& display_I, const STarget& target_I) {
+    std::vector<SNamedValue> values;
+    if (target_I.setting) {
+        for (const SEntry& entry : display_I.GetSetting(*target_I.setting).entries) {
+            values.push_back({entry.value, ChoiceName(entry.stringId)});
+        }
+    } else if (VCPOptionPtr option = display_I.Option(target_I.code)) {
+        values = OptionValuesOf(*option);
+    }
+    return values;
+}
+
+// The name of a value, or "" when it has none.
+std::string NameOfValue(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I) {
+    for (const SNamedValue& named : NamedValues(display_I, target_I)) {
+        if (named.value == value_I && !named.name.empty()) {
+            return named.name;
+        }
+    }
+    return {};
+}
+
+// A value as the tool prints it: "1 (adobe-rgb)", or the number alone.
+std::string Shown(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I) {
+    const std::string name = NameOfValue(display_I, target_I, value_I);
+    return std::to_string(value_I) + (name.empty() ? "" : " (" + name + ")");
+}
+
+// A value given by number or by name (any letter case).
+std::optional<int32_t> ValueByText(UiDisplayDelegate& display_I, const STarget& target_I, const std::string& text_I) {
+    if (std::optional<int32_t> number = ParseNumber(text_I)) {
+        return number;
+    }
+    for (const SNamedValue& named : NamedValues(display_I, target_I)) {
+        if (!named.name.empty() && SameName(named.name, text_I)) {
+            return named.value;
+        }
+    }
+    return std::nullopt;
+}
 
 class CTool {
 public:
@@ -243,7 +299,7 @@ json CTool::ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, boo
             value["maximum"] = read.range.maximum;
         }
     }
-    const std::string valueName = ValueName(target_I.code, value["value"].get<int32_t>());
+    const std::string valueName = NameOfValue(display_I, target_I, value["value"].get<int32_t>());
     if (!valueName.empty()) {
         value["text"] = valueName;
     }
@@ -298,10 +354,9 @@ int CTool::Caps(const std::string& displayName_I, bool json_I) {
             entry["setting"] = SettingName(*setting);
         }
         entry["access"] = option->Info().WriteOnly() ? "write" : (option->Info().Writable() ? "read-write" : "read");
-        const std::vector<uint32_t> values = OptionSetOf(*option);
         json named = json::array();
-        for (uint32_t value : values) {
-            named.push_back({{"value", value}, {"text", ValueName(code, static_cast<int32_t>(value))}});
+        for (const SNamedValue& value : OptionValuesOf(*option)) {
+            named.push_back({{"value", value.value}, {"text", value.name}});
         }
         if (!named.empty()) {
             entry["values"] = named;
@@ -317,13 +372,13 @@ int CTool::Caps(const std::string& displayName_I, bool json_I) {
         std::snprintf(hex, sizeof(hex), "0x%02X", entry["code"].get<unsigned>());
         mOut << hex << "  " << entry["name"].get<std::string>() << "  (" << entry["access"].get<std::string>()
              << ")";
-        if (entry.contains("setting") && !SameLetters(entry["setting"], entry["name"])) {
+        if (entry.contains("setting") && !SameName(entry["setting"], entry["name"])) {
             mOut << "  as " << entry["setting"].get<std::string>();
         }
         mOut << "\n";
         if (entry.contains("values")) {
             for (const json& value : entry["values"]) {
-                mOut << "        " << value["value"].get<unsigned>();
+                mOut << "        " << value["value"].get<int32_t>();
                 if (!value["text"].get<std::string>().empty()) {
                     mOut << "  " << value["text"].get<std::string>();
                 }
@@ -384,7 +439,8 @@ std::string CTool::Refusal(UiDisplayDelegate& display_I, const STarget& target_I
                                              [&](const SEntry& entry_I) { return entry_I.value == value_I; });
             std::string choices;
             for (const SEntry& entry : state.entries) {
-                choices += (choices.empty() ? "" : ", ") + std::to_string(entry.value);
+                const std::string name = ChoiceName(entry.stringId);
+                choices += (choices.empty() ? "" : ", ") + std::to_string(entry.value) + (name.empty() ? "" : " " + name);
             }
             return offered ? std::string() : where + ": not one of the values this display offers (" + choices + ")";
         }
@@ -431,9 +487,16 @@ int CTool::Set(const std::string& displayName_I, const std::vector<std::string>&
         if (!target) {
             return CliExit::kBadUsage;
         }
-        std::optional<int32_t> value = ParseValue(target->code, assignment.substr(equals + 1));
+        std::optional<int32_t> value = ValueByText(display, *target, assignment.substr(equals + 1));
         if (!value) {
-            mErr << assignment << ": the value is not a number or a value name of that setting\n";
+            std::string names;
+            for (const SNamedValue& named : NamedValues(display, *target)) {
+                if (!named.name.empty()) {
+                    names += (names.empty() ? "" : ", ") + named.name;
+                }
+            }
+            mErr << assignment << ": the value is not a number" << (names.empty() ? "" : " or one of " + names)
+                 << "\n";
             return CliExit::kBadUsage;
         }
         const std::string refusal = Refusal(display, *target, *value);
@@ -550,16 +613,20 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
     }
     UiDisplayDelegate& display = *found->display;
     std::ifstream in(file_I);
+    if (!in.is_open()) {
+        mErr << file_I << ": cannot be read\n";
+        return CliExit::kBadUsage;
+    }
     const json profile = json::parse(in, nullptr, false);
-    if (!in.is_open() || profile.is_discarded() || !profile.contains("settings") || !profile["settings"].is_object()) {
+    if (profile.is_discarded() || !profile.contains("settings") || !profile["settings"].is_object()) {
         mErr << file_I << ": not a profile (a JSON object with \"settings\")\n";
         return CliExit::kBadUsage;
     }
     int result = CliExit::kDone;
     for (const auto& [name, value] : profile["settings"].items()) {
         std::optional<ESetting> setting = SettingByName(name);
-        if (!setting || !value.is_number_integer()) {
-            mErr << name << ": skipped (not a setting with a whole-number value)\n";
+        if (!setting || !(value.is_number_integer() || value.is_string())) {
+            mErr << name << ": skipped (not a setting with a whole number or a choice's name)\n";
             result = CliExit::kBadUsage;
             continue;
         }
@@ -568,11 +635,19 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
             mOut << name << ": not on this display, skipped\n";
             continue;
         }
-        const int32_t wanted = value.get<int32_t>();
+        STarget target{setting, display.Traits().SettingCode(*setting), name};
+        // Hand-written profiles may name a choice ("colour-space": "adobe-rgb").
+        const std::optional<int32_t> given =
+            value.is_string() ? ValueByText(display, target, value.get<std::string>()) : value.get<int32_t>();
+        if (!given) {
+            mErr << name << ": skipped (\"" << value.get<std::string>() << "\" is not one of its choices here)\n";
+            result = CliExit::kBadUsage;
+            continue;
+        }
+        const int32_t wanted = *given;
         if (state.valid && state.value == wanted) {
             continue;  // only what differs is written
         }
-        STarget target{setting, display.Traits().SettingCode(*setting), name};
         const std::string refusal = Refusal(display, target, wanted);
         if (!refusal.empty()) {
             mErr << refusal << "; skipped\n";
@@ -592,7 +667,7 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
             result = CliExit::kCommunicationFailure;
             continue;
         }
-        mOut << name << ": " << state.value << " -> " << wanted << "\n";
+        mOut << name << ": " << Shown(display, target, state.value) << " -> " << Shown(display, target, wanted) << "\n";
     }
     return result;
 }
@@ -631,7 +706,8 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
 
     CLI::App* set = app.add_subcommand("set", "Changes settings: SETTING=VALUE ...; checks every value first");
     set->add_option("display", display, "Index or serial number")->required();
-    set->add_option("assignments", names, "SETTING=VALUE")->required();
+    set->add_option("assignments", names, "SETTING=VALUE, the value a number or a choice (6500k, adobe-rgb, on)")
+        ->required();
     set->add_flag("--save", save, "Then make the display keep its settings");
     set->callback([&] { result = tool.Set(display, names, save); });
 

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <charconv>
 
-#include "VcpCodeTable.h"
+#include "StringIds.h"
 
 namespace {
 
@@ -33,6 +33,51 @@ constexpr SName kNames[] = {
     {ESetting::BatteryMode, "battery-mode", nullptr},
     {ESetting::ScanMode, "scan-mode", nullptr},
     {ESetting::OsdLanguage, "menu-language", nullptr},
+};
+
+struct SChoiceName {
+    uint32_t stringId;
+    const char* name;
+};
+
+// Names for the command line: short, lower case, no blanks, so that scripts need no quoting.
+constexpr SChoiceName kChoiceNames[] = {
+    {StringId::kColorTemperatureMode, "temperature"},
+    {StringId::kColorSpaceMode, "space"},
+    {StringId::kCustomColorMode, "custom"},
+    {StringId::k5000K, "5000k"},
+    {StringId::k5700K, "5700k"},
+    {StringId::k6500K, "6500k"},
+    {StringId::k7500K, "7500k"},
+    {StringId::k9300K, "9300k"},
+    {StringId::k10000K, "10000k"},
+    {StringId::kSpaceNative, "native"},
+    {StringId::kSpaceAdobeRGB, "adobe-rgb"},
+    {StringId::kSpaceSRGB, "srgb"},
+    {StringId::kSpaceRec709, "rec-709"},
+    {StringId::kSpaceDCIP3, "dci-p3"},
+    {StringId::kSpaceRec2020, "rec-2020"},
+    {StringId::kSpaceEBU, "ebu"},
+    {StringId::kSpaceDCI, "dci"},
+    {StringId::kSpaceColorManager1, "colour-manager-1"},
+    {StringId::kSpaceColorManager2, "colour-manager-2"},
+    {StringId::kGamma1_9, "1.9"},
+    {StringId::kGamma2_2, "2.2"},
+    {StringId::kGamma2_4, "2.4"},
+    {StringId::kAspectFullScreen, "full-screen"},
+    {StringId::kAspectKeepRatio, "keep-ratio"},
+    {StringId::kAspectOneToOne, "1:1"},
+    {StringId::kOn, "on"},
+    {StringId::kOff, "off"},
+    {StringId::kFanAuto, "auto"},
+    {StringId::kFanLowSpeed, "low-speed"},
+    {StringId::kBatteryStandard, "standard"},
+    {StringId::kBatterySaver, "saver"},
+    {StringId::kLevelLow, "low"},
+    {StringId::kLevelMedium, "medium"},
+    {StringId::kLevelHigh, "high"},
+    {StringId::kUniformityMode2, "mode-2"},
+    {StringId::kUniformityMode3, "mode-3"},
 };
 
 std::string Lower(std::string text_I) {
@@ -70,40 +115,37 @@ std::vector<ESetting> AllSettings() {
     return settings;
 }
 
-std::string ValueName(uint8_t code_I, int32_t value_I) {
-    const SVcpCodeRow* row = FindVcpCodeRow(code_I);
-    if (row == nullptr || row->values == EValueNames::None) {
-        return {};
+std::string ChoiceName(uint32_t stringId_I) {
+    // Fine-scale gamma: 0.5 to 3.9 in tenths, then 4.0.
+    if (stringId_I == StringId::kGammaFine4_0) {
+        return "4.0";
     }
-    for (const SValueNameRow& value : ValueNameRows(row->values)) {
-        if (value.value == value_I && value.text != nullptr) {
-            return value.text;
+    if (stringId_I >= StringId::kGammaFine0_5 && stringId_I < StringId::kGammaFine0_5 + 35) {
+        const uint32_t tenths = 5 + (stringId_I - StringId::kGammaFine0_5);
+        return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+    }
+    for (const SChoiceName& choice : kChoiceNames) {
+        if (choice.stringId == stringId_I) {
+            return choice.name;
         }
     }
     return {};
 }
 
-std::optional<int32_t> ParseValue(uint8_t code_I, const std::string& text_I) {
-    if (text_I.empty()) {
-        return std::nullopt;
-    }
+std::optional<int32_t> ParseNumber(const std::string& text_I) {
     const bool hex = text_I.size() > 2 && text_I[0] == '0' && (text_I[1] == 'x' || text_I[1] == 'X');
     const char* first = text_I.data() + (hex ? 2 : 0);
     const char* last = text_I.data() + text_I.size();
     int32_t value = 0;
     const auto [end, error] = std::from_chars(first, last, value, hex ? 16 : 10);
-    if (error == std::errc() && end == last) {
-        return value;
+    if (text_I.empty() || error != std::errc() || end != last) {
+        return std::nullopt;
     }
-    const SVcpCodeRow* row = FindVcpCodeRow(code_I);
-    if (row != nullptr && row->values != EValueNames::None) {
-        for (const SValueNameRow& named : ValueNameRows(row->values)) {
-            if (named.text != nullptr && Lower(named.text) == Lower(text_I)) {
-                return named.value;
-            }
-        }
-    }
-    return std::nullopt;
+    return value;
+}
+
+bool SameName(const std::string& a_I, const std::string& b_I) {
+    return Lower(a_I) == Lower(b_I);
 }
 
 std::optional<uint8_t> ParseVcpCode(const std::string& text_I) {
