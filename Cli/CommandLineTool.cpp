@@ -124,7 +124,8 @@ std::string Shown(UiDisplayDelegate& display_I, const STarget& target_I, int32_t
 }
 
 // A value given by number or by name (any letter case).
-std::optional<int32_t> ValueByText(UiDisplayDelegate& display_I, const STarget& target_I, const std::string& text_I) {
+std::optional<int32_t> ValueByText(UiDisplayDelegate& display_I, const STarget& target_I,
+                                   const std::string& text_I) {
     if (std::optional<int32_t> number = ParseNumber(text_I)) {
         return number;
     }
@@ -308,8 +309,8 @@ json CTool::ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, boo
 
 int CTool::Failed(UiDisplayDelegate& display_I, const std::string& what_I) {
     const std::string detail = display_I.LastFailure();
-    mErr << what_I << ": the display did not answer as expected" << (detail.empty() ? "" : " (" + detail + ")")
-         << "\n";
+    mErr << what_I << ": the display did not answer as expected"
+         << (detail.empty() ? "" : " (" + detail + ")") << "\n";
     return CliExit::kCommunicationFailure;
 }
 
@@ -317,7 +318,8 @@ int CTool::List(bool json_I) {
     json all = json::array();
     for (size_t i = 0; i < mSource.Displays().size(); ++i) {
         SCliDisplay& display = mSource.Displays()[i];
-        const std::string firmware = Ready(display) ? display.display->FirmwareVersionText() : "(not answering)";
+        const std::string firmware =
+            Ready(display) ? display.display->FirmwareVersionText() : "(not answering)";
         json entry = {{"index", i},
                       {"model", display.model},
                       {"serial", display.serial},
@@ -353,7 +355,8 @@ int CTool::Caps(const std::string& displayName_I, bool json_I) {
         if (std::optional<ESetting> setting = SettingOfCode(*found->display, static_cast<uint8_t>(code))) {
             entry["setting"] = SettingName(*setting);
         }
-        entry["access"] = option->Info().WriteOnly() ? "write" : (option->Info().Writable() ? "read-write" : "read");
+        entry["access"] =
+            option->Info().WriteOnly() ? "write" : (option->Info().Writable() ? "read-write" : "read");
         json named = json::array();
         for (const SNamedValue& value : OptionValuesOf(*option)) {
             named.push_back({{"value", value.value}, {"text", value.name}});
@@ -440,9 +443,11 @@ std::string CTool::Refusal(UiDisplayDelegate& display_I, const STarget& target_I
             std::string choices;
             for (const SEntry& entry : state.entries) {
                 const std::string name = ChoiceName(entry.stringId);
-                choices += (choices.empty() ? "" : ", ") + std::to_string(entry.value) + (name.empty() ? "" : " " + name);
+                choices += (choices.empty() ? "" : ", ") + std::to_string(entry.value) +
+                           (name.empty() ? "" : " " + name);
             }
-            return offered ? std::string() : where + ": not one of the values this display offers (" + choices + ")";
+            return offered ? std::string()
+                           : where + ": not one of the values this display offers (" + choices + ")";
         }
         if (value_I < state.range.minimum || value_I > state.range.maximum) {
             return where + ": outside " + std::to_string(state.range.minimum) + " to " +
@@ -495,8 +500,8 @@ int CTool::Set(const std::string& displayName_I, const std::vector<std::string>&
                     names += (names.empty() ? "" : ", ") + named.name;
                 }
             }
-            mErr << assignment << ": the value is not a number" << (names.empty() ? "" : " or one of " + names)
-                 << "\n";
+            mErr << assignment << ": the value is not a number"
+                 << (names.empty() ? "" : " or one of " + names) << "\n";
             return CliExit::kBadUsage;
         }
         const std::string refusal = Refusal(display, *target, *value);
@@ -640,7 +645,8 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
         const std::optional<int32_t> given =
             value.is_string() ? ValueByText(display, target, value.get<std::string>()) : value.get<int32_t>();
         if (!given) {
-            mErr << name << ": skipped (\"" << value.get<std::string>() << "\" is not one of its choices here)\n";
+            mErr << name << ": skipped (\"" << value.get<std::string>()
+                 << "\" is not one of its choices here)\n";
             result = CliExit::kBadUsage;
             continue;
         }
@@ -667,7 +673,8 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
             result = CliExit::kCommunicationFailure;
             continue;
         }
-        mOut << name << ": " << Shown(display, target, state.value) << " -> " << Shown(display, target, wanted) << "\n";
+        mOut << name << ": " << Shown(display, target, state.value) << " -> "
+             << Shown(display, target, wanted) << "\n";
     }
     return result;
 }
@@ -677,7 +684,8 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
                        std::ostream& err_O, const std::string& changesFile_I) {
     CTool tool(source_I, out_O, err_O, changesFile_I);
-    CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays", "velor-display"};
+    CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays",
+                 "velor-display"};
     app.require_subcommand(1);
     app.fallthrough();  // --json and --demo may follow the command
     bool json = false;
@@ -692,21 +700,26 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     std::string file;
     int result = CliExit::kDone;
 
-    CLI::App* list = app.add_subcommand("list", "Every display found: index, model, serial number, route, firmware");
+    CLI::App* list =
+        app.add_subcommand("list", "Every display found: index, model, serial number, route, firmware");
     list->callback([&] { result = tool.List(json); });
 
-    CLI::App* caps = app.add_subcommand("caps", "The display's VCP codes and their values, from its capabilities");
+    CLI::App* caps =
+        app.add_subcommand("caps", "The display's VCP codes and their values, from its capabilities");
     caps->add_option("display", display, "Index or serial number (see list)")->required();
     caps->callback([&] { result = tool.Caps(display, json); });
 
-    CLI::App* get = app.add_subcommand("get", "Reads settings (names such as brightness, or VCP codes in hex)");
+    CLI::App* get =
+        app.add_subcommand("get", "Reads settings (names such as brightness, or VCP codes in hex)");
     get->add_option("display", display, "Index or serial number")->required();
     get->add_option("settings", names, "Settings to read")->required();
     get->callback([&] { result = tool.Get(display, names, json); });
 
-    CLI::App* set = app.add_subcommand("set", "Changes settings: SETTING=VALUE ...; checks every value first");
+    CLI::App* set =
+        app.add_subcommand("set", "Changes settings: SETTING=VALUE ...; checks every value first");
     set->add_option("display", display, "Index or serial number")->required();
-    set->add_option("assignments", names, "SETTING=VALUE, the value a number or a choice (6500k, adobe-rgb, on)")
+    set->add_option("assignments", names,
+                    "SETTING=VALUE, the value a number or a choice (6500k, adobe-rgb, on)")
         ->required();
     set->add_flag("--save", save, "Then make the display keep its settings");
     set->callback([&] { result = tool.Set(display, names, save); });
@@ -722,17 +735,21 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
 
     CLI::App* reset = app.add_subcommand("reset", "Factory reset (needs --yes) or colour reset");
     reset->add_option("display", display, "Index or serial number")->required();
-    reset->add_option("what", what, "factory or colour")->required()->check(CLI::IsMember({"factory", "colour", "color"}));
+    reset->add_option("what", what, "factory or colour")
+        ->required()
+        ->check(CLI::IsMember({"factory", "colour", "color"}));
     reset->add_flag("--yes", yes, "Confirms a factory reset");
     reset->callback([&] { result = tool.Reset(display, what, yes); });
 
-    CLI::App* profile = app.add_subcommand("profile", "Keeps the user-level settings in a JSON file and puts them back");
+    CLI::App* profile =
+        app.add_subcommand("profile", "Keeps the user-level settings in a JSON file and puts them back");
     profile->require_subcommand(1);
     CLI::App* profileSave = profile->add_subcommand("save", "Writes the display's settings to FILE");
     profileSave->add_option("display", display, "Index or serial number")->required();
     profileSave->add_option("file", file, "The profile")->required();
     profileSave->callback([&] { result = tool.ProfileSave(display, file); });
-    CLI::App* profileApply = profile->add_subcommand("apply", "Writes what differs from FILE, verifies, reports");
+    CLI::App* profileApply =
+        profile->add_subcommand("apply", "Writes what differs from FILE, verifies, reports");
     profileApply->add_option("display", display, "Index or serial number")->required();
     profileApply->add_option("file", file, "The profile")->required();
     profileApply->callback([&] { result = tool.ProfileApply(display, file); });
@@ -752,5 +769,6 @@ std::string DefaultChangesFile(bool demo_I) {
     if (state.empty()) {
         return {};
     }
-    return (std::filesystem::path(state).parent_path() / (demo_I ? "demo-changes.json" : "changes.json")).string();
+    return (std::filesystem::path(state).parent_path() / (demo_I ? "demo-changes.json" : "changes.json"))
+        .string();
 }

@@ -154,7 +154,8 @@ std::optional<uint8_t> ParseVcpCode(const std::string& text_I) {
         digits = digits.substr(2);
     }
     if (digits.empty() || digits.size() > 2 ||
-        !std::all_of(digits.begin(), digits.end(), [](unsigned char c_I) { return std::isxdigit(c_I) != 0; })) {
+        !std::all_of(digits.begin(), digits.end(),
+                     [](unsigned char c_I) { return std::isxdigit(c_I) != 0; })) {
         return std::nullopt;
     }
     return static_cast<uint8_t>(std::stoul(digits, nullptr, 16));

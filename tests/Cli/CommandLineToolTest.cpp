@@ -126,7 +126,9 @@ TEST(CommandLineTool, ChoicesGoByTheDialogsLabelsOnEveryFamily) {
     // A wrong name says which names there are.
     run = bench.Run({"set", "0", "colour-space=p3"});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
-    EXPECT_EQ(run.err, "colour-space=p3: the value is not a number or one of native, adobe-rgb, srgb, rec-709, dci-p3\n");
+    EXPECT_EQ(
+        run.err,
+        "colour-space=p3: the value is not a number or one of native, adobe-rgb, srgb, rec-709, dci-p3\n");
 
     // Hand-written profiles may name choices.
     const std::string file = TempFile("vlr-named-profile-test.json");
@@ -172,8 +174,9 @@ TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
 
     run = bench.Run({"set", "0", "colour-space=42"});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
-    EXPECT_EQ(run.err, "colour-space=42: not one of the values this display offers (7 native, 1 adobe-rgb, 0 srgb, "
-                       "3 rec-709, 4 dci-p3); nothing was written\n");
+    EXPECT_EQ(run.err,
+              "colour-space=42: not one of the values this display offers (7 native, 1 adobe-rgb, 0 srgb, "
+              "3 rec-709, 4 dci-p3); nothing was written\n");
     EXPECT_EQ(bench.Run({"set", "0", "fan=1"}).code, CliExit::kBadUsage);  // no fan setting here
     EXPECT_EQ(bench.Run({"set", "0", "brightness"}).code, CliExit::kBadUsage);
     EXPECT_EQ(bench.Run({"get", "0", "0x99"}).code, CliExit::kBadUsage);
@@ -239,7 +242,8 @@ TEST(CommandLineTool, TheDemoKeepsItsDisplaysValuesBetweenRuns) {
     std::ostringstream err;
     {
         CDemoDisplays displays(state);
-        ASSERT_EQ(RunCommandLineTool({"set", "2", "contrast=33"}, displays, out, err), CliExit::kDone) << err.str();
+        ASSERT_EQ(RunCommandLineTool({"set", "2", "contrast=33"}, displays, out, err), CliExit::kDone)
+            << err.str();
     }
     {
         CDemoDisplays displays(state);
