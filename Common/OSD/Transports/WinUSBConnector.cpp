@@ -19,8 +19,10 @@ constexpr double kEdidWaitSeconds = 0.7;
 constexpr unsigned kEdidSize = 256;
 constexpr size_t kMaxChunkData = 32;
 constexpr size_t kMaxCapabilities = 0x8000;
-// A line that never stops sending is not a display answering one request.
-constexpr size_t kMaxReplySize = 0x10000;
+// The longest answer a display gives is its EDID (256 bytes here, 512 with extensions, and a
+// header); a line that sends more than this without a pause is not a display answering one request (a wrong
+// baud rate, a crossed line), and reading on would keep every request waiting as long as it sends.
+constexpr size_t kMaxReplySize = 1024;
 
 }  // namespace
 
@@ -75,7 +77,13 @@ ByteBuffer CWinUSBConnector::SendRequest(const ByteBuffer& toSend_I, double dela
     // The expected size is only a hint: everything the display sent is taken.
     ByteBuffer reply;
     reply.reserve(std::max<size_t>(expectedSize_I, kReadBlockSize));
-    while (reply.size() < kMaxReplySize) {
+    for (;;) {
+        if (reply.size() >= kMaxReplySize) {
+            DLog("CWinUSBConnector::SendRequest - the line does not stop sending; %u bytes dropped\n",
+                 static_cast<unsigned>(reply.size()));
+            mPort->Purge();
+            return {};
+        }
         ByteBuffer block;
         if (!mPort->Read(kReadBlockSize, block)) {
             DLog("ReadFile failed (%d)\n", static_cast<int>(mPort->LastError()));

@@ -118,3 +118,47 @@ TEST(WinUSBConnector, ADisplayObjectRunsOverTheSerialLogic) {
     EXPECT_EQ(bench.display->Value(vcpC_ColorOffsetRed), cpc_6500K);
     EXPECT_TRUE(log.Asserts().empty());
 }
+
+TEST(WinUSBConnector, ALineThatNeverStopsSendingEndsEachExchange) {
+    // Bytes without pause, as from a port at the wrong baud rate.
+    class CBabblingPort : public ISerialPort {
+    public:
+        bool Open(const std::string&) override { return mOpen = true; }
+        void Close() override { mOpen = false; }
+        bool IsOpen() const override { return mOpen; }
+        void ClearErrors() override {}
+        bool Purge() override { return true; }
+        bool Write(const ByteBuffer& bytes_I, size_t& written_O) override {
+            written_O = bytes_I.size();
+            return true;
+        }
+        bool Read(size_t maxBytes_I, ByteBuffer& data_O) override {
+            ++reads;
+            data_O.assign(maxBytes_I, 0x6E);
+            return true;
+        }
+        uint32_t LastError() const override { return 0; }
+        unsigned reads = 0;
+
+    private:
+        bool mOpen = false;
+    };
+    CVirtualClock clock;
+    CScopedClock scoped{clock};
+    auto port = std::make_unique<CBabblingPort>();
+    CBabblingPort* babbling = port.get();
+    CWinUSBConnector connector(std::move(port));
+    ASSERT_TRUE(connector.Open("COM7"));
+    CLogCapture log;
+
+    EXPECT_TRUE(connector.SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0).empty());
+    EXPECT_EQ(babbling->reads, 4u);  // 1024 bytes, then the exchange is given up
+    EXPECT_TRUE(
+        log.Contains("CWinUSBConnector::SendRequest - the line does not stop sending; 1024 bytes dropped\n"));
+
+    // The capabilities read ends at its first exchange instead of filling 32 KB from noise.
+    clock.ClearPauses();
+    EXPECT_EQ(connector.CapabilitiesString(), "");
+    EXPECT_EQ(clock.PausesMs(), (std::vector<long long>{200, 100}));
+    EXPECT_EQ(babbling->reads, 8u);
+}
