@@ -160,7 +160,10 @@ private:
     std::optional<STarget> Target(UiDisplayDelegate& display_I, const std::string& name_I);
     // Checks the value against what the display offers; the message when it does not.
     std::string Refusal(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I);
-    bool Write(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I);
+    // Writes, then reads back what the display has: a set can look successful below while its
+    // report never reached the display (the HID route acknowledges every set it sends).
+    // "" when the display took the value, else what went wrong.
+    std::string WriteVerified(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I);
     json ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, bool& ok_O);
     int Failed(UiDisplayDelegate& display_I, const std::string& what_I);
     // The unsaved changes this tool made, kept between runs so that revert can undo them:
@@ -466,11 +469,39 @@ std::string CTool::Refusal(UiDisplayDelegate& display_I, const STarget& target_I
     return {};
 }
 
-bool CTool::Write(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I) {
-    if (target_I.setting) {
-        return display_I.SetSetting(*target_I.setting, value_I);
+std::string CTool::WriteVerified(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I) {
+    display_I.ClearLastFailure();
+    const auto failed = [&] {
+        const std::string detail = display_I.LastFailure();
+        return target_I.text + ": the display did not answer as expected" +
+               (detail.empty() ? "" : " (" + detail + ")");
+    };
+    const auto notTaken = [&](int32_t has_I) {
+        return target_I.text + ": the display did not take " + std::to_string(value_I) + " (it has " +
+               std::to_string(has_I) + ")";
+    };
+    if (!target_I.setting) {
+        if (display_I.SetVCPValueVerify(target_I.code, value_I, 1)) {
+            return {};
+        }
+        const SVCPValue now = display_I.GetVCPValue(target_I.code, false);
+        return now.valid ? notTaken(now.value) : failed();
     }
-    return display_I.SetVCPValueVerify(target_I.code, value_I, 1);
+    if (!display_I.SetSetting(*target_I.setting, value_I)) {
+        return failed();
+    }
+    VCPOptionPtr option = display_I.Option(target_I.code);
+    if (option && option->Info().WriteOnly()) {
+        return {};  // an action: nothing to read back
+    }
+    if (!display_I.GetVCPValue(target_I.code, true).valid) {
+        return failed();
+    }
+    const SSettingState after = display_I.GetSetting(*target_I.setting);
+    if (!after.valid) {
+        return failed();
+    }
+    return after.value == value_I ? std::string() : notTaken(after.value);
 }
 
 int CTool::Set(const std::string& displayName_I, const std::vector<std::string>& assignments_I, bool save_I) {
@@ -513,8 +544,9 @@ int CTool::Set(const std::string& displayName_I, const std::vector<std::string>&
     }
     for (const auto& [target, value] : writes) {
         Remember(*found, target.code);
-        if (!Write(display, target, value)) {
-            return Failed(display, target.text);
+        if (const std::string problem = WriteVerified(display, target, value); !problem.empty()) {
+            mErr << problem << "\n";
+            return CliExit::kCommunicationFailure;
         }
     }
     if (save_I) {
@@ -661,15 +693,8 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
             continue;
         }
         Remember(*found, target.code);
-        bool ok = Write(display, target, wanted);
-        if (ok) {
-            display.GetVCPValue(target.code, true);  // verified by reading it back
-            const SSettingState after = display.GetSetting(*setting);
-            ok = after.valid && after.value == wanted;
-        }
-        if (!ok) {
-            mErr << name << ": the display did not take " << wanted
-                 << (display.LastFailure().empty() ? "" : " (" + display.LastFailure() + ")") << "\n";
+        if (const std::string problem = WriteVerified(display, target, wanted); !problem.empty()) {
+            mErr << problem << "\n";
             result = CliExit::kCommunicationFailure;
             continue;
         }

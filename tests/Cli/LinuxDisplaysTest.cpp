@@ -3,19 +3,24 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <linux/hidraw.h>
 #include <linux/i2c-dev.h>
 #include <linux/i2c.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <cstdlib>
 #include <map>
+#include <set>
 #include <sstream>
 #include <thread>
 
-#include "CVirtualHidDevice.h"
 #include "CPtyDisplayServer.h"
+#include "CVirtualHidDevice.h"
 #include "CVirtualI2CBus.h"
 #include "CommandLineTool.h"
 #include "DrmConnectors.h"
@@ -35,6 +40,8 @@ public:
     std::map<std::string, std::shared_ptr<CVirtualI2CBus>> devices;
     // hidraw nodes; a null device opens but refuses every feature report (a pen interface).
     std::map<std::string, std::shared_ptr<CVirtualHidDevice>> hidraw;
+    // Nodes whose device has been unplugged: what is open of them stops working.
+    std::set<std::string> unplugged;
     unsigned transfers = 0;
 
     std::vector<std::string> List(const std::string& folder_I) override {
@@ -52,6 +59,7 @@ public:
     int Open(const std::string& path_I, int) override {
         if (auto hid = hidraw.find(path_I); hid != hidraw.end()) {
             mOpenHid[mNext] = hid->second;
+            mPaths[mNext] = path_I;
             return mNext++;
         }
         auto it = devices.find(path_I);
@@ -66,6 +74,10 @@ public:
         return mOpen.erase(descriptor_I) + mOpenHid.erase(descriptor_I) == 1 ? 0 : -1;
     }
     int Ioctl(int descriptor_I, unsigned long request_I, void* argument_I) override {
+        if (unplugged.count(mPaths[descriptor_I]) != 0) {
+            errno = ENODEV;  // what an open node of a device that has gone reports
+            return -1;
+        }
         if (auto hid = mOpenHid.find(descriptor_I); hid != mOpenHid.end()) {
             return FeatureReport(hid->second, request_I, static_cast<uint8_t*>(argument_I));
         }
@@ -84,8 +96,8 @@ public:
                 acknowledged = it->second->Read(static_cast<uint8_t>(message.addr), message.len, bytes);
                 std::copy(bytes.begin(), bytes.end(), message.buf);
             } else {
-                acknowledged =
-                    it->second->Write(static_cast<uint8_t>(message.addr), ByteBuffer(message.buf, message.buf + message.len));
+                acknowledged = it->second->Write(static_cast<uint8_t>(message.addr),
+                                                 ByteBuffer(message.buf, message.buf + message.len));
             }
             if (!acknowledged) {
                 errno = ENXIO;  // what i2c-dev reports for a NACK
@@ -122,6 +134,7 @@ private:
     }
 
     std::map<int, std::shared_ptr<CVirtualHidDevice>> mOpenHid;
+    std::map<int, std::string> mPaths;
     std::map<int, std::shared_ptr<CVirtualI2CBus>> mOpen;
     int mNext = 10;
 };
@@ -142,13 +155,15 @@ struct SLinuxBench {
         std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset("canvas-22-pro"));
 
     SLinuxBench() {
-        system.folders[kDrm] = {"card0", "card0-DP-1", "card0-HDMI-A-1", "card0-DP-2", "card0-DP-3", "card0-eDP-1",
-                                "version"};
+        system.folders[kDrm] = {"card0",      "card0-DP-1",  "card0-HDMI-A-1", "card0-DP-2",
+                                "card0-DP-3", "card0-eDP-1", "version"};
         Connector("card0-DP-1", canvas->Edid(), "../../i2c-5");
         system.devices["/dev/i2c-5"] = std::make_shared<CVirtualI2CBus>(canvas);
-        Connector("card0-HDMI-A-1", TestData::ReadBytes("edid/ed_dell-up2715k-dp_DEL_40B6.bin"), "../../i2c-6");
+        Connector("card0-HDMI-A-1", TestData::ReadBytes("edid/ed_dell-up2715k-dp_DEL_40B6.bin"),
+                  "../../i2c-6");
         // Truncated EDID; a Velor display whose device node has gone; nothing connected.
-        Connector("card0-DP-2", ByteBuffer(canvas->Edid().begin(), canvas->Edid().begin() + 100), "../../i2c-7");
+        Connector("card0-DP-2", ByteBuffer(canvas->Edid().begin(), canvas->Edid().begin() + 100),
+                  "../../i2c-7");
         Connector("card0-DP-3", canvas->Edid(), "../../i2c-9");
         system.files[std::string(kDrm) + "/card0-eDP-1/edid"] = {};
     }
@@ -200,7 +215,8 @@ TEST(LinuxDisplays, TheToolReachesTheMakersDisplayOverI2cDev) {
 
     // The display stops answering on the bus: a communication failure, not a hang.
     bench.system.devices["/dev/i2c-5"]->NackNextReads(100);
-    EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err), CliExit::kCommunicationFailure);
+    EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err),
+              CliExit::kCommunicationFailure);
 }
 
 TEST(LinuxDisplays, TwoDisplaysOneOnI2cAndOneOnHidraw) {
@@ -212,8 +228,10 @@ TEST(LinuxDisplays, TwoDisplaysOneOnI2cAndOneOnHidraw) {
     // A keyboard, the display's pen interface and its control interface.
     const std::string hidraw = "/sys/class/hidraw";
     bench.system.folders[hidraw] = {"hidraw0", "hidraw1", "hidraw2"};
-    bench.system.files[hidraw + "/hidraw0/device/uevent"] = TextBytes("DRIVER=hid-generic\nHID_ID=0003:0000046D:0000C31C\n");
-    bench.system.files[hidraw + "/hidraw1/device/uevent"] = TextBytes("HID_ID=0003:00002F4A:000003A6\nHID_NAME=pen\n");
+    bench.system.files[hidraw + "/hidraw0/device/uevent"] =
+        TextBytes("DRIVER=hid-generic\nHID_ID=0003:0000046D:0000C31C\n");
+    bench.system.files[hidraw + "/hidraw1/device/uevent"] =
+        TextBytes("HID_ID=0003:00002F4A:000003A6\nHID_NAME=pen\n");
     bench.system.files[hidraw + "/hidraw2/device/uevent"] = TextBytes("HID_ID=0003:00002F4A:000003A6\n");
     bench.system.hidraw["/dev/hidraw1"] = nullptr;
     bench.system.hidraw["/dev/hidraw2"] = std::make_shared<CVirtualHidDevice>(studio);
@@ -226,8 +244,29 @@ TEST(LinuxDisplays, TwoDisplaysOneOnI2cAndOneOnHidraw) {
               "0  Canvas 22 Pro  serial VC1060A40892  via /dev/i2c-5  firmware 3.1.2\n"
               "1  Studio 24  serial VC1070A40934  via /dev/hidraw2  firmware 6.0.1\n");
     studio->ClearTransactions();
-    ASSERT_EQ(RunCommandLineTool({"set", "1", "brightness=33"}, displays, out, err), CliExit::kDone) << err.str();
+    ASSERT_EQ(RunCommandLineTool({"set", "1", "brightness=33"}, displays, out, err), CliExit::kDone)
+        << err.str();
     EXPECT_EQ(studio->Value(0x6B), 33);
+
+    // A feature report that does not reach the display is still acknowledged on the HID route;
+    // reading back shows the value was not taken.
+    bench.system.hidraw["/dev/hidraw2"]->FailSetFeature(1);
+    err.str("");
+    EXPECT_EQ(RunCommandLineTool({"set", "1", "brightness=50"}, displays, out, err),
+              CliExit::kCommunicationFailure);
+    EXPECT_EQ(err.str(), "brightness: the display did not take 50 (it has 33)\n");
+
+    // The display is unplugged while the tool holds its node: a communication failure, the
+    // other display still answers.
+    bench.system.unplugged.insert("/dev/hidraw2");
+    err.str("");
+    EXPECT_EQ(RunCommandLineTool({"set", "1", "brightness=50"}, displays, out, err),
+              CliExit::kCommunicationFailure);
+    EXPECT_NE(err.str().find("brightness: the display did not answer as expected"), std::string::npos)
+        << err.str();
+    EXPECT_EQ(studio->Value(0x6B), 33);
+    EXPECT_EQ(RunCommandLineTool({"set", "0", "contrast=45"}, displays, out, err), CliExit::kDone)
+        << err.str();
 }
 
 TEST(LinuxDisplays, ASerialModelIsReachedOverItsUsbSerialPort) {
@@ -250,9 +289,49 @@ TEST(LinuxDisplays, ASerialModelIsReachedOverItsUsbSerialPort) {
     CLinuxDisplays displays(system);
     std::ostringstream out;
     std::ostringstream err;
-    EXPECT_EQ(RunCommandLineTool({"set", "0", "contrast=27"}, displays, out, err), CliExit::kDone) << err.str();
+    EXPECT_EQ(RunCommandLineTool({"set", "0", "contrast=27"}, displays, out, err), CliExit::kDone)
+        << err.str();
     EXPECT_EQ(canvas->Value(0x12), 27);
     EXPECT_EQ(displays.Displays().at(0).route, server.TerminalPath());
     stop = true;
     serving.join();
+}
+
+TEST(LinuxDisplays, ASerialLineThatNeverStopsSendingFailsInsteadOfHanging) {
+    // The far end of a pseudo-terminal sends bytes without pause, as a port with a wrong baud
+    // rate or a crossed line does.
+    const int controller = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    ASSERT_GE(controller, 0);
+    ASSERT_EQ(grantpt(controller), 0);
+    ASSERT_EQ(unlockpt(controller), 0);
+    const std::string line = ptsname(controller);
+    std::atomic<bool> stop{false};
+    std::thread babbling([&] {
+        const ByteBuffer noise(64, 0x6E);
+        uint8_t drained[256];
+        while (!stop) {
+            (void)!write(controller, noise.data(), noise.size());
+            (void)!read(controller, drained, sizeof(drained));
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    });
+
+    CFakeLinuxSystem system;
+    const auto canvas = CVirtualDisplay(*FindVirtualDisplayPreset("canvas-12"));
+    system.folders[kDrm] = {"card0-DP-1"};
+    system.files[std::string(kDrm) + "/card0-DP-1/edid"] = canvas.Edid();
+    const std::string tty = "/sys/class/tty";
+    system.folders[tty] = {"ttyUSB0"};
+    system.files[tty + "/ttyUSB0/device/../uevent"] = TextBytes("PRODUCT=10c4/ea60/100\n");
+    system.nodes["ttyUSB0"] = line;
+
+    CLinuxDisplays displays(system);
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err),
+              CliExit::kCommunicationFailure);
+    EXPECT_NE(err.str().find("does not answer"), std::string::npos) << err.str();
+    stop = true;
+    babbling.join();
+    close(controller);
 }
