@@ -23,4 +23,7 @@ public:
     virtual ~IDisplaySource() = default;
     // Searches once (finding, not initialising); later calls return what the first found.
     virtual std::vector<SCliDisplay>& Displays() = 0;
+    // What the search could not get past and the user can fix ("/dev/i2c-5 does not open
+    // (Permission denied); ..."), one line each; valid after Displays().
+    virtual std::vector<std::string> Notes() const { return {}; }
 };

@@ -156,6 +156,12 @@ private:
     // The display by index ("0") or serial number, initialised; null (and the message, and
     // exitCode_O) when there is none or it does not answer.
     SCliDisplay* Find(const std::string& display_I, int& exitCode_O);
+    // What kept the search from displays, on standard error so that scripts' output stays clean.
+    void PrintNotes() {
+        for (const std::string& note : mSource.Notes()) {
+            mErr << note << "\n";
+        }
+    }
     bool Ready(SCliDisplay& display_I);
     std::optional<STarget> Target(UiDisplayDelegate& display_I, const std::string& name_I);
     // Checks the value against what the display offers; the message when it does not.
@@ -246,6 +252,7 @@ SCliDisplay* CTool::Find(const std::string& display_I, int& exitCode_O) {
         }
     }
     mErr << "no display " << display_I << " (" << displays.size() << " found; see list)\n";
+    PrintNotes();
     exitCode_O = CliExit::kNoSuchDisplay;
     return nullptr;
 }
@@ -335,6 +342,7 @@ int CTool::List(bool json_I) {
                  << "  firmware " << firmware << "\n";
         }
     }
+    PrintNotes();
     if (json_I) {
         mOut << all.dump(2) << "\n";
     } else if (all.empty()) {

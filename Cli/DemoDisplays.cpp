@@ -78,8 +78,8 @@ std::vector<SCliDisplay>& CDemoDisplays::Displays() {
         auto connector = std::make_shared<CVirtualDisplayConnector>(entry.display, entry.connectorType);
         connector->Open(0);
         auto display = std::make_shared<UiDisplayDelegate>(connector, entry.display->Model().edidProductCode);
-        mDisplays.push_back({entry.display->Model().monitorName, entry.display->Model().serialText, entry.route,
-                             display});
+        mDisplays.push_back(
+            {entry.display->Model().monitorName, entry.display->Model().serialText, entry.route, display});
     }
     return mDisplays;
 }
@@ -107,8 +107,9 @@ void CDemoDisplays::Load() {
         std::map<uint8_t, uint16_t> current;
         for (const auto& [code, values] : it->items()) {
             const unsigned long number = std::strtoul(code.c_str(), nullptr, 16);
-            if (number > 0xFF || !values.is_array() || values.size() != 2 || !values[0].is_number_unsigned() ||
-                !values[1].is_number_unsigned() || values[0] > 0xFFFF || values[1] > 0xFFFF) {
+            if (number > 0xFF || !values.is_array() || values.size() != 2 ||
+                !values[0].is_number_unsigned() || !values[1].is_number_unsigned() || values[0] > 0xFFFF ||
+                values[1] > 0xFFFF) {
                 continue;
             }
             current[static_cast<uint8_t>(number)] = values[0].template get<uint16_t>();

@@ -1,5 +1,8 @@
 #include "LinuxDisplays.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include "CEdidBuilder.h"
 #include "CHidrawConnector.h"
 #include "CI2cDevConnector.h"
@@ -13,6 +16,19 @@
 #include "WinUSBConnector.h"
 
 namespace {
+
+// A node that does not open, and what the user can do about it.
+std::string OpenNote(const std::string& node_I, int error_I) {
+    std::string note = node_I + " does not open (" + std::strerror(error_I) + ")";
+    if (error_I == EACCES || error_I == EPERM) {
+        note +=
+            "; Linux/udev/70-velor-display.rules and the i2c group give you the display's nodes (see the "
+            "README)";
+    } else if (error_I == ENOENT && node_I.rfind("/dev/i2c-", 0) == 0) {
+        note += "; is the i2c-dev module loaded? sudo modprobe i2c-dev";
+    }
+    return note;
+}
 
 struct SHidCandidate {
     std::string node;
@@ -38,7 +54,9 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
     std::vector<SHidCandidate> hid;
     for (const SHidrawDevice& device : FindHidrawDevices(mSystem, kVelorUsbVendorId, mSysfsHidraw)) {
         auto connector = std::make_shared<CHidrawConnector>(mSystem);
-        if (connector->OpenHIDDevice(device.node) && connector->AnswersAsVcpDevice()) {
+        if (!connector->OpenHIDDevice(device.node)) {
+            mNotes.push_back(OpenNote(device.node, connector->OpenError()));
+        } else if (connector->AnswersAsVcpDevice()) {
             hid.push_back({device.node, connector});
         }
     }
@@ -63,8 +81,9 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
                 if (candidate.taken) {
                     continue;
                 }
-                const bool chosen = pass == 0 ? Discovery::SameSerialNumber(candidate.connector->SerialNumber(-1), serial)
-                                              : Discovery::HidServesByModel(productCode);
+                const bool chosen =
+                    pass == 0 ? Discovery::SameSerialNumber(candidate.connector->SerialNumber(-1), serial)
+                              : Discovery::HidServesByModel(productCode);
                 if (chosen) {
                     candidate.taken = true;
                     connector = candidate.connector;
@@ -78,8 +97,12 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
         if (!connector && Discovery::ExpectedLegacyConnectorType(productCode) == eConnectorSerial) {
             for (SSerialCandidate& port : serialPorts) {
                 if (!port.connector) {
-                    port.connector = std::make_shared<CWinUSBConnector>(std::make_unique<CPosixSerialPort>());
-                    port.connector->Open(port.node);
+                    auto posix = std::make_unique<CPosixSerialPort>();
+                    CPosixSerialPort* line = posix.get();
+                    port.connector = std::make_shared<CWinUSBConnector>(std::move(posix));
+                    if (!port.connector->Open(port.node)) {
+                        mNotes.push_back(OpenNote(port.node, static_cast<int>(line->LastError())));
+                    }
                 }
             }
             for (int pass = 0; pass < 2 && !connector; ++pass) {
@@ -101,6 +124,8 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
             if (i2c->Open(std::stoi(drm.i2cDevice.substr(drm.i2cDevice.rfind('-') + 1)))) {
                 connector = i2c;
                 route = drm.i2cDevice;
+            } else {
+                mNotes.push_back(drm.name + ": " + OpenNote(drm.i2cDevice, i2c->OpenError()));
             }
         }
         if (!connector) {

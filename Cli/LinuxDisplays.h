@@ -10,13 +10,15 @@
 class CLinuxDisplays : public IDisplaySource {
 public:
     explicit CLinuxDisplays(ILinuxSystem& system_I, std::string sysfsDrm_I = "/sys/class/drm",
-                            std::string sysfsHidraw_I = "/sys/class/hidraw", std::string sysfsTty_I = "/sys/class/tty")
+                            std::string sysfsHidraw_I = "/sys/class/hidraw",
+                            std::string sysfsTty_I = "/sys/class/tty")
         : mSystem(system_I),
           mSysfsDrm(std::move(sysfsDrm_I)),
           mSysfsHidraw(std::move(sysfsHidraw_I)),
           mSysfsTty(std::move(sysfsTty_I)) {}
 
     std::vector<SCliDisplay>& Displays() override;
+    std::vector<std::string> Notes() const override { return mNotes; }
 
 private:
     ILinuxSystem& mSystem;
@@ -25,4 +27,5 @@ private:
     std::string mSysfsTty;
     bool mSearched = false;
     std::vector<SCliDisplay> mDisplays;
+    std::vector<std::string> mNotes;
 };

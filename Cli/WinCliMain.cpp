@@ -23,7 +23,8 @@ int main(int argc, char** argv) {
     int result = 0;
     {
         CWinDisplays displays;
-        result = RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(demo != nullptr));
+        result =
+            RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(demo != nullptr));
     }
     return result;
 }

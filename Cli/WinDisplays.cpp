@@ -30,8 +30,8 @@ std::vector<SCliDisplay>& CWinDisplays::Displays() {
         }
         const std::wstring& name = info.supportedName.empty() ? info.monitorName : info.supportedName;
         // Discovery has initialised it.
-        mDisplays.push_back({Narrow(name), Narrow(info.serialNumber), RouteName(display->GetConnector()->GetType()),
-                             display, true});
+        mDisplays.push_back({Narrow(name), Narrow(info.serialNumber),
+                             RouteName(display->GetConnector()->GetType()), display, true});
     }
     return mDisplays;
 }

@@ -1,8 +1,8 @@
 #pragma once
 // The displays Windows discovery finds (the dialog's own search), for the command-line tool.
 
-#include "CliDisplays.h"
 #include "CWinDisplayConfigInterface.h"
+#include "CliDisplays.h"
 
 class CWinDisplays : public IDisplaySource {
 public:

@@ -16,6 +16,7 @@ CHidrawConnector::~CHidrawConnector() {
 bool CHidrawConnector::OpenHIDDevice(const std::string& devicePath_I) {
     CloseHIDDevice();
     mDescriptor = mSystem.Open(devicePath_I, O_RDWR);
+    mOpenError = mDescriptor < 0 ? errno : 0;
     if (mDescriptor < 0) {
         // Usually permissions: the udev rule gives the user the maker's hidraw nodes.
         DLog("CHidrawConnector: %s does not open: %s\n", devicePath_I.c_str(), std::strerror(errno));

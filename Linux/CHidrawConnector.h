@@ -20,8 +20,11 @@ public:
     // Whether this interface takes the VCP status report (the control interface does; pen and
     // touch interfaces of the same device do not).
     bool AnswersAsVcpDevice();
+    // The errno of the last OpenHIDDevice that failed, 0 after one that worked.
+    int OpenError() const { return mOpenError; }
 
 private:
     ILinuxSystem& mSystem;
     int mDescriptor = -1;
+    int mOpenError = 0;
 };

@@ -4,7 +4,9 @@
 
 bool CI2cDevConnector::Open(int32_t bus_I) {
     Close();
-    std::unique_ptr<CI2cDevMaster> master = CI2cDevMaster::Open(mSystem, "/dev/i2c-" + std::to_string(bus_I));
+    mOpenError = 0;
+    std::unique_ptr<CI2cDevMaster> master =
+        CI2cDevMaster::Open(mSystem, "/dev/i2c-" + std::to_string(bus_I), &mOpenError);
     if (!master) {
         return false;
     }

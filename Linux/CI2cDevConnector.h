@@ -16,7 +16,10 @@ public:
     using CDdcI2CConnector::Open;
     // The index of /dev/i2c-N.
     bool Open(int32_t bus_I) override;
+    // The errno of the last Open that failed, 0 after one that worked.
+    int OpenError() const { return mOpenError; }
 
 private:
     ILinuxSystem& mSystem;
+    int mOpenError = 0;
 };

@@ -9,13 +9,14 @@
 #include "LinuxSystem.h"
 
 struct SDrmConnector {
-    std::string name;        // "card0-DP-1"
-    ByteBuffer edid;         // whole 128-byte blocks
-    std::string i2cDevice;   // "/dev/i2c-5"; empty when the bus is not known
+    std::string name;       // "card0-DP-1"
+    ByteBuffer edid;        // whole 128-byte blocks
+    std::string i2cDevice;  // "/dev/i2c-5"; empty when the bus is not known
 };
 
 // Connectors with an EDID of at least one whole block; a truncated EDID is logged and skipped.
-std::vector<SDrmConnector> FindDrmConnectors(ILinuxSystem& system_I, const std::string& sysfsDrm_I = "/sys/class/drm");
+std::vector<SDrmConnector> FindDrmConnectors(ILinuxSystem& system_I,
+                                             const std::string& sysfsDrm_I = "/sys/class/drm");
 
 // The EDID's three-letter manufacturer id ("VLR"); empty for a buffer too short.
 std::string EdidManufacturer(const ByteBuffer& edid_I);

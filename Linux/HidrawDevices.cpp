@@ -19,8 +19,8 @@ std::vector<SHidrawDevice> FindHidrawDevices(ILinuxSystem& system_I, uint16_t ve
         unsigned vendor = 0;
         unsigned product = 0;
         if (at == std::string::npos ||
-            std::sscanf(text.c_str() + at, "HID_ID=%x:%x:%x", &bus, &vendor, &product) != 3 || vendor > 0xFFFF ||
-            product > 0xFFFF) {
+            std::sscanf(text.c_str() + at, "HID_ID=%x:%x:%x", &bus, &vendor, &product) != 3 ||
+            vendor > 0xFFFF || product > 0xFFFF) {
             continue;
         }
         if (vendor == vendorId_I) {

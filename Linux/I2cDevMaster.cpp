@@ -14,9 +14,13 @@ CI2cDevMaster::~CI2cDevMaster() {
     mSystem.Close(mDescriptor);
 }
 
-std::unique_ptr<CI2cDevMaster> CI2cDevMaster::Open(ILinuxSystem& system_I, const std::string& device_I) {
+std::unique_ptr<CI2cDevMaster> CI2cDevMaster::Open(ILinuxSystem& system_I, const std::string& device_I,
+                                                   int* error_O) {
     const int descriptor = system_I.Open(device_I, O_RDWR);
     if (descriptor < 0) {
+        if (error_O != nullptr) {
+            *error_O = errno;
+        }
         // Usually permissions: the i2c group, or the i2c-dev module not loaded.
         DLog("CI2cDevMaster: %s does not open: %s\n", device_I.c_str(), std::strerror(errno));
         return nullptr;

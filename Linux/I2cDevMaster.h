@@ -13,8 +13,9 @@ public:
     CI2cDevMaster(ILinuxSystem& system_I, int descriptor_I) : mSystem(system_I), mDescriptor(descriptor_I) {}
     ~CI2cDevMaster() override;
 
-    // Opens the device node; null (and the reason logged) when it cannot be opened.
-    static std::unique_ptr<CI2cDevMaster> Open(ILinuxSystem& system_I, const std::string& device_I);
+    // Opens the device node; null (the reason logged, its errno in error_O) when it cannot be opened.
+    static std::unique_ptr<CI2cDevMaster> Open(ILinuxSystem& system_I, const std::string& device_I,
+                                               int* error_O = nullptr);
 
     bool Write(uint8_t address7_I, const ByteBuffer& bytes_I) override;
     bool Read(uint8_t address7_I, size_t count_I, ByteBuffer& bytes_O) override;

@@ -40,7 +40,9 @@ public:
         const ssize_t length = readlink(path_I.c_str(), target, sizeof(target) - 1);
         return length > 0 ? std::string(target, static_cast<size_t>(length)) : std::string();
     }
-    int Open(const std::string& path_I, int flags_I) override { return open(path_I.c_str(), flags_I | O_CLOEXEC); }
+    int Open(const std::string& path_I, int flags_I) override {
+        return open(path_I.c_str(), flags_I | O_CLOEXEC);
+    }
     int Close(int descriptor_I) override { return close(descriptor_I); }
     int Ioctl(int descriptor_I, unsigned long request_I, void* argument_I) override {
         return ioctl(descriptor_I, request_I, argument_I);

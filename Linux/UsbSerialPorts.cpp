@@ -9,7 +9,8 @@ namespace {
 
 // "PRODUCT=10c4/ea60/100" from the interface's uevent (the port's own for ttyACM, its
 // parent's for ttyUSB).
-bool ReadUsbIds(ILinuxSystem& system_I, const std::string& device_I, unsigned& vendor_O, unsigned& product_O) {
+bool ReadUsbIds(ILinuxSystem& system_I, const std::string& device_I, unsigned& vendor_O,
+                unsigned& product_O) {
     for (const char* uevent : {"/uevent", "/../uevent"}) {
         const std::optional<ByteBuffer> bytes = system_I.Read(device_I + uevent);
         if (!bytes) {
@@ -17,7 +18,8 @@ bool ReadUsbIds(ILinuxSystem& system_I, const std::string& device_I, unsigned& v
         }
         const std::string text(bytes->begin(), bytes->end());
         const size_t at = text.find("PRODUCT=");
-        if (at != std::string::npos && std::sscanf(text.c_str() + at, "PRODUCT=%x/%x", &vendor_O, &product_O) == 2) {
+        if (at != std::string::npos &&
+            std::sscanf(text.c_str() + at, "PRODUCT=%x/%x", &vendor_O, &product_O) == 2) {
             return true;
         }
     }
@@ -41,7 +43,8 @@ std::vector<SUsbSerialPort> FindUsbSerialPorts(ILinuxSystem& system_I, const std
         }
         char id[64];
         // FTDI's driver names its ports this way on Windows; the rules know both forms.
-        std::snprintf(id, sizeof(id), vendor == 0x0403 ? "FTDIBUS\\COMPORT&VID_%04X&PID_%04X" : "USB\\VID_%04X&PID_%04X",
+        std::snprintf(id, sizeof(id),
+                      vendor == 0x0403 ? "FTDIBUS\\COMPORT&VID_%04X&PID_%04X" : "USB\\VID_%04X&PID_%04X",
                       vendor, product);
         if (Discovery::ClassifyPortHardwareId(id) != Discovery::EPortKind::NotSupported) {
             found.push_back({system_I.DeviceNode(name), id});

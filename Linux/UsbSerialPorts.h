@@ -12,4 +12,5 @@ struct SUsbSerialPort {
     std::string hardwareId;  // in the Windows form the port rules classify ("USB\VID_10C4&PID_EA60")
 };
 
-std::vector<SUsbSerialPort> FindUsbSerialPorts(ILinuxSystem& system_I, const std::string& sysfsTty_I = "/sys/class/tty");
+std::vector<SUsbSerialPort> FindUsbSerialPorts(ILinuxSystem& system_I,
+                                               const std::string& sysfsTty_I = "/sys/class/tty");

@@ -42,6 +42,8 @@ public:
     std::map<std::string, std::shared_ptr<CVirtualHidDevice>> hidraw;
     // Nodes whose device has been unplugged: what is open of them stops working.
     std::set<std::string> unplugged;
+    // Nodes the user may not open.
+    std::set<std::string> denied;
     unsigned transfers = 0;
 
     std::vector<std::string> List(const std::string& folder_I) override {
@@ -57,6 +59,10 @@ public:
         return it != links.end() ? it->second : std::string();
     }
     int Open(const std::string& path_I, int) override {
+        if (denied.count(path_I) != 0) {
+            errno = EACCES;
+            return -1;
+        }
         if (auto hid = hidraw.find(path_I); hid != hidraw.end()) {
             mOpenHid[mNext] = hid->second;
             mPaths[mNext] = path_I;
@@ -203,6 +209,11 @@ TEST(LinuxDisplays, TheToolReachesTheMakersDisplayOverI2cDev) {
     ASSERT_EQ(RunCommandLineTool({"list"}, displays, out, err), CliExit::kDone);
     EXPECT_EQ(out.str(), "0  Canvas 22 Pro  serial VC1060A40892  via /dev/i2c-5  firmware 3.1.2\n");
     EXPECT_TRUE(log.Contains("CI2cDevMaster: /dev/i2c-9 does not open: No such file or directory\n"));
+    // The user hears what kept a display of the maker's out, on standard error.
+    EXPECT_EQ(
+        err.str(),
+        "card0-DP-3: /dev/i2c-9 does not open (No such file or directory); is the i2c-dev module loaded? "
+        "sudo modprobe i2c-dev\n");
 
     out.str("");
     ASSERT_EQ(RunCommandLineTool({"set", "0", "contrast=44", "--save"}, displays, out, err), CliExit::kDone)
@@ -217,6 +228,31 @@ TEST(LinuxDisplays, TheToolReachesTheMakersDisplayOverI2cDev) {
     bench.system.devices["/dev/i2c-5"]->NackNextReads(100);
     EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err),
               CliExit::kCommunicationFailure);
+}
+
+TEST(LinuxDisplays, NodesTheUserMayNotOpenAreNamedWithTheWayToGetThem) {
+    SLinuxBench bench;
+    bench.system.denied = {"/dev/i2c-5", "/dev/hidraw0"};
+    bench.system.folders["/sys/class/hidraw"] = {"hidraw0"};
+    bench.system.files["/sys/class/hidraw/hidraw0/device/uevent"] =
+        TextBytes("HID_ID=0003:00002F4A:000003A6\n");
+    CLinuxDisplays displays(bench.system);
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunCommandLineTool({"list"}, displays, out, err), CliExit::kDone);
+    EXPECT_EQ(out.str(), "no displays found\n");
+    const std::string help =
+        "; Linux/udev/70-velor-display.rules and the i2c group give you the display's nodes "
+        "(see the README)\n";
+    EXPECT_EQ(err.str(),
+              "/dev/hidraw0 does not open (Permission denied)" + help +
+                  "card0-DP-1: /dev/i2c-5 does not open (Permission denied)" + help +
+                  "card0-DP-3: /dev/i2c-9 does not open (No such file or directory); is the i2c-dev "
+                  "module loaded? sudo modprobe i2c-dev\n");
+    err.str("");
+    EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err), CliExit::kNoSuchDisplay);
+    EXPECT_EQ(err.str().find("no display 0 (0 found; see list)\n/dev/hidraw0 does not open"), 0u)
+        << err.str();
 }
 
 TEST(LinuxDisplays, TwoDisplaysOneOnI2cAndOneOnHidraw) {
