@@ -3,6 +3,7 @@
 #include "CVirtualSerialPort.h"
 #include "DdcPackets.h"
 #include "LogCapture.h"
+#include "ScriptedSerialPort.h"
 #include "TestData.h"
 #include "UiDisplayDelegate.h"
 #include "VirtualBench.h"
@@ -120,39 +121,18 @@ TEST(WinUSBConnector, ADisplayObjectRunsOverTheSerialLogic) {
 }
 
 TEST(WinUSBConnector, ALineThatNeverStopsSendingEndsEachExchange) {
-    // Bytes without pause, as from a port at the wrong baud rate.
-    class CBabblingPort : public ISerialPort {
-    public:
-        bool Open(const std::string&) override { return mOpen = true; }
-        void Close() override { mOpen = false; }
-        bool IsOpen() const override { return mOpen; }
-        void ClearErrors() override {}
-        bool Purge() override { return true; }
-        bool Write(const ByteBuffer& bytes_I, size_t& written_O) override {
-            written_O = bytes_I.size();
-            return true;
-        }
-        bool Read(size_t maxBytes_I, ByteBuffer& data_O) override {
-            ++reads;
-            data_O.assign(maxBytes_I, 0x6E);
-            return true;
-        }
-        uint32_t LastError() const override { return 0; }
-        unsigned reads = 0;
-
-    private:
-        bool mOpen = false;
-    };
     CVirtualClock clock;
     CScopedClock scoped{clock};
-    auto port = std::make_unique<CBabblingPort>();
-    CBabblingPort* babbling = port.get();
+    // Bytes without pause, as from a port at the wrong baud rate.
+    auto port =
+        std::make_unique<CScriptedSerialPort>([](size_t maxBytes_I) { return ByteBuffer(maxBytes_I, 0x6E); });
+    CScriptedSerialPort* babbling = port.get();
     CWinUSBConnector connector(std::move(port));
     ASSERT_TRUE(connector.Open("COM7"));
     CLogCapture log;
 
     EXPECT_TRUE(connector.SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0).empty());
-    EXPECT_EQ(babbling->reads, 4u);  // 1024 bytes, then the exchange is given up
+    EXPECT_EQ(babbling->Reads(), 4u);  // 1024 bytes, then the exchange is given up
     EXPECT_TRUE(
         log.Contains("CWinUSBConnector::SendRequest - the line does not stop sending; 1024 bytes dropped\n"));
 
@@ -160,5 +140,5 @@ TEST(WinUSBConnector, ALineThatNeverStopsSendingEndsEachExchange) {
     clock.ClearPauses();
     EXPECT_EQ(connector.CapabilitiesString(), "");
     EXPECT_EQ(clock.PausesMs(), (std::vector<long long>{200, 100}));
-    EXPECT_EQ(babbling->reads, 8u);
+    EXPECT_EQ(babbling->Reads(), 8u);
 }
