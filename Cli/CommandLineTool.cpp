@@ -143,19 +143,32 @@ public:
         : mSource(source_I), mOut(out_I), mErr(err_I), mChangesFile(std::move(changesFile_I)) {}
 
     int List(bool json_I);
-    int Caps(const std::string& display_I, bool json_I);
-    int Get(const std::string& display_I, const std::vector<std::string>& names_I, bool json_I);
-    int Set(const std::string& display_I, const std::vector<std::string>& assignments_I, bool save_I);
-    int Save(const std::string& display_I);
-    int Revert(const std::string& display_I);
-    int Reset(const std::string& display_I, const std::string& what_I, bool yes_I);
-    int ProfileSave(const std::string& display_I, const std::string& file_I);
-    int ProfileApply(const std::string& display_I, const std::string& file_I);
+    // The commands below run on a display found and answering (see OnDisplay).
+    int Caps(SCliDisplay& found_I, bool json_I);
+    int Get(SCliDisplay& found_I, const std::vector<std::string>& names_I, bool json_I);
+    int Set(SCliDisplay& found_I, const std::vector<std::string>& assignments_I, bool save_I);
+    int Save(SCliDisplay& found_I);
+    int Revert(SCliDisplay& found_I);
+    int Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I);
+    int ProfileSave(SCliDisplay& found_I, const std::string& file_I);
+    int ProfileApply(SCliDisplay& found_I, const std::string& file_I);
 
 private:
     // The display by index ("0") or serial number, initialised; null (and the message, and
     // exitCode_O) when there is none or it does not answer.
     SCliDisplay* Find(const std::string& display_I, int& exitCode_O);
+
+public:
+    // Runs a command on the display by index or serial number once it is found and answers;
+    // otherwise the exit code of why not.
+    template <typename Command>
+    int OnDisplay(const std::string& display_I, Command command_I) {
+        int exitCode = CliExit::kDone;
+        SCliDisplay* found = Find(display_I, exitCode);
+        return found == nullptr ? exitCode : command_I(*found);
+    }
+
+private:
     // What kept the search from displays, on standard error so that scripts' output stays clean.
     void PrintNotes() {
         for (const std::string& note : mSource.Notes()) {
@@ -351,19 +364,14 @@ int CTool::List(bool json_I) {
     return CliExit::kDone;
 }
 
-int CTool::Caps(const std::string& displayName_I, bool json_I) {
-    int exitCode = CliExit::kDone;
-    SCliDisplay* found = Find(displayName_I, exitCode);
-    if (found == nullptr) {
-        return exitCode;
-    }
+int CTool::Caps(SCliDisplay& found_I, bool json_I) {
     json codes = json::array();
-    for (const auto& [code, option] : found->display->Options()) {
+    for (const auto& [code, option] : found_I.display->Options()) {
         if (!option) {
             continue;
         }
-        json entry = {{"code", code}, {"name", CodeLabel(*found->display, static_cast<uint8_t>(code))}};
-        if (std::optional<ESetting> setting = SettingOfCode(*found->display, static_cast<uint8_t>(code))) {
+        json entry = {{"code", code}, {"name", CodeLabel(*found_I.display, static_cast<uint8_t>(code))}};
+        if (std::optional<ESetting> setting = SettingOfCode(*found_I.display, static_cast<uint8_t>(code))) {
             entry["setting"] = SettingName(*setting);
         }
         entry["access"] =
@@ -403,15 +411,10 @@ int CTool::Caps(const std::string& displayName_I, bool json_I) {
     return CliExit::kDone;
 }
 
-int CTool::Get(const std::string& displayName_I, const std::vector<std::string>& names_I, bool json_I) {
-    int exitCode = CliExit::kDone;
-    SCliDisplay* found = Find(displayName_I, exitCode);
-    if (found == nullptr) {
-        return exitCode;
-    }
+int CTool::Get(SCliDisplay& found_I, const std::vector<std::string>& names_I, bool json_I) {
     std::vector<STarget> targets;
     for (const std::string& name : names_I) {
-        std::optional<STarget> target = Target(*found->display, name);
+        std::optional<STarget> target = Target(*found_I.display, name);
         if (!target) {
             return CliExit::kBadUsage;
         }
@@ -421,9 +424,9 @@ int CTool::Get(const std::string& displayName_I, const std::vector<std::string>&
     int result = CliExit::kDone;
     for (const STarget& target : targets) {
         bool ok = false;
-        json value = ValueJson(*found->display, target, ok);
+        json value = ValueJson(*found_I.display, target, ok);
         if (!ok) {
-            result = Failed(*found->display, target.text);
+            result = Failed(*found_I.display, target.text);
             continue;
         }
         values.push_back(value);
@@ -512,13 +515,8 @@ std::string CTool::WriteVerified(UiDisplayDelegate& display_I, const STarget& ta
     return after.value == value_I ? std::string() : notTaken(after.value);
 }
 
-int CTool::Set(const std::string& displayName_I, const std::vector<std::string>& assignments_I, bool save_I) {
-    int exitCode = CliExit::kDone;
-    SCliDisplay* found = Find(displayName_I, exitCode);
-    if (found == nullptr) {
-        return exitCode;
-    }
-    UiDisplayDelegate& display = *found->display;
+int CTool::Set(SCliDisplay& found_I, const std::vector<std::string>& assignments_I, bool save_I) {
+    UiDisplayDelegate& display = *found_I.display;
     // Everything is checked before anything is written.
     std::vector<std::pair<STarget, int32_t>> writes;
     for (const std::string& assignment : assignments_I) {
@@ -551,7 +549,7 @@ int CTool::Set(const std::string& displayName_I, const std::vector<std::string>&
         writes.emplace_back(*target, *value);
     }
     for (const auto& [target, value] : writes) {
-        Remember(*found, target.code);
+        Remember(found_I, target.code);
         if (const std::string problem = WriteVerified(display, target, value); !problem.empty()) {
             mErr << problem << "\n";
             return CliExit::kCommunicationFailure;
@@ -561,86 +559,66 @@ int CTool::Set(const std::string& displayName_I, const std::vector<std::string>&
         if (!display.Save()) {
             return Failed(display, "save");
         }
-        Forget(*found);
+        Forget(found_I);
     }
     return CliExit::kDone;
 }
 
-int CTool::Save(const std::string& displayName_I) {
-    int exitCode = CliExit::kDone;
-    SCliDisplay* found = Find(displayName_I, exitCode);
-    if (found == nullptr) {
-        return exitCode;
-    }
+int CTool::Save(SCliDisplay& found_I) {
     // Saving stores the display's current values, whoever set them.
-    if (!found->display->GetConnector()->SaveSettingsToScalar()) {
-        return Failed(*found->display, "save");
+    if (!found_I.display->GetConnector()->SaveSettingsToScalar()) {
+        return Failed(*found_I.display, "save");
     }
-    Forget(*found);
+    Forget(found_I);
     return CliExit::kDone;
 }
 
-int CTool::Revert(const std::string& displayName_I) {
-    int exitCode = CliExit::kDone;
-    SCliDisplay* found = Find(displayName_I, exitCode);
-    if (found == nullptr) {
-        return exitCode;
-    }
+int CTool::Revert(SCliDisplay& found_I) {
     const json changes = LoadChanges();
-    if (!changes.contains(found->serial) || changes[found->serial].empty()) {
+    if (!changes.contains(found_I.serial) || changes[found_I.serial].empty()) {
         mOut << "nothing to revert: no unsaved changes made with this tool\n";
         return CliExit::kDone;
     }
     int result = CliExit::kDone;
-    for (const auto& [code, value] : changes[found->serial].items()) {
+    for (const auto& [code, value] : changes[found_I.serial].items()) {
         const auto number = static_cast<uint8_t>(std::stoul(code, nullptr, 16));
-        if (!value.is_number_integer() || !found->display->Option(number)) {
+        if (!value.is_number_integer() || !found_I.display->Option(number)) {
             continue;
         }
-        if (!found->display->SetVCPValueVerify(number, value.get<int32_t>(), 1)) {
-            result = Failed(*found->display, RevertLabel(*found->display, number));
+        if (!found_I.display->SetVCPValueVerify(number, value.get<int32_t>(), 1)) {
+            result = Failed(*found_I.display, RevertLabel(*found_I.display, number));
             continue;
         }
-        mOut << RevertLabel(*found->display, number) << ": back to " << value.get<int32_t>() << "\n";
+        mOut << RevertLabel(*found_I.display, number) << ": back to " << value.get<int32_t>() << "\n";
     }
     if (result == CliExit::kDone) {
-        Forget(*found);
+        Forget(found_I);
     }
     return result;
 }
 
-int CTool::Reset(const std::string& displayName_I, const std::string& what_I, bool yes_I) {
-    int exitCode = CliExit::kDone;
-    SCliDisplay* found = Find(displayName_I, exitCode);
-    if (found == nullptr) {
-        return exitCode;
-    }
+int CTool::Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I) {
     if (what_I == "factory") {
         if (!yes_I) {
             mErr << "reset factory puts every setting of the display back to its factory value; add --yes\n";
             return CliExit::kBadUsage;
         }
-        return found->display->FactoryReset() ? CliExit::kDone : Failed(*found->display, "reset factory");
+        return found_I.display->FactoryReset() ? CliExit::kDone : Failed(*found_I.display, "reset factory");
     }
-    return found->display->ResetColor() ? CliExit::kDone : Failed(*found->display, "reset colour");
+    return found_I.display->ResetColor() ? CliExit::kDone : Failed(*found_I.display, "reset colour");
 }
 
-int CTool::ProfileSave(const std::string& displayName_I, const std::string& file_I) {
-    int exitCode = CliExit::kDone;
-    SCliDisplay* found = Find(displayName_I, exitCode);
-    if (found == nullptr) {
-        return exitCode;
-    }
+int CTool::ProfileSave(SCliDisplay& found_I, const std::string& file_I) {
     json settings = json::object();
     for (ESetting setting : AllSettings()) {
-        const SSettingState state = found->display->GetSetting(setting);
+        const SSettingState state = found_I.display->GetSetting(setting);
         // An action, not a setting.
         if (setting == ESetting::LcdConditioning || !state.supported || !state.writable || !state.valid) {
             continue;
         }
         settings[SettingName(setting)] = state.value;
     }
-    const json profile = {{"model", found->model}, {"serial", found->serial}, {"settings", settings}};
+    const json profile = {{"model", found_I.model}, {"serial", found_I.serial}, {"settings", settings}};
     std::ofstream out(file_I);
     out << profile.dump(2) << "\n";
     if (!out) {
@@ -650,13 +628,8 @@ int CTool::ProfileSave(const std::string& displayName_I, const std::string& file
     return CliExit::kDone;
 }
 
-int CTool::ProfileApply(const std::string& displayName_I, const std::string& file_I) {
-    int exitCode = CliExit::kDone;
-    SCliDisplay* found = Find(displayName_I, exitCode);
-    if (found == nullptr) {
-        return exitCode;
-    }
-    UiDisplayDelegate& display = *found->display;
+int CTool::ProfileApply(SCliDisplay& found_I, const std::string& file_I) {
+    UiDisplayDelegate& display = *found_I.display;
     std::ifstream in(file_I);
     if (!in.is_open()) {
         mErr << file_I << ": cannot be read\n";
@@ -700,7 +673,7 @@ int CTool::ProfileApply(const std::string& displayName_I, const std::string& fil
             result = CliExit::kCommunicationFailure;
             continue;
         }
-        Remember(*found, target.code);
+        Remember(found_I, target.code);
         if (const std::string problem = WriteVerified(display, target, wanted); !problem.empty()) {
             mErr << problem << "\n";
             result = CliExit::kCommunicationFailure;
@@ -740,13 +713,17 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     CLI::App* caps =
         app.add_subcommand("caps", "The display's VCP codes and their values, from its capabilities");
     caps->add_option("display", display, "Index or serial number (see list)")->required();
-    caps->callback([&] { result = tool.Caps(display, json); });
+    caps->callback([&] {
+        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Caps(found, json); });
+    });
 
     CLI::App* get =
         app.add_subcommand("get", "Reads settings (names such as brightness, or VCP codes in hex)");
     get->add_option("display", display, "Index or serial number")->required();
     get->add_option("settings", names, "Settings to read")->required();
-    get->callback([&] { result = tool.Get(display, names, json); });
+    get->callback([&] {
+        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Get(found, names, json); });
+    });
 
     CLI::App* set =
         app.add_subcommand("set", "Changes settings: SETTING=VALUE ...; checks every value first");
@@ -755,16 +732,20 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
                     "SETTING=VALUE, the value a number or a choice (6500k, adobe-rgb, on)")
         ->required();
     set->add_flag("--save", save, "Then make the display keep its settings");
-    set->callback([&] { result = tool.Set(display, names, save); });
+    set->callback([&] {
+        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Set(found, names, save); });
+    });
 
     CLI::App* saveCommand = app.add_subcommand("save", "Makes the display keep its current settings");
     saveCommand->add_option("display", display, "Index or serial number")->required();
-    saveCommand->callback([&] { result = tool.Save(display); });
+    saveCommand->callback(
+        [&] { result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Save(found); }); });
 
     CLI::App* revert =
         app.add_subcommand("revert", "Undoes the changes made with this tool since the display last saved");
     revert->add_option("display", display, "Index or serial number")->required();
-    revert->callback([&] { result = tool.Revert(display); });
+    revert->callback(
+        [&] { result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Revert(found); }); });
 
     CLI::App* reset = app.add_subcommand("reset", "Factory reset (needs --yes) or colour reset");
     reset->add_option("display", display, "Index or serial number")->required();
@@ -772,7 +753,9 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
         ->required()
         ->check(CLI::IsMember({"factory", "colour", "color"}));
     reset->add_flag("--yes", yes, "Confirms a factory reset");
-    reset->callback([&] { result = tool.Reset(display, what, yes); });
+    reset->callback([&] {
+        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Reset(found, what, yes); });
+    });
 
     CLI::App* profile =
         app.add_subcommand("profile", "Keeps the user-level settings in a JSON file and puts them back");
@@ -780,12 +763,16 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     CLI::App* profileSave = profile->add_subcommand("save", "Writes the display's settings to FILE");
     profileSave->add_option("display", display, "Index or serial number")->required();
     profileSave->add_option("file", file, "The profile")->required();
-    profileSave->callback([&] { result = tool.ProfileSave(display, file); });
+    profileSave->callback([&] {
+        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.ProfileSave(found, file); });
+    });
     CLI::App* profileApply =
         profile->add_subcommand("apply", "Writes what differs from FILE, verifies, reports");
     profileApply->add_option("display", display, "Index or serial number")->required();
     profileApply->add_option("file", file, "The profile")->required();
-    profileApply->callback([&] { result = tool.ProfileApply(display, file); });
+    profileApply->callback([&] {
+        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.ProfileApply(found, file); });
+    });
 
     std::vector<std::string> reversed(args_I.rbegin(), args_I.rend());
     try {
