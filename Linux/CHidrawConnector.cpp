@@ -39,28 +39,25 @@ bool CHidrawConnector::Close() {
 }
 
 bool CHidrawConnector::SetFeature(const ByteBuffer& report_I) {
-    if (!IsOpen() || report_I.size() > HidVcp::kReportSize) {
-        DLog("CHidrawConnector::SetFeature: %s\n", IsOpen() ? "report too long" : "device is not open");
-        return false;
-    }
-    ByteBuffer report(HidVcp::kReportSize, 0x00);
-    std::copy(report_I.begin(), report_I.end(), report.begin());
-    if (mSystem.Ioctl(mDescriptor, HIDIOCSFEATURE(HidVcp::kReportSize), report.data()) < 0) {
-        DLog("CHidrawConnector: HIDIOCSFEATURE failed: %s\n", std::strerror(errno));
-        return false;
-    }
-    return true;
+    ByteBuffer report = report_I;
+    return Transfer(HIDIOCSFEATURE(HidVcp::kReportSize), "SetFeature", "HIDIOCSFEATURE", report);
 }
 
 bool CHidrawConnector::GetFeature(ByteBuffer& report_IO) {
+    return Transfer(HIDIOCGFEATURE(HidVcp::kReportSize), "GetFeature", "HIDIOCGFEATURE", report_IO);
+}
+
+bool CHidrawConnector::Transfer(unsigned long request_I, const char* caller_I, const char* requestName_I,
+                                ByteBuffer& report_IO) {
     if (!IsOpen() || report_IO.size() > HidVcp::kReportSize) {
-        DLog("CHidrawConnector::GetFeature: %s\n", IsOpen() ? "report too long" : "device is not open");
+        DLog("CHidrawConnector::%s: %s\n", caller_I, IsOpen() ? "report too long" : "device is not open");
         return false;
     }
+    // Every report goes out at the full report length, as on Windows.
     ByteBuffer report(HidVcp::kReportSize, 0x00);
     std::copy(report_IO.begin(), report_IO.end(), report.begin());
-    if (mSystem.Ioctl(mDescriptor, HIDIOCGFEATURE(HidVcp::kReportSize), report.data()) < 0) {
-        DLog("CHidrawConnector: HIDIOCGFEATURE failed: %s\n", std::strerror(errno));
+    if (mSystem.Ioctl(mDescriptor, request_I, report.data()) < 0) {
+        DLog("CHidrawConnector: %s failed: %s\n", requestName_I, std::strerror(errno));
         return false;
     }
     report_IO = std::move(report);

@@ -24,6 +24,11 @@ public:
     int OpenError() const { return mOpenError; }
 
 private:
+    // One feature-report ioctl with the report padded to the full length; a get's answer
+    // replaces the report.
+    bool Transfer(unsigned long request_I, const char* caller_I, const char* requestName_I,
+                  ByteBuffer& report_IO);
+
     ILinuxSystem& mSystem;
     int mDescriptor = -1;
     int mOpenError = 0;
