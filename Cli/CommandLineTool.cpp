@@ -24,7 +24,16 @@ public:
         : mSource(source_I), mOut(out_I), mErr(err_I), mChangesFile(std::move(changesFile_I)) {}
 
     int List(bool json_I);
-    // The commands below run on a display found and answering (see OnDisplay).
+
+    // Runs a command on the display by index or serial number once it is found and answers;
+    // otherwise the exit code of why not.
+    template <typename Command>
+    int OnDisplay(const std::string& display_I, Command command_I) {
+        int exitCode = CliExit::kDone;
+        SCliDisplay* found = Find(display_I, exitCode);
+        return found == nullptr ? exitCode : command_I(*found);
+    }
+    // The commands on one display, run through OnDisplay.
     int Caps(SCliDisplay& found_I, bool json_I);
     int Get(SCliDisplay& found_I, const std::vector<std::string>& names_I, bool json_I);
     int Set(SCliDisplay& found_I, const std::vector<std::string>& assignments_I, bool save_I);
@@ -38,18 +47,6 @@ private:
     // The display by index ("0") or serial number, initialised; null (and the message, and
     // exitCode_O) when there is none or it does not answer.
     SCliDisplay* Find(const std::string& display_I, int& exitCode_O);
-
-public:
-    // Runs a command on the display by index or serial number once it is found and answers;
-    // otherwise the exit code of why not.
-    template <typename Command>
-    int OnDisplay(const std::string& display_I, Command command_I) {
-        int exitCode = CliExit::kDone;
-        SCliDisplay* found = Find(display_I, exitCode);
-        return found == nullptr ? exitCode : command_I(*found);
-    }
-
-private:
     // What kept the search from displays, on standard error so that scripts' output stays clean.
     void PrintNotes() {
         for (const std::string& note : mSource.Notes()) {
