@@ -1,5 +1,6 @@
 #include "LanguageProvider.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "Assert.h"
@@ -74,13 +75,35 @@ LANGID CLanguageProvider::LanguageIdFromName(const std::string& name_I) const {
     if (name_I == "neutral") {
         return kEnglishNeutral;  // the program's own base language
     }
+    // "zh-TW" is written as often as "zh_TW".
+    std::string name = name_I;
+    std::replace(name.begin(), name.end(), '-', '_');
     for (const SLanguageRow& row : LangTable()) {
-        if (name_I == row.code || name_I == row.enumName) {
+        if (name == row.code || name_I == row.enumName) {
             return row.id;
         }
     }
-    if (name_I == "en") {
+    if (name == "en") {
         return 0x0409;
+    }
+    // A plain language ("zh") stands for its first row ("zh_CN").
+    for (const SLanguageRow& row : LangTable()) {
+        const std::string code = row.code;
+        if (code.size() > name.size() && code.compare(0, name.size(), name) == 0 && code[name.size()] == '_') {
+            DLog("CLanguageProvider: language %s taken as %s\n", name_I.c_str(), row.code);
+            return row.id;
+        }
+    }
+    // Any other language Windows knows ("ar", "sv_FI"): its own id, whose texts come through
+    // the fallback (for most, the English table).
+    std::wstring locale(name.begin(), name.end());
+    std::replace(locale.begin(), locale.end(), L'_', L'-');
+    const LANGID known = LANGIDFROMLCID(LocaleNameToLCID(locale.c_str(), 0));
+    if (!name.empty() && known != 0 && known != LANGIDFROMLCID(LOCALE_CUSTOM_UNSPECIFIED)) {
+        // Neutral Chinese has no texts of its own and never falls back to English.
+        const LANGID id = (known & 0x03FF) == 0x04 && known < 0x0400 ? LANGID(0x0804) : known;
+        DLog("CLanguageProvider: language %s taken as %04x\n", name_I.c_str(), id);
+        return id;
     }
     DLog("CLanguageProvider: unknown language %s, using the user's\n", name_I.c_str());
     return UserInterfaceLanguage();

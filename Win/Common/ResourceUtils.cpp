@@ -113,6 +113,15 @@ std::wstring LoadTableString(uint32_t stringId_I, LANGID languageId_I, bool fall
     return ToWide(DecodeCodedString(stored.substr(0, std::min(textLength, size - 1))));
 }
 
+LANGID TableLanguage(uint32_t stringId_I, LANGID languageId_I, HMODULE module_I) {
+    HMODULE module = module_I != nullptr ? module_I : GetModuleHandleW(nullptr);
+    LANGID language = languageId_I;
+    const LPCWSTR block = MAKEINTRESOURCEW(stringId_I / 16 + 1);
+    return FindWithFallback(module, MAKEINTRESOURCEW(6) /* RT_STRING */, block, language, true) != nullptr
+               ? language
+               : LANGID(0);
+}
+
 std::wstring LoadGroupString(const std::string& group_I, uint16_t key_I, LANGID languageId_I,
                              HMODULE module_I) {
     HMODULE module = module_I != nullptr ? module_I : GetModuleHandleW(nullptr);

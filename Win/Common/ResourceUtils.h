@@ -16,3 +16,7 @@ std::wstring LoadTableString(uint32_t stringId_I, LANGID languageId_I, bool fall
 // line) when the group or the key is missing.
 std::wstring LoadGroupString(const std::string& group_I, uint16_t key_I, LANGID languageId_I,
                              HMODULE module_I = nullptr);
+
+// The language whose string table serves a string id for a requested language, after the
+// fallback; 0 when no table on the way has it.
+LANGID TableLanguage(uint32_t stringId_I, LANGID languageId_I, HMODULE module_I = nullptr);

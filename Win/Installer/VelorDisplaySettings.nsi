@@ -84,6 +84,9 @@ Section "Program" SecProgram
   SetOutPath "$INSTDIR"
   File "/oname=${EXE}" "${PROGRAM}"
   File "/oname=${CONSOLE_EXE}" "${CONSOLE_PROGRAM}"
+  SetOutPath "$INSTDIR\Help"
+  File "${HELP}\*.html"
+  SetOutPath "$INSTDIR"
   WriteUninstaller "$INSTDIR\${UNINSTALLER}"
   CreateShortCut "$SMPROGRAMS\${PRODUCT}.lnk" "$INSTDIR\${EXE}" "" "$INSTDIR\${EXE}" 0
 
@@ -108,6 +111,8 @@ Section "un.Program" SecUnProgram
   Delete "$INSTDIR\${EXE}"
   Delete "$INSTDIR\${CONSOLE_EXE}"
   Delete "$INSTDIR\${UNINSTALLER}"
+  Delete "$INSTDIR\Help\*.html"
+  RMDir "$INSTDIR\Help"
   Delete "$SMPROGRAMS\${PRODUCT}.lnk"
   ; Only emptied folders go: anything else in them is not ours.
   RMDir "$INSTDIR"

@@ -60,4 +60,20 @@ void WriteIgnorePowerWarning() {
     WriteNumber(kOsdKey, L"IgnorePowerWarning", 1);
 }
 
+std::wstring ReadHelpBaseAddress() {
+    for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+        wchar_t text[1024] = {};
+        DWORD size = sizeof(text);
+        const LSTATUS status =
+            RegGetValueW(root, kOsdKey, L"HelpBaseAddress", RRF_RT_REG_SZ, nullptr, text, &size);
+        if (status == ERROR_SUCCESS && text[0] != L'\0') {
+            return text;
+        }
+        if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) {
+            DLog("AppRegistry: HelpBaseAddress cannot be read (%ld)\n", static_cast<long>(status));
+        }
+    }
+    return {};
+}
+
 }  // namespace AppRegistry

@@ -1,8 +1,10 @@
 #pragma once
 // The values that outlive a run, under HKEY_CURRENT_USER: the main dialog's last position and
-// the power warning's "do not show again".
+// the power warning's "do not show again"; and a deployment's own help site, which an
+// administrator sets for the machine (HKEY_LOCAL_MACHINE) or a user for themselves.
 
 #include <optional>
+#include <string>
 
 struct SWindowPosition {
     int x = 0;
@@ -16,5 +18,8 @@ std::optional<SWindowPosition> ReadLocation();
 void WriteLocation(const SWindowPosition& position_I);
 bool ReadIgnorePowerWarning();
 void WriteIgnorePowerWarning();
+// "HelpBaseAddress" of Software\Velor\OSD (a text such as "https://help.example.org"), the
+// user's before the machine's; empty when neither is set.
+std::wstring ReadHelpBaseAddress();
 
 }  // namespace AppRegistry

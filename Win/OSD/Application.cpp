@@ -6,9 +6,19 @@
 #include "DebugLog.h"
 #include "LanguageProvider.h"
 #include "MessageWindows.h"
+#include "ResourceUtils.h"
+
+namespace {
+// A caption every table has.
+constexpr uint32_t kProductTitleAndCaptionsId = 2001;
+}  // namespace
 
 LANGID InterfaceLanguage(const SStartupOptions& options_I) {
-    return CLanguageProvider().LanguageIdFromName(options_I.languageName);
+    const LANGID language = CLanguageProvider().LanguageIdFromName(options_I.languageName);
+    // Which table the texts come from, after the fallback (an Arabic request reads English).
+    DLog("Interface language %s: %04x, texts of the %04x table\n", options_I.languageName.c_str(), language,
+         TableLanguage(kProductTitleAndCaptionsId, language));
+    return language;
 }
 
 int RunApplication(const SStartupOptions& options_I) {

@@ -30,7 +30,7 @@ constexpr SCaption kCaptions[] = {
     {IDC_FIRMWARE_VERSION_LABEL, 2211}, {IDC_FACTORY_RESET, 2212},      {IDC_ADVANCED_OK, 2090},
     {IDC_ADVANCED_CANCEL, 2091},        {IDC_ENERGY_SMART_OFF, kOff},   {IDC_ENERGY_SMART_ON, kOn},
     {IDC_DYNAMIC_CONTRAST_OFF, kOff},   {IDC_DYNAMIC_CONTRAST_ON, kOn}, {IDC_AUTO_POWER_DOWN_OFF, kOff},
-    {IDC_AUTO_POWER_DOWN_ON, kOn},
+    {IDC_AUTO_POWER_DOWN_ON, kOn},      {IDC_LCD_CONDITIONING_STATE, 2230},
 };
 
 // What Cancel puts back; fan speed and the On/Off-free rest are not among them.
@@ -69,7 +69,22 @@ void Show(HWND window_I, bool visible_I) {
 }  // namespace
 
 CAdvancedDialog::CAdvancedDialog(CMainDialog& mainDlg_I, LANGID language_I)
-    : CDialogBase(IDD_ADVANCED), mMainDlg(mainDlg_I), mLanguage(language_I) {}
+    : CDialogBase(IDD_ADVANCED),
+      mMainDlg(mainDlg_I),
+      mLanguage(language_I),
+      mRows({{{IDC_ASPECT_LABEL, IDC_ASPECT_LIST}},
+             {{IDC_LED_LABEL, IDC_LED_LIST}},
+             {{IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER}},
+             {{IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST}},
+             {{IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON}},
+             {{IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF, IDC_DYNAMIC_CONTRAST_ON}},
+             {{IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON}},
+             {{IDC_FAN_LABEL, IDC_FAN_LIST}},
+             {{IDC_LCD_CONDITIONING_LABEL, IDC_LCD_CONDITIONING_START, IDC_LCD_CONDITIONING_STATE}},
+             {{IDC_BATTERY_LABEL, IDC_BATTERY_LIST}},
+             {{IDC_PROGRAM_VERSION_LABEL, IDC_PROGRAM_VERSION}},
+             {{IDC_FIRMWARE_VERSION_LABEL, IDC_FIRMWARE_VERSION}},
+             {{IDC_FACTORY_RESET, IDC_ADVANCED_OK, IDC_ADVANCED_CANCEL}}}) {}
 
 UiDisplayDelegate* CAdvancedDialog::Delegate() const {
     return mMainDlg.Delegate();
@@ -107,6 +122,7 @@ void CAdvancedDialog::Open(HWND owner_I) {
     if (!IsWindow()) {
         Create(owner_I);
     }
+    mConditioningStarted = false;
     if (UiDisplayDelegate* delegate = Delegate()) {
         mOpeningValues.clear();
         for (ESetting setting : kRestoredOnCancel) {
@@ -127,24 +143,14 @@ void CAdvancedDialog::Follow(const RECT& mainRect_I) {
     if (!IsWindow()) {
         return;
     }
-    // Beside the main dialog: to its right, or to its left where the right side leaves the
-    // work area, and never off the monitor.
+    // Beside the main dialog, never over it, and inside the work area of its monitor.
     RECT own{};
     GetWindowRect(m_hWnd, &own);
-    const int width = own.right - own.left;
-    const int height = own.bottom - own.top;
     MONITORINFO monitor{};
     monitor.cbSize = sizeof(monitor);
     GetMonitorInfoW(MonitorFromRect(&mainRect_I, MONITOR_DEFAULTTOPRIMARY), &monitor);
-    const RECT& work = monitor.rcWork;
-    int x = mainRect_I.right;
-    if (x + width > work.right && mainRect_I.left - width >= work.left) {
-        x = mainRect_I.left - width;
-    }
-    x = std::max(static_cast<int>(work.left), std::min(x, static_cast<int>(work.right) - width));
-    const int y = std::max(static_cast<int>(work.top), std::min(static_cast<int>(mainRect_I.top),
-                                                                static_cast<int>(work.bottom) - height));
-    SetWindowPos(m_hWnd, HWND_TOPMOST, x, y, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
+    const POINT at = PlaceBeside(mainRect_I, SIZE{own.right - own.left, own.bottom - own.top}, monitor.rcWork);
+    SetWindowPos(m_hWnd, HWND_TOPMOST, at.x, at.y, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
@@ -230,9 +236,13 @@ void CAdvancedDialog::Refresh() {
     const bool lcd = delegate->GetSetting(ESetting::LcdConditioning).supported;
     Show(GetDlgItem(IDC_LCD_CONDITIONING_LABEL), lcd);
     Show(GetDlgItem(IDC_LCD_CONDITIONING_START), lcd);
+    // The display does not report the run's end: it shows as running while the page is open.
+    EnableWindow(GetDlgItem(IDC_LCD_CONDITIONING_START), lcd && !mConditioningStarted);
+    Show(GetDlgItem(IDC_LCD_CONDITIONING_STATE), lcd && mConditioningStarted);
 
     SetDlgItemTextW(m_hWnd, IDC_PROGRAM_VERSION, ProgramVersion().c_str());
     SetDlgItemTextW(m_hWnd, IDC_FIRMWARE_VERSION, Widen(delegate->FirmwareVersionText()).c_str());
+    mRows.Apply(m_hWnd);  // no gaps where the display offers nothing
 }
 
 LRESULT CAdvancedDialog::OnShowWindow(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
@@ -246,17 +256,31 @@ LRESULT CAdvancedDialog::OnShowWindow(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
     return 0;
 }
 
-LRESULT CAdvancedDialog::OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
-    if (wParam_I != kSharpnessTimer || !mSharpnessChanged) {
-        return 0;
+bool CAdvancedDialog::WritePendingSharpness() {
+    if (!mSharpnessChanged) {
+        return true;
     }
     mSharpnessChanged = false;
     UiDisplayDelegate* delegate = Delegate();
     const auto position =
         static_cast<int32_t>(SendDlgItemMessageW(m_hWnd, IDC_SHARPNESS_SLIDER, TBM_GETPOS, 0, 0));
-    if (delegate != nullptr) {
-        Checked(delegate->SetSharpness(position));
-        mMainDlg.UpdateButtons();
+    if (delegate == nullptr) {
+        return true;
+    }
+    const bool ok = Checked(delegate->SetSharpness(position));
+    mMainDlg.UpdateButtons();
+    return ok;
+}
+
+void CAdvancedDialog::LeaveDisplay() {
+    if (IsWindow()) {
+        WritePendingSharpness();
+    }
+}
+
+LRESULT CAdvancedDialog::OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
+    if (wParam_I == kSharpnessTimer) {
+        WritePendingSharpness();
     }
     return 0;
 }
@@ -301,9 +325,16 @@ LRESULT CAdvancedDialog::OnLcdConditioning(WORD, WORD, HWND, BOOL&) {
     if (delegate == nullptr) {
         return 0;
     }
+    // It drops the unsaved changes and takes the screen for a while: asked first, whatever
+    // started it (a click, Space or Enter on the button).
+    if (mConditioningStarted ||
+        !MessageWindows::ConfirmLcdConditioning(m_hWnd, Widen(delegate->SupportedName()), mLanguage)) {
+        return 0;
+    }
     delegate->Revert();
     delegate->ResetOptionData(vcpC_LCDConditioning);
     if (Checked(delegate->SetLCDConditioning(1))) {
+        mConditioningStarted = true;
         // The unsaved changes were dropped for the conditioning run: the main dialog shows the
         // display's values again.
         mMainDlg.RefreshControls();
@@ -313,7 +344,9 @@ LRESULT CAdvancedDialog::OnLcdConditioning(WORD, WORD, HWND, BOOL&) {
 }
 
 LRESULT CAdvancedDialog::OnFactoryReset(WORD, WORD, HWND, BOOL&) {
-    if (MessageWindows::ConfirmFactoryReset(mMainDlg.m_hWnd, mLanguage)) {
+    UiDisplayDelegate* delegate = Delegate();
+    const std::wstring name = delegate != nullptr ? Widen(delegate->SupportedName()) : std::wstring();
+    if (MessageWindows::ConfirmFactoryReset(mMainDlg.m_hWnd, name, mLanguage)) {
         mMainDlg.FactoryReset();
     }
     return 0;
@@ -331,14 +364,9 @@ LRESULT CAdvancedDialog::OnClose(WORD, WORD id_I, HWND, BOOL&) {
         }
         mMainDlg.UpdateButtons();
     }
-    if (delegate != nullptr && id_I == IDC_ADVANCED_OK && mSharpnessChanged) {
-        // OK keeps a sharpness the timer has not written yet.
-        const auto position =
-            static_cast<int32_t>(SendDlgItemMessageW(m_hWnd, IDC_SHARPNESS_SLIDER, TBM_GETPOS, 0, 0));
-        if (!Checked(delegate->SetSharpness(position))) {
-            return 0;
-        }
-        mMainDlg.UpdateButtons();
+    // OK keeps a sharpness the timer has not written yet.
+    if (delegate != nullptr && id_I == IDC_ADVANCED_OK && !WritePendingSharpness()) {
+        return 0;
     }
     mSharpnessChanged = false;
     if (delegate != nullptr) {

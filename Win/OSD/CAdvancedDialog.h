@@ -12,6 +12,7 @@
 
 #include "DialogIds.h"
 #include "DialogImpl.h"
+#include "DialogLayout.h"
 #include "SettingCodes.h"
 
 class CMainDialog;
@@ -26,6 +27,9 @@ public:
     bool IsShown() const { return IsWindow() && IsWindowVisible(m_hWnd); }
     // Every control from the selected display.
     void Refresh();
+    // Before the main dialog selects another display: writes a sharpness the timer still owes
+    // the display being left.
+    void LeaveDisplay();
     // Places the dialog beside the main dialog's window rectangle.
     void Follow(const RECT& mainRect_I);
 
@@ -71,11 +75,16 @@ private:
     void FillOffOn(ESetting setting_I, int labelId_I, int offId_I, int onId_I);
     // A write of this page: true when it worked; otherwise the program ends.
     bool Checked(bool ok_I);
+    // Writes the trackbar's sharpness when it changed since the last write.
+    bool WritePendingSharpness();
 
     CMainDialog& mMainDlg;
     LANGID mLanguage;
     std::map<int, std::vector<int32_t>> mValues;
     bool mSharpnessChanged = false;
+    // LCD conditioning was started on the display the page shows.
+    bool mConditioningStarted = false;
     // The seven settings Cancel puts back, as the display had them when the page opened.
     std::map<ESetting, int32_t> mOpeningValues;
+    CRowLayout mRows;
 };

@@ -142,6 +142,14 @@ void CColorSettingsDialog::Apply(int adjustment_I, bool commit_I) {
         return;
     }
     const CColor color = Shown(adjustment_I);
+    const CColor& accepted = mAccepted[adjustment_I];
+    if (commit_I && color.Red() == accepted.Red() && color.Green() == accepted.Green() &&
+        color.Blue() == accepted.Blue()) {
+        // Already accepted: a release reports itself twice (thumb position, end of track), and a
+        // refused change comes back here with the old values. One question per change.
+        UpdateSwatch();
+        return;
+    }
     if (!delegate->SetCustomRGBColorMod(adjustment_I, color)) {
         MessageWindows::ShowCommunicationError(m_hWnd, delegate, false, mLanguage);
         return;
@@ -205,6 +213,13 @@ LRESULT CColorSettingsDialog::OnCommand(UINT, WPARAM wParam_I, LPARAM, BOOL& han
     const int id = LOWORD(wParam_I);
     const int code = HIWORD(wParam_I);
     if (id == IDC_CUSTOM_COLOR_OK) {
+        // Enter in a value box applies the typed value; only the button itself closes.
+        const int focused = GetDlgCtrlID(GetFocus()) - IDC_COLOR_MOD_EDIT_FIRST;
+        if (focused >= 0 && focused < kAdjustments * kChannels) {
+            ApplyTypedValue(focused);
+            SendMessageW(GetFocus(), EM_SETSEL, 0, -1);
+            return 0;
+        }
         EndDialog(IDC_CUSTOM_COLOR_OK);
         return 0;
     }
@@ -218,14 +233,19 @@ LRESULT CColorSettingsDialog::OnCommand(UINT, WPARAM wParam_I, LPARAM, BOOL& han
         handled_O = FALSE;
         return 0;
     }
+    ApplyTypedValue(index);
+    return 0;
+}
+
+void CColorSettingsDialog::ApplyTypedValue(int index_I) {
     // A typed percentage: clamped to 0-100, then sent like a released slider.
-    const int adjustment = index / kChannels;
-    const int channel = index % kChannels;
+    const int adjustment = index_I / kChannels;
+    const int channel = index_I % kChannels;
+    const int id = IDC_COLOR_MOD_EDIT_FIRST + index_I;
     BOOL read = FALSE;
     UINT value = GetDlgItemInt(m_hWnd, id, &read, FALSE);
     value = read ? std::min<UINT>(value, MAX_COLOR_RGB_PERCENT) : Channel(mAccepted[adjustment], channel);
     SetDlgItemInt(m_hWnd, id, value, FALSE);
     SendDlgItemMessageW(m_hWnd, Slider(adjustment, channel), TBM_SETPOS, TRUE, static_cast<LPARAM>(value));
     Apply(adjustment, true);
-    return 0;
 }

@@ -44,6 +44,8 @@ private:
     void ShowColor(int adjustment_I, const CColor& color_I);
     // Sends an adjustment's colour; with commit_I the too-dark question may take it back.
     void Apply(int adjustment_I, bool commit_I);
+    // The value typed into a value box (index: adjustment x channels + channel), as a release.
+    void ApplyTypedValue(int index_I);
     void UpdateSwatch();
     void Cancel();
 

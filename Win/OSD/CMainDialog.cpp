@@ -9,6 +9,7 @@
 #include "Assert.h"
 #include "CColorSettingsDialog.h"
 #include "DebugLog.h"
+#include "ErrorAdvice.h"
 #include "LanguageProvider.h"
 #include "MessageWindows.h"
 #include "ScopedTimer.h"
@@ -22,8 +23,6 @@ constexpr int kHotKeyId = 0;
 constexpr int kToolTipWidth = 400;
 constexpr int kToolTipDelayMs = 1000;
 constexpr int kEditDigits = 3;
-// Where the online help lives; the rest of the address names language and display.
-constexpr wchar_t kOnlineHelpBaseAddress[] = L"https://support.velordisplays.example";
 
 constexpr UINT kProductTitle = 2000;
 constexpr UINT kRgbPrefix = 2026;
@@ -42,6 +41,22 @@ constexpr int kCombos[] = {IDC_COLOR_SETTING_LIST, IDC_COLOR_TEMPERATURE_LIST, I
                            IDC_GAMMA_LIST};
 
 std::atomic<bool> gSkipStaleDragPositions{true};
+
+bool OpenInBrowser(HWND owner_I, const std::wstring& address_I) {
+    const auto result = reinterpret_cast<INT_PTR>(
+        ShellExecuteW(owner_I, L"open", address_I.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+    return result > 32;  // ShellExecute's own rule: 32 and below are errors
+}
+
+std::atomic<CMainDialog::HelpOpener> gHelpOpener{&OpenInBrowser};
+
+// The folder of the running program, with a trailing backslash.
+std::wstring ProgramFolder() {
+    wchar_t path[MAX_PATH] = {};
+    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    std::wstring folder(path, length);
+    return folder.substr(0, folder.find_last_of(L"\\/") + 1);
+}
 
 // The running main dialog, for the thread procedures that take no argument.
 std::atomic<CMainDialog*> gMainDialog{nullptr};
@@ -62,7 +77,19 @@ void Show(HWND window_I, bool visible_I) {
 }  // namespace
 
 CMainDialog::CMainDialog(const SStartupOptions& options_I, LANGID language_I)
-    : CDialogBase(IDD_MAIN), mOptions(options_I), mLanguage(language_I) {}
+    : CDialogBase(IDD_MAIN),
+      mOptions(options_I),
+      mLanguage(language_I),
+      mRows({{{IDC_DISPLAY_LABEL, IDC_DISPLAY_LIST}},
+             {{IDC_BRIGHTNESS_LABEL, IDC_BRIGHTNESS_EDIT, IDC_BRIGHTNESS_SLIDER}},
+             {{IDC_CONTRAST_LABEL, IDC_CONTRAST_EDIT, IDC_CONTRAST_SLIDER}},
+             {{}, IDC_COLOR_GROUP, 3},
+             {{IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, IDC_CUSTOM_COLOR_BUTTON}},
+             {{IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LABEL,
+               IDC_COLOR_SPACE_LIST, IDC_CUSTOM_COLOR_LABEL}},
+             {{IDC_RESET_COLOR_BUTTON}},
+             {{IDC_GAMMA_LABEL, IDC_GAMMA_LIST}},
+             {{IDC_ADVANCED_BUTTON, IDC_SAVE_BUTTON, IDC_REVERT_BUTTON, IDC_HELP_BUTTON}}}) {}
 
 CMainDialog::~CMainDialog() {
     mThread.JoinAndClose();
@@ -114,7 +141,7 @@ DWORD WINAPI CMainDialog::DisplayConfigThread(LPVOID pClass_I) {
         discovery->SetInterfaceLanguage(self->mLanguage);
         discovery->Init();
         if (!discovery->ErrorText().empty()) {
-            self->mErrorText = Widen(discovery->ErrorText());
+            self->mErrorText = WithErrorAdvice(Widen(discovery->ErrorText()));
             self->mHasErrorText = true;
         }
         self->mDisplayConfigIF = std::move(discovery);
@@ -393,6 +420,7 @@ void CMainDialog::InitControls() {
     Show(GetDlgItem(IDC_RESET_COLOR_BUTTON), mode.supported);
     InitChoice(ESetting::Gamma, IDC_GAMMA_LABEL, IDC_GAMMA_LIST, true);
     UpdateButtons();
+    mRows.Apply(m_hWnd);  // no gaps where the display offers nothing
     PlaceWindow();
 }
 
@@ -607,6 +635,13 @@ void CMainDialog::ApplyTypedValue(int editId_I) {
     value = clamped;
     int32_t& accepted = brightness ? mCurrentBrightness : mCurrentContrast;
     SendMessageW(GetDlgItem(sliderId), TBM_SETPOS, TRUE, value);
+    if (value == accepted) {
+        // Nothing changed (the focus merely left the edit, or Enter came again): the display
+        // already has it, and the question was asked, if at all, when it changed.
+        return;
+    }
+    // The question takes the focus from the edit: its kill-focus must not ask again.
+    mBusy = true;
     SendSliderValue(sliderId, value);
     const int32_t b = brightness ? value : mCurrentBrightness;
     const int32_t c = brightness ? mCurrentContrast : value;
@@ -616,6 +651,7 @@ void CMainDialog::ApplyTypedValue(int editId_I) {
         SendMessageW(GetDlgItem(sliderId), TBM_SETPOS, TRUE, accepted);
         SendSliderValue(sliderId, accepted);
     }
+    mBusy = false;
     UpdateButtons();
 }
 
@@ -629,7 +665,7 @@ LRESULT CMainDialog::OnEditKillFocus(WORD, WORD id_I, HWND, BOOL&) {
 LRESULT CMainDialog::OnOk(WORD, WORD, HWND, BOOL&) {
     HWND focus = GetFocus();
     for (int edit : {IDC_BRIGHTNESS_EDIT, IDC_CONTRAST_EDIT}) {
-        if (focus == GetDlgItem(edit)) {
+        if (focus == GetDlgItem(edit) && !mBusy) {
             ApplyTypedValue(edit);
             SendMessageW(focus, EM_SETSEL, 0, -1);
         }
@@ -659,9 +695,16 @@ LRESULT CMainDialog::OnDisplayChanged(WORD, WORD, HWND, BOOL&) {
     if (selection < 0 || static_cast<size_t>(selection) >= mDisplayIndexes.size()) {
         return 0;
     }
+    if (mAdvancedDialog) {
+        mAdvancedDialog->LeaveDisplay();  // what it still owes the display being left
+    }
     mSelectedDisplay = static_cast<size_t>(selection);
     ClearCombos();  // another display may offer other choices
     InitControls();
+    if (mAdvancedDialog && mAdvancedDialog->IsShown()) {
+        // The page always shows the selected display: its values, its rows, its firmware.
+        mAdvancedDialog->Open(m_hWnd);
+    }
     return 0;
 }
 
@@ -738,15 +781,34 @@ LRESULT CMainDialog::OnAdvanced(WORD, WORD, HWND, BOOL&) {
     return 0;
 }
 
+void CMainDialog::SetHelpOpener(HelpOpener opener_I) {
+    gHelpOpener.store(opener_I != nullptr ? opener_I : &OpenInBrowser);
+}
+
 std::wstring CMainDialog::HelpAddress() const {
     UiDisplayDelegate* delegate = Delegate();
-    const std::string page = delegate != nullptr ? delegate->HelpPageName() : "index";
-    return std::wstring(kOnlineHelpBaseAddress) + L"/UserHelp/" +
-           Widen(CLanguageProvider().CodeOf(mLanguage)) + L"/TOC/" + Widen(page) + L".html";
+    const std::wstring page = Widen(delegate != nullptr ? delegate->HelpPageName() : "index");
+    std::wstring base = AppRegistry::ReadHelpBaseAddress();
+    if (!base.empty()) {
+        while (!base.empty() && base.back() == L'/') {
+            base.pop_back();
+        }
+        return base + L"/UserHelp/" + Widen(CLanguageProvider().CodeOf(mLanguage)) + L"/TOC/" + page + L".html";
+    }
+    const std::wstring folder = ProgramFolder() + L"Help\\";
+    const std::wstring own = folder + page + L".html";
+    // A display the shipped help has no page for gets the index.
+    return GetFileAttributesW(own.c_str()) != INVALID_FILE_ATTRIBUTES ? own : folder + L"index.html";
 }
 
 LRESULT CMainDialog::OnHelp(WORD, WORD, HWND, BOOL&) {
-    ShellExecuteW(m_hWnd, L"open", HelpAddress().c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    const std::wstring address = HelpAddress();
+    const bool local = address.find(L"://") == std::wstring::npos;
+    if ((local && GetFileAttributesW(address.c_str()) == INVALID_FILE_ATTRIBUTES) ||
+        !gHelpOpener.load()(m_hWnd, address)) {
+        DLog("CMainDialog: the help could not be opened: %ls\n", address.c_str());
+        MessageWindows::ShowHelpNotOpened(m_hWnd, address, mLanguage);
+    }
     return 0;
 }
 

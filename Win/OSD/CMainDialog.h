@@ -19,6 +19,7 @@
 #include "CWinDisplayConfigInterface.h"
 #include "DialogIds.h"
 #include "DialogImpl.h"
+#include "DialogLayout.h"
 #include "SignalThread.h"
 #include "StartupOptions.h"
 #include "UiDisplayDelegate.h"
@@ -56,8 +57,12 @@ public:
     void FactoryReset();
     CAdvancedDialog& AdvancedDialog() { return *mAdvancedDialog; }
 
-    // The online help address of the selected display.
+    // The help page of the selected display: on the deployment's own site when the registry
+    // names one, otherwise the page shipped beside the program (Help\<page>.html).
     std::wstring HelpAddress() const;
+    // Opens an address in the default browser; false when it could not. Tests replace it.
+    using HelpOpener = bool (*)(HWND owner_I, const std::wstring& address_I);
+    static void SetHelpOpener(HelpOpener opener_I);
 
     // Posted when the selected display's connector closed under a failure.
     static constexpr UINT kSearchAgainMessage = WM_APP + 7;
@@ -153,5 +158,6 @@ private:
     std::vector<size_t> mDisplayIndexes;
     size_t mSelectedDisplay = 0;
     int mScrollPosition = 1;
+    CRowLayout mRows;
     EOutcome mOutcome = EOutcome::Closed;
 };

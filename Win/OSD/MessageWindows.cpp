@@ -23,6 +23,10 @@ constexpr UINT kWarning = 2903;
 constexpr UINT kPleaseWait = 2905;
 constexpr UINT kFactoryResetWarning = 2908;
 constexpr UINT kFactoryResetQuestion = 2909;
+constexpr UINT kHelpNotOpened = 2912;
+constexpr UINT kDisplayLabel = 2001;
+constexpr UINT kLcdConditioningQuestion = 2229;
+constexpr UINT kLcdConditioningStyle = MB_OKCANCEL | MB_ICONQUESTION | MB_DEFBUTTON2;
 constexpr int kOkButtonBottomGap = 20;
 
 std::atomic<MessageBoxTimeoutFunction> gReplacement{nullptr};
@@ -75,6 +79,11 @@ void CentreOkButton(HWND window_I) {
                  SWP_NOSIZE | SWP_NOZORDER);
 }
 
+// "\n\nDisplay: Velor Studio 24", or nothing without a name.
+std::wstring DisplayLine(const std::wstring& displayName_I, LANGID language_I) {
+    return displayName_I.empty() ? std::wstring() : L"\n\n" + Text(kDisplayLabel, language_I) + L" " + displayName_I;
+}
+
 }  // namespace
 
 void SetMessageBoxTimeoutFunction(MessageBoxTimeoutFunction function_I) {
@@ -110,11 +119,22 @@ bool AskKeepDarkSettings(HWND owner_I, LANGID language_I) {
     return answer != IDNO && answer != kMessageBoxTimedOut;
 }
 
-bool ConfirmFactoryReset(HWND owner_I, LANGID language_I) {
-    const std::wstring text =
-        Text(kFactoryResetWarning, language_I) + L"\n" + Text(kFactoryResetQuestion, language_I);
+bool ConfirmFactoryReset(HWND owner_I, const std::wstring& displayName_I, LANGID language_I) {
+    const std::wstring text = Text(kFactoryResetWarning, language_I) + L"\n" +
+                              Text(kFactoryResetQuestion, language_I) + DisplayLine(displayName_I, language_I);
     return MessageBoxW(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(), kFactoryResetStyle) ==
            IDOK;
+}
+
+bool ConfirmLcdConditioning(HWND owner_I, const std::wstring& displayName_I, LANGID language_I) {
+    const std::wstring text = Text(kLcdConditioningQuestion, language_I) + DisplayLine(displayName_I, language_I);
+    return MessageBoxW(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(), kLcdConditioningStyle) ==
+           IDOK;
+}
+
+void ShowHelpNotOpened(HWND owner_I, const std::wstring& address_I, LANGID language_I) {
+    const std::wstring text = Text(kHelpNotOpened, language_I) + L"\n" + address_I;
+    MessageBoxW(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(), MB_ICONWARNING);
 }
 
 void ShowCommunicationError(HWND owner_I, UiDisplayDelegate* delegate_I, bool fatal_I, LANGID language_I) {

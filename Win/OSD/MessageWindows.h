@@ -41,8 +41,12 @@ bool ConfirmPictureNotTooDark(HWND owner_I, UiDisplayDelegate& delegate_I, int32
                               int32_t contrast_I, LANGID language_I);
 // The question itself: true to keep settings that may leave the screen too dark to read.
 bool AskKeepDarkSettings(HWND owner_I, LANGID language_I);
-// True only for OK.
-bool ConfirmFactoryReset(HWND owner_I, LANGID language_I);
+// True only for OK. The question names the display it is about (several may be attached).
+bool ConfirmFactoryReset(HWND owner_I, const std::wstring& displayName_I, LANGID language_I);
+// Before LCD conditioning: what it does, that unsaved changes go, which display. True for OK.
+bool ConfirmLcdConditioning(HWND owner_I, const std::wstring& displayName_I, LANGID language_I);
+// The help could not be opened at this address (a file or a web page).
+void ShowHelpNotOpened(HWND owner_I, const std::wstring& address_I, LANGID language_I);
 // A failed delegate call. Fatal errors end the owner dialog with result 0 first.
 void ShowCommunicationError(HWND owner_I, UiDisplayDelegate* delegate_I, bool fatal_I, LANGID language_I);
 

@@ -24,10 +24,10 @@ std::vector<uint32_t> IdsInUse() {
     for (uint32_t id = 2054; id <= 2091; ++id) {
         ids.push_back(id);
     }
-    for (uint32_t id = 2201; id <= 2228; ++id) {
+    for (uint32_t id = 2201; id <= 2230; ++id) {
         ids.push_back(id);
     }
-    for (uint32_t id : {2900, 2901, 2902, 2903, 2904, 2905, 2908, 2909, 2910, 2911, 2916, 2917, 2918, 2919,
+    for (uint32_t id : {2900, 2901, 2902, 2903, 2904, 2905, 2908, 2909, 2910, 2911, 2912, 2916, 2917, 2918, 2919,
                         2920, 2921, 2922, 2923}) {
         ids.push_back(id);
     }
@@ -124,4 +124,32 @@ TEST(LanguageProvider, NamesAndTheUsersLanguage) {
     EXPECT_EQ(provider.LanguageIdOf(ETurkish), 0x041F);
     EXPECT_EQ(static_cast<int>(ETurkish), 19);
     EXPECT_EQ(static_cast<int>(LAST_ELANGUAGE), 24);
+}
+
+TEST(LanguageProvider, PlainLanguageNamesReachTheirNearestTableAndTheLogSaysWhich) {
+    CLanguageProvider provider;
+    CLogCapture log;
+    // Chinese without a region is Simplified; with a hyphen it is the same as with "_".
+    EXPECT_EQ(LoadTableString(2001, provider.LanguageIdFromName("zh")), L"\u663E\u793A\u5668:");
+    EXPECT_TRUE(log.Contains("CLanguageProvider: language zh taken as zh_CN\n"));
+    EXPECT_EQ(LoadTableString(2001, provider.LanguageIdFromName("zh-TW")), L"\u986F\u793A\u5668:");
+    EXPECT_EQ(provider.LanguageIdFromName("pt"), 0x0816);
+    // No Arabic table: Arabic reads the English one, and says so, instead of the user's language.
+    const LANGID arabic = provider.LanguageIdFromName("ar");
+    EXPECT_EQ(arabic & 0x03FF, 0x01);
+    EXPECT_TRUE(log.Contains("CLanguageProvider: language ar taken as "));
+    EXPECT_EQ(LoadTableString(2001, arabic), L"Display:");
+    EXPECT_EQ(TableLanguage(2001, arabic), 0x0009);
+    EXPECT_EQ(TableLanguage(2001, 0x0C07), 0x0007);
+    EXPECT_EQ(TableLanguage(2001, 0x0004), 0);  // neutral Chinese never falls back to English
+}
+
+TEST(ResourceUtils, EnergySmartIsTranslatedWhereTheLanguageHasAWord) {
+    // English keeps its own words; every other table says it in its language.
+    for (LANGID language : kLanguages) {
+        if (language == 0x09) {
+            continue;
+        }
+        EXPECT_EQ(LoadTableString(2208, language).find(L"Energy Smart"), std::wstring::npos) << std::hex << language;
+    }
 }
