@@ -20,9 +20,26 @@ wine_prefix() {
         echo "== creating the Wine prefix $WINEPREFIX"
         "$WINE64" wineboot --init >/dev/null 2>&1
     fi
+    link_cjk_font
     if [ "${2:-}" = unmanaged ]; then
         "$WINE64" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null 2>&1 || true
     fi
+}
+
+# Japanese, Korean and Chinese texts render as boxes in the dialog fonts of a new prefix:
+# link the CJK font that scripts/setup installs (fonts-wqy-microhei) behind them, once.
+link_cjk_font() {
+    [ -f "$WINEPREFIX/.cjk-font-linked" ] && return 0
+    local font
+    for font in "Tahoma" "MS Shell Dlg" "MS Shell Dlg 2" "Microsoft Sans Serif" "Segoe UI"; do
+        "$WINE64" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' \
+            /v "$font" /t REG_MULTI_SZ /d "wqy-microhei.ttc,WenQuanYi Micro Hei" /f >/dev/null 2>&1 || true
+    done
+    # The server writes the registry to disk when it ends; the next start reads the links.
+    "$WINESERVER" -k 2>/dev/null || true
+    "$WINESERVER" -w 2>/dev/null || true
+    "$WINESERVER" -p >/dev/null 2>&1 || true
+    touch "$WINEPREFIX/.cjk-font-linked"
 }
 
 # start_xvfb: a private X display for this run (DISPLAY is set, XVFB_PID names the server).

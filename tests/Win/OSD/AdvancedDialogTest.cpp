@@ -165,7 +165,12 @@ TEST(AdvancedDialog, OffOnPairsAndLcdConditioning) {
     program.Type(IDC_CONTRAST_EDIT, L"33");
     const uint16_t saved = canvas->SavedValue(vcpC_Contrast);
     canvas->ClearTransactions();
-    program.Press(IDC_LCD_CONDITIONING_START);
+    program.Press(IDC_LCD_CONDITIONING_START, false);
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (box = FindDialog(kTitle, {program.dialog, program.page})) != nullptr; }));
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
+    program.Settle();
     EXPECT_EQ(SetsOf(*canvas, vcpC_LCDConditioning), (std::vector<uint16_t>{1}));
     EXPECT_EQ(canvas->Value(vcpC_Contrast), saved);
     EXPECT_EQ(program.Text(IDC_CONTRAST_EDIT), std::to_wstring(saved));

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
+#include <set>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -160,4 +161,159 @@ inline std::vector<uint16_t> SetsOf(const CVirtualDisplay& display, uint8_t code
         }
     }
     return values;
+}
+
+// ---- Real input: the mouse and keyboard as the system delivers a person's ----
+
+inline void SendMouse(DWORD flags, LONG x = 0, LONG y = 0) {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = flags;
+    if (flags & MOUSEEVENTF_ABSOLUTE) {
+        input.mi.dx = MulDiv(x, 65535, GetSystemMetrics(SM_CXSCREEN) - 1);
+        input.mi.dy = MulDiv(y, 65535, GetSystemMetrics(SM_CYSCREEN) - 1);
+    }
+    SendInput(1, &input, sizeof(input));
+}
+
+// Lets the program take in what was sent.
+inline void Pause(int ms = 150) {
+    Sleep(ms);
+}
+
+inline void MoveMouse(POINT at) {
+    SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, at.x, at.y);
+    Pause(60);
+}
+
+inline POINT CentreOf(HWND window) {
+    RECT rect{};
+    GetWindowRect(window, &rect);
+    return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+}
+
+// A left click at a point of the screen.
+inline void ClickAt(POINT at) {
+    MoveMouse(at);
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    Pause(40);
+    SendMouse(MOUSEEVENTF_LEFTUP);
+    Pause();
+}
+
+// A left click in the middle of a window (a control).
+inline void ClickOn(HWND window) {
+    ClickAt(CentreOf(window));
+}
+
+// Presses the mouse at one point, moves it in steps and lets go at another.
+inline void Drag(POINT from, POINT to, int steps = 6) {
+    MoveMouse(from);
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    Pause(60);
+    for (int i = 1; i <= steps; ++i) {
+        MoveMouse({from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps});
+    }
+    SendMouse(MOUSEEVENTF_LEFTUP);
+    Pause();
+}
+
+inline void SendKey(WORD key, bool up) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    input.ki.wScan = static_cast<WORD>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC));
+    input.ki.dwFlags = up ? KEYEVENTF_KEYUP : 0;
+    SendInput(1, &input, sizeof(input));
+}
+
+// One key, held with the modifiers given (VK_CONTROL, VK_MENU, VK_SHIFT).
+inline void PressKey(WORD key, std::initializer_list<WORD> modifiers = {}) {
+    for (WORD modifier : modifiers) {
+        SendKey(modifier, false);
+    }
+    SendKey(key, false);
+    SendKey(key, true);
+    for (auto it = std::rbegin(modifiers); it != std::rend(modifiers); ++it) {
+        SendKey(*it, true);
+    }
+    Pause();
+}
+
+// Types digits and letters as keys.
+inline void TypeKeys(const std::wstring& text) {
+    for (wchar_t c : text) {
+        const WORD key = static_cast<WORD>(towupper(c));
+        SendKey(key, false);
+        SendKey(key, true);
+    }
+    Pause();
+}
+
+// Clicks into an edit, selects what it holds and types over it.
+inline void TypeInto(HWND edit, const std::wstring& text) {
+    ClickOn(edit);
+    PressKey(VK_HOME);
+    PressKey(VK_END, {VK_SHIFT});
+    TypeKeys(text);
+}
+
+// The window that has the keyboard focus on the program's interface thread.
+inline HWND FocusOf(HWND anyWindowOfTheThread) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof(info);
+    GetGUIThreadInfo(GetWindowThreadProcessId(anyWindowOfTheThread, nullptr), &info);
+    return info.hwndFocus;
+}
+
+// The program's visible top-level windows (Wine's 1x1 helper windows left out).
+inline std::vector<HWND> VisibleWindows() {
+    std::vector<HWND> windows;
+    EnumWindows(
+        [](HWND window, LPARAM list) -> BOOL {
+            DWORD process = 0;
+            GetWindowThreadProcessId(window, &process);
+            RECT rect{};
+            GetWindowRect(window, &rect);
+            if (process == GetCurrentProcessId() && IsWindowVisible(window) && rect.right - rect.left > 1 &&
+                rect.bottom - rect.top > 1) {
+                reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+// The visible top-level windows are exactly these (no leftover wait or question window).
+inline bool WindowsAre(std::initializer_list<HWND> expected) {
+    const std::vector<HWND> shown = VisibleWindows();
+    return std::set<HWND>(shown.begin(), shown.end()) == std::set<HWND>(expected.begin(), expected.end());
+}
+
+// Nothing covers the middle of the window: a person can see and reach it.
+inline bool InFront(HWND window) {
+    return GetAncestor(WindowFromPoint(CentreOf(window)), GA_ROOT) == window;
+}
+
+// A message box of the program: a dialog-class window with the product title, not one named.
+inline HWND FindMessageBox(std::initializer_list<HWND> except) {
+    HWND box = nullptr;
+    WaitFor([&] {
+        box = FindDialog(kTitle, except);
+        return box != nullptr && GetDlgItem(box, IDC_DISPLAY_LIST) == nullptr &&
+               GetDlgItem(box, IDC_FACTORY_RESET) == nullptr;
+    });
+    return box;
+}
+
+// The selected item's text of a combo box.
+inline std::wstring SelectedText(HWND combo) {
+    const LRESULT index = SendMessageW(combo, CB_GETCURSEL, 0, 0);
+    if (index < 0) {
+        return {};
+    }
+    std::wstring text(static_cast<size_t>(SendMessageW(combo, CB_GETLBTEXTLEN, index, 0)), L'\0');
+    SendMessageW(combo, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(text.data()));
+    return text;
 }

@@ -1,0 +1,397 @@
+// Journeys through the real program as a person makes them: the real mouse and keyboard
+// (SendInput, delivered by the system like a person's input), several steps each, and after
+// every step the controls, the windows that exist and what reached the virtual displays.
+// Needs an X display (Xvfb) under Wine.
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+// windows.h first: commctrl.h needs its types.
+#include <commctrl.h>
+
+#include <fstream>
+
+#include "CColorSettingsDialog.h"
+#include "CMainDialog.h"
+#include "DialogIds.h"
+#include "DialogLayout.h"
+#include "ProgramDriver.h"
+#include "codes.h"
+
+namespace {
+
+// The advanced page once it is open.
+HWND WaitForPage(const SProgram& program) {
+    HWND page = nullptr;
+    WaitFor([&] {
+        page = FindDialog(kTitle, {program.dialog});
+        return page != nullptr && GetDlgItem(page, IDC_FACTORY_RESET) != nullptr;
+    });
+    return page;
+}
+
+// Opens a drop-down list with the mouse and picks the item `steps` below the selected one.
+void PickBelow(HWND combo, int steps) {
+    ClickOn(combo);
+    for (int i = 0; i < steps; ++i) {
+        PressKey(VK_DOWN);
+    }
+    PressKey(VK_RETURN);
+}
+
+// A display of the machine by its EDID product code (Studio 24 has no monitor-side channel).
+std::shared_ptr<CVirtualDisplay> DisplayOf(const SProgram& program, uint16_t edidProductCode) {
+    for (const auto& display : program.machine.Machine().Displays()) {
+        if (display->Model().edidProductCode == edidProductCode) {
+            return display;
+        }
+    }
+    return nullptr;
+}
+
+int Top(HWND control) {
+    RECT rect{};
+    GetWindowRect(control, &rect);
+    return rect.top;
+}
+
+// Dialog units of a dialog in pixels, vertically (the dialog manager rounds each position on
+// its own, so distances may differ by one pixel).
+int DialogUnitsY(HWND dialog, int units) {
+    RECT rect{0, 0, 0, units};
+    MapDialogRect(dialog, &rect);
+    return rect.bottom;
+}
+
+}  // namespace
+
+TEST(Journey, TheAdvancedPageFollowsTheDisplayChosenInTheMainDialog) {
+    SProgram program("one-per-route");  // Studio 24 first, Canvas 22 Pro second
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto studio = DisplayOf(program, 0x1070);
+    auto canvasPro = DisplayOf(program, 0x1060);
+    ASSERT_TRUE(studio && canvasPro);
+    ClickOn(program.Item(IDC_ADVANCED_BUTTON));
+    HWND page = WaitForPage(program);
+    ASSERT_NE(page, nullptr);
+    EXPECT_TRUE(WindowsAre({program.dialog, page}));
+    EXPECT_EQ(TextOf(GetDlgItem(page, IDC_FIRMWARE_VERSION)), L"6.0.1");
+    EXPECT_TRUE(IsWindowVisible(GetDlgItem(page, IDC_FAN_LIST)));
+    // Beside the main dialog, covering none of it.
+    RECT main{};
+    RECT own{};
+    GetWindowRect(program.dialog, &main);
+    GetWindowRect(page, &own);
+    RECT overlap{};
+    EXPECT_FALSE(IntersectRect(&overlap, &main, &own));
+
+    // Another display in the main dialog: the page shows it, rows and firmware.
+    PickBelow(program.Item(IDC_DISPLAY_LIST), 1);
+    ASSERT_TRUE(WaitFor([&] { return TextOf(GetDlgItem(page, IDC_FIRMWARE_VERSION)) == L"3.1.2"; }));
+    EXPECT_EQ(SelectedText(program.Item(IDC_DISPLAY_LIST)), L"Velor Canvas 22 Pro");
+    EXPECT_FALSE(IsWindowVisible(GetDlgItem(page, IDC_FAN_LIST)));
+    EXPECT_TRUE(IsWindowVisible(GetDlgItem(page, IDC_LED_LIST)));
+    EXPECT_TRUE(IsWindowVisible(GetDlgItem(page, IDC_LCD_CONDITIONING_START)));
+    EXPECT_TRUE(WindowsAre({program.dialog, page}));
+
+    // A change on the page reaches the display the page shows, and only it.
+    studio->ClearTransactions();
+    canvasPro->ClearTransactions();
+    const uint16_t ledBefore = canvasPro->Value(vcpC_LedBrightness);
+    PickBelow(GetDlgItem(page, IDC_LED_LIST), 1);
+    ASSERT_TRUE(WaitFor([&] { return canvasPro->Value(vcpC_LedBrightness) != ledBefore; }));
+    EXPECT_TRUE(studio->Transactions().empty());
+    EXPECT_TRUE(WindowsAre({program.dialog, page}));  // no error box, the program lives
+
+    // Cancel puts the page's change back on that display.
+    ClickOn(GetDlgItem(page, IDC_ADVANCED_CANCEL));
+    ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(page); }));
+    EXPECT_EQ(canvasPro->Value(vcpC_LedBrightness), ledBefore);
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+}
+
+TEST(Journey, RowsADisplayLacksLeaveNoGaps) {
+    SProgram program("one-per-route");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    // Studio 24 offers no gamma: the buttons sit one row (24 dialog units) higher than on
+    // Canvas 22 Pro, which offers it.
+    ASSERT_FALSE(IsWindowVisible(program.Item(IDC_GAMMA_LIST)));
+    const int withoutGamma = Top(program.Item(IDC_ADVANCED_BUTTON)) - Top(program.dialog);
+    ClickOn(program.Item(IDC_ADVANCED_BUTTON));
+    HWND page = WaitForPage(program);
+    ASSERT_NE(page, nullptr);
+    // On the page, Energy Smart and Auto Power Down stand one row (18 units) apart: the
+    // Dynamic Contrast row between them is not there.
+    ASSERT_FALSE(IsWindowVisible(GetDlgItem(page, IDC_DYNAMIC_CONTRAST_ON)));
+    EXPECT_NEAR(Top(GetDlgItem(page, IDC_AUTO_POWER_DOWN_ON)) - Top(GetDlgItem(page, IDC_ENERGY_SMART_ON)),
+                DialogUnitsY(page, 18), 1);
+
+    PickBelow(program.Item(IDC_DISPLAY_LIST), 1);
+    ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(program.Item(IDC_GAMMA_LIST)) != FALSE; }));
+    const int withGamma = Top(program.Item(IDC_ADVANCED_BUTTON)) - Top(program.dialog);
+    EXPECT_NEAR(withGamma - withoutGamma, DialogUnitsY(program.dialog, 24), 1);
+    ASSERT_TRUE(IsWindowVisible(GetDlgItem(page, IDC_DYNAMIC_CONTRAST_ON)));
+    EXPECT_NEAR(Top(GetDlgItem(page, IDC_AUTO_POWER_DOWN_ON)) - Top(GetDlgItem(page, IDC_ENERGY_SMART_ON)),
+                DialogUnitsY(page, 36), 1);
+}
+
+TEST(Journey, ATypedDarkValueIsAskedAboutOnceAndTheNextClickLands) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    const uint16_t before = canvas->Value(vcpC_Luminance);
+    canvas->ClearTransactions();
+
+    // 3 and Enter: one question; Yes keeps it.
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"3");
+    PressKey(VK_RETURN);
+    program.Settle();
+    EXPECT_EQ(gDarkQuestions.load(), 1);
+    EXPECT_EQ(canvas->Value(vcpC_Luminance), 3);
+    // Enter again, then a click into Contrast: nothing is asked, and the click moves the focus.
+    PressKey(VK_RETURN);
+    ClickOn(program.Item(IDC_CONTRAST_EDIT));
+    program.Settle();
+    EXPECT_EQ(gDarkQuestions.load(), 1);
+    EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_CONTRAST_EDIT));
+
+    // 2 and a click elsewhere: one question; No puts 3 back, and no second question follows.
+    gDarkAnswer = IDNO;
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"2");
+    ClickOn(program.Item(IDC_CONTRAST_EDIT));
+    program.Settle();
+    EXPECT_EQ(gDarkQuestions.load(), 2);
+    EXPECT_EQ(program.Text(IDC_BRIGHTNESS_EDIT), L"3");
+    EXPECT_EQ(canvas->Value(vcpC_Luminance), 3);
+    PressKey(VK_TAB);
+    program.Settle();
+    EXPECT_EQ(gDarkQuestions.load(), 2);
+    EXPECT_EQ(SetsOf(*canvas, vcpC_Luminance), (std::vector<uint16_t>{3, 2, 3}));
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+    EXPECT_NE(before, 3);
+}
+
+TEST(Journey, TheRealDarkScreenQuestionStandsInFrontAndIsAnsweredWithTheMouse) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    MessageWindows::SetMessageBoxTimeoutFunction(nullptr);  // Wine's own box (no time-out)
+    auto canvas = program.Display(0);
+    const uint16_t before = canvas->Value(vcpC_Luminance);
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"3");
+    PressKey(VK_RETURN);
+    HWND box = FindMessageBox({program.dialog});
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(InFront(box));
+    EXPECT_NE(MessageTextOf(box).find(L"too dark"), std::wstring::npos);
+    EXPECT_TRUE(WindowsAre({program.dialog, box}));
+    ClickOn(GetDlgItem(box, IDNO));
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
+    program.Settle();
+    EXPECT_EQ(canvas->Value(vcpC_Luminance), before);
+    EXPECT_EQ(program.Text(IDC_BRIGHTNESS_EDIT), std::to_wstring(before));
+    // The focus goes back to the edit and leaves it again: no second question.
+    ClickOn(program.Item(IDC_CONTRAST_EDIT));
+    Pause(300);
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+}
+
+TEST(Journey, TheCustomColourDialogAsksOncePerReleaseAndEnterAppliesATypedValue) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    // Custom colour mode, chosen with the keyboard in the open list.
+    HWND mode = program.Item(IDC_COLOR_SETTING_LIST);
+    ClickOn(mode);
+    PressKey(VK_END);
+    PressKey(VK_RETURN);
+    ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(program.Item(IDC_CUSTOM_COLOR_BUTTON)) != FALSE; }));
+    ClickOn(program.Item(IDC_CUSTOM_COLOR_BUTTON));
+    HWND colours = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return (colours = FindDialog(L"Custom Color")) != nullptr; }));
+
+    // 10 and Enter in the red and green gain boxes: applied at once, nothing asked (blue still
+    // gives light), and the dialog stays open.
+    const int gain = eColorModGain * CColorSettingsDialog::kChannels;
+    auto slider = [&](int channel) { return GetDlgItem(colours, IDC_COLOR_MOD_SLIDER_FIRST + gain + channel); };
+    auto edit = [&](int channel) { return GetDlgItem(colours, IDC_COLOR_MOD_EDIT_FIRST + gain + channel); };
+    canvas->ClearTransactions();
+    for (int channel : {0, 1}) {
+        TypeInto(edit(channel), L"10");
+        PressKey(VK_RETURN);
+        program.Settle();
+        EXPECT_TRUE(IsWindowVisible(colours));
+        EXPECT_EQ(SendMessageW(slider(channel), TBM_GETPOS, 0, 0), 10);
+    }
+    EXPECT_EQ(gDarkQuestions.load(), 0);
+    EXPECT_FALSE(canvas->Transactions().empty());
+    EXPECT_TRUE(WindowsAre({program.dialog, colours}));
+
+    // The blue gain slider dragged to its left end and let go: too dark, asked once; No puts
+    // blue back.
+    gDarkAnswer = IDNO;
+    const std::wstring blue = TextOf(edit(2));
+    RECT thumb{};
+    SendMessageW(slider(2), TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
+    MapWindowPoints(slider(2), nullptr, reinterpret_cast<POINT*>(&thumb), 2);
+    RECT track{};
+    GetWindowRect(slider(2), &track);
+    const POINT from{(thumb.left + thumb.right) / 2, (thumb.top + thumb.bottom) / 2};
+    Drag(from, {track.left - 20, from.y});
+    program.Settle();
+    EXPECT_EQ(gDarkQuestions.load(), 1);
+    EXPECT_EQ(TextOf(edit(2)), blue);
+    EXPECT_EQ(std::to_wstring(SendMessageW(slider(2), TBM_GETPOS, 0, 0)), blue);
+    EXPECT_TRUE(IsWindowVisible(colours));
+    // Esc leaves it as it was opened.
+    PressKey(VK_ESCAPE);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(colours); }));
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+}
+
+TEST(Journey, LcdConditioningAsksFirstKeepsUnsavedChangesOnNoAndShowsThatItRuns) {
+    SProgram program("two-families");  // Canvas 22 Pro offers LCD conditioning
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    const uint16_t saved = canvas->SavedValue(vcpC_Contrast);
+    TypeInto(program.Item(IDC_CONTRAST_EDIT), std::to_wstring(saved + 7));
+    PressKey(VK_RETURN);
+    ClickOn(program.Item(IDC_ADVANCED_BUTTON));
+    HWND page = WaitForPage(program);
+    ASSERT_NE(page, nullptr);
+    HWND start = GetDlgItem(page, IDC_LCD_CONDITIONING_START);
+
+    // Space on the focused Start button asks; Escape answers no: nothing is written or lost.
+    ClickOn(start);
+    HWND box = FindMessageBox({program.dialog, page});
+    ASSERT_NE(box, nullptr);
+    EXPECT_NE(MessageTextOf(box).find(L"Changes you have not saved are dropped first"), std::wstring::npos);
+    EXPECT_NE(MessageTextOf(box).find(L"Display: Velor Canvas 22 Pro"), std::wstring::npos);
+    PressKey(VK_ESCAPE);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
+    program.Settle();
+    EXPECT_TRUE(SetsOf(*canvas, vcpC_LCDConditioning).empty());
+    EXPECT_EQ(canvas->Value(vcpC_Contrast), saved + 7);
+    EXPECT_FALSE(IsWindowVisible(GetDlgItem(page, IDC_LCD_CONDITIONING_STATE)));
+
+    PressKey(VK_SPACE);  // the focus is back on Start
+    box = FindMessageBox({program.dialog, page});
+    ASSERT_NE(box, nullptr);
+    ClickOn(GetDlgItem(box, IDOK));
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
+    program.Settle();
+    EXPECT_EQ(SetsOf(*canvas, vcpC_LCDConditioning), (std::vector<uint16_t>{1}));
+    EXPECT_EQ(canvas->Value(vcpC_Contrast), saved);
+    EXPECT_TRUE(IsWindowVisible(GetDlgItem(page, IDC_LCD_CONDITIONING_STATE)));
+    EXPECT_EQ(TextOf(GetDlgItem(page, IDC_LCD_CONDITIONING_STATE)), L"Running");
+    EXPECT_FALSE(IsWindowEnabled(start));
+    // Space again starts nothing: the button is off while it runs.
+    PressKey(VK_SPACE);
+    Pause(300);
+    EXPECT_TRUE(WindowsAre({program.dialog, page}));
+    EXPECT_EQ(SetsOf(*canvas, vcpC_LCDConditioning).size(), 1u);
+}
+
+TEST(Journey, TheFactoryResetQuestionNamesTheDisplay) {
+    SProgram program("one-per-route");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    PickBelow(program.Item(IDC_DISPLAY_LIST), 2);  // Canvas 12, of four displays
+    ClickOn(program.Item(IDC_ADVANCED_BUTTON));
+    HWND page = WaitForPage(program);
+    ASSERT_NE(page, nullptr);
+    ClickOn(GetDlgItem(page, IDC_FACTORY_RESET));
+    HWND box = FindMessageBox({program.dialog, page});
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(MessageTextOf(box),
+              L"All settings of the display will be reset to their factory defaults.\nDo you want to "
+              L"continue?\n\nDisplay: Velor Canvas 12");
+    PressKey(VK_ESCAPE);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
+    for (const auto& display : program.machine.Machine().Displays()) {
+        EXPECT_TRUE(SetsOf(*display, vcpC_RestoreFactoryDefaults).empty());
+    }
+    EXPECT_TRUE(WindowsAre({program.dialog, page}));
+}
+
+namespace {
+
+std::vector<std::wstring> gOpened;
+bool RecordAddress(HWND, const std::wstring& address) {
+    gOpened.push_back(address);
+    return true;
+}
+
+std::wstring TestProgramFolder() {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    std::wstring folder = path;
+    return folder.substr(0, folder.find_last_of(L'\\') + 1);
+}
+
+}  // namespace
+
+TEST(Journey, HelpOpensTheDisplaysPageOrTheDeploymentsSiteAndSaysWhenItCannot) {
+    gOpened.clear();
+    CMainDialog::SetHelpOpener(&RecordAddress);
+    const std::wstring help = TestProgramFolder() + L"Help";
+    CreateDirectoryW(help.c_str(), nullptr);
+    const std::wstring page = help + L"\\canvas-22-pro.html";
+    std::ofstream(page.c_str()) << "<html></html>";
+    {
+        SProgram program("two-families");
+        ASSERT_TRUE(program.WaitForMainDialog());
+        // The page shipped beside the program.
+        ClickOn(program.Item(IDC_HELP_BUTTON));
+        program.Settle();
+        ASSERT_EQ(gOpened.size(), 1u);
+        EXPECT_EQ(gOpened[0], page);
+
+        // A deployment's own site, from the registry.
+        HKEY key = nullptr;
+        ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Velor\\OSD", 0, nullptr, 0, KEY_SET_VALUE,
+                                  nullptr, &key, nullptr),
+                  ERROR_SUCCESS);
+        const wchar_t site[] = L"https://help.studio.example/";
+        RegSetValueExW(key, L"HelpBaseAddress", 0, REG_SZ, reinterpret_cast<const BYTE*>(site), sizeof(site));
+        RegCloseKey(key);
+        ClickOn(program.Item(IDC_HELP_BUTTON));
+        program.Settle();
+        ASSERT_EQ(gOpened.size(), 2u);
+        EXPECT_EQ(gOpened[1], L"https://help.studio.example/UserHelp/en_US/TOC/canvas-22-pro.html");
+        EXPECT_TRUE(WindowsAre({program.dialog}));
+
+        // No page and no site: the user is told where the help was looked for.
+        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Velor");
+        DeleteFileW(page.c_str());
+        ClickOn(program.Item(IDC_HELP_BUTTON));
+        HWND box = FindMessageBox({program.dialog});
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(MessageTextOf(box), L"The help page could not be opened:\n" + help + L"\\index.html");
+        PressKey(VK_RETURN);
+        ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
+        EXPECT_EQ(gOpened.size(), 2u);
+    }
+    RemoveDirectoryW(help.c_str());
+    CMainDialog::SetHelpOpener(nullptr);
+}
+
+TEST(DialogLayout, TheAdvancedPageGoesBesideTheMainDialogNeverOverIt) {
+    const RECT work{0, 0, 1024, 738};
+    const SIZE page{399, 505};
+    // Room on the right.
+    EXPECT_EQ(PlaceBeside({100, 100, 556, 511}, page, work).x, 556);
+    // Room only on the left.
+    POINT at = PlaceBeside({600, 100, 1000, 511}, page, work);
+    EXPECT_EQ(at.x, 201);
+    EXPECT_EQ(at.y, 100);
+    // Centred on a 1024-wide screen: neither side has room; below neither; the top does not
+    // either: the side with the most room, inside the work area.
+    at = PlaceBeside({284, 163, 740, 574}, page, work);
+    EXPECT_EQ(at.x, 625);
+    EXPECT_EQ(at.y, 163);
+    // A low main dialog: the page goes above it.
+    at = PlaceBeside({284, 600, 740, 730}, SIZE{399, 300}, RECT{0, 0, 1000, 738});
+    EXPECT_EQ(at.y, 300);
+    EXPECT_EQ(at.x, 284);
+    // The lower edge stays inside the work area.
+    EXPECT_EQ(PlaceBeside({100, 500, 556, 700}, page, work).y, 738 - 505);
+}
