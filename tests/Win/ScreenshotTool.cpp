@@ -174,8 +174,13 @@ int main(int argc, char** argv) {
     }
     const std::string folder = argv[1];
     MessageWindows::SetMessageBoxTimeoutFunction(&KeepChanges);
-    MainDialog(folder, "en", "main-dialog-en", EShot::MainDialog);
-    MainDialog(folder, "de", "main-dialog-de", EShot::MainDialog);
+    // The main dialog in every language (the README shows English, German and Japanese; the
+    // rest are rendered to be looked at).
+    for (const char* language : {"en", "de", "ja", "es", "fr", "it", "ko", "nl", "pl", "pt", "ru", "tr", "zh_CN",
+                                 "zh_TW"}) {
+        MainDialog(folder, language, std::string("main-dialog-") + language, EShot::MainDialog);
+    }
+    MainDialog(folder, "ja", "advanced-dialog-ja", EShot::AdvancedDialog);
     MainDialog(folder, "en", "power-warning", EShot::PowerWarning);
     MainDialog(folder, "en", "advanced-dialog", EShot::AdvancedDialog);
     MainDialog(folder, "en", "custom-color", EShot::CustomColor);
