@@ -232,11 +232,8 @@ TEST(AdvancedDialog, AFactoryResetThatLosesTheDisplaysEndsInTheNoDeviceWindow) {
         return (box = FindDialog(kTitle, {program.dialog, program.page})) != nullptr;
     }));
     PostMessageW(box, WM_COMMAND, IDOK, 0);
-    HWND window = nullptr;
-    ASSERT_TRUE(WaitFor([&] {
-        window = FindDialog(kTitle);
-        return window != nullptr && GetDlgItem(window, IDC_NO_DEVICE_HEADING) != nullptr;
-    }));
+    HWND window = WaitForWindowWith(IDC_NO_DEVICE_HEADING);
+    ASSERT_NE(window, nullptr);
     PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
     program.ui.join();
 }

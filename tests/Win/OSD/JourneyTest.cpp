@@ -20,16 +20,6 @@
 
 namespace {
 
-// The advanced page once it is open.
-HWND WaitForPage(const SProgram& program) {
-    HWND page = nullptr;
-    WaitFor([&] {
-        page = FindDialog(kTitle, {program.dialog});
-        return page != nullptr && GetDlgItem(page, IDC_FACTORY_RESET) != nullptr;
-    });
-    return page;
-}
-
 // Opens a drop-down list with the mouse and picks the item `steps` below the selected one.
 void PickBelow(HWND combo, int steps) {
     ClickOn(combo);
@@ -72,7 +62,7 @@ TEST(Journey, TheAdvancedPageFollowsTheDisplayChosenInTheMainDialog) {
     auto canvasPro = DisplayOf(program, 0x1060);
     ASSERT_TRUE(studio && canvasPro);
     ClickOn(program.Item(IDC_ADVANCED_BUTTON));
-    HWND page = WaitForPage(program);
+    HWND page = WaitForWindowWith(IDC_FACTORY_RESET, {program.dialog});
     ASSERT_NE(page, nullptr);
     EXPECT_TRUE(WindowsAre({program.dialog, page}));
     EXPECT_EQ(TextOf(GetDlgItem(page, IDC_FIRMWARE_VERSION)), L"6.0.1");
@@ -118,7 +108,7 @@ TEST(Journey, RowsADisplayLacksLeaveNoGaps) {
     ASSERT_FALSE(IsWindowVisible(program.Item(IDC_GAMMA_LIST)));
     const int withoutGamma = Top(program.Item(IDC_ADVANCED_BUTTON)) - Top(program.dialog);
     ClickOn(program.Item(IDC_ADVANCED_BUTTON));
-    HWND page = WaitForPage(program);
+    HWND page = WaitForWindowWith(IDC_FACTORY_RESET, {program.dialog});
     ASSERT_NE(page, nullptr);
     // On the page, Energy Smart and Auto Power Down stand one row (18 units) apart: the
     // Dynamic Contrast row between them is not there.
@@ -256,7 +246,7 @@ TEST(Journey, LcdConditioningAsksFirstKeepsUnsavedChangesOnNoAndShowsThatItRuns)
     TypeInto(program.Item(IDC_CONTRAST_EDIT), std::to_wstring(saved + 7));
     PressKey(VK_RETURN);
     ClickOn(program.Item(IDC_ADVANCED_BUTTON));
-    HWND page = WaitForPage(program);
+    HWND page = WaitForWindowWith(IDC_FACTORY_RESET, {program.dialog});
     ASSERT_NE(page, nullptr);
     HWND start = GetDlgItem(page, IDC_LCD_CONDITIONING_START);
 
@@ -296,7 +286,7 @@ TEST(Journey, TheFactoryResetQuestionNamesTheDisplay) {
     ASSERT_TRUE(program.WaitForMainDialog());
     PickBelow(program.Item(IDC_DISPLAY_LIST), 2);  // Canvas 12, of four displays
     ClickOn(program.Item(IDC_ADVANCED_BUTTON));
-    HWND page = WaitForPage(program);
+    HWND page = WaitForWindowWith(IDC_FACTORY_RESET, {program.dialog});
     ASSERT_NE(page, nullptr);
     ClickOn(GetDlgItem(page, IDC_FACTORY_RESET));
     HWND box = FindMessageBox({program.dialog, page});

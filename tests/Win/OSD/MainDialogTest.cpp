@@ -254,11 +254,8 @@ TEST(Program, ASecondStartBringsTheFirstForwardAndOpensNothing) {
 TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
     {
         SProgram program("no-display");
-        HWND window = nullptr;
-        ASSERT_TRUE(WaitFor([&] {
-            window = FindDialog(kTitle);
-            return window != nullptr && GetDlgItem(window, IDC_NO_DEVICE_HEADING) != nullptr;
-        }));
+        HWND window = WaitForWindowWith(IDC_NO_DEVICE_HEADING);
+        ASSERT_NE(window, nullptr);
         EXPECT_EQ(TextOf(GetDlgItem(window, IDC_NO_DEVICE_HEADING)), L"No supported display found");
         PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
         program.ui.join();
@@ -266,11 +263,8 @@ TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
     SStartupOptions options;
     options.exitOnError = true;
     SProgram program("ddc-fails-serial-pairs", options);
-    HWND window = nullptr;
-    ASSERT_TRUE(WaitFor([&] {
-        window = FindDialog(kTitle);
-        return window != nullptr && GetDlgItem(window, IDC_ERROR_TEXT) != nullptr;
-    }));
+    HWND window = WaitForWindowWith(IDC_ERROR_TEXT);
+    ASSERT_NE(window, nullptr);
     const std::wstring text = TextOf(GetDlgItem(window, IDC_ERROR_TEXT));
     EXPECT_EQ(text.rfind(L"Display: VLR1042  [Velor Canvas 24]\n", 0), 0u);
     // The code the user can look up, and what to do, after the text support knows.

@@ -58,6 +58,24 @@ inline HWND FindDialog(const wchar_t* caption_I, std::initializer_list<HWND> exc
     return nullptr;
 }
 
+// Waits for a visible window with the product title that has this control (the no-device
+// window's heading, the error text, the advanced page's Factory Reset), other than those named.
+inline HWND WaitForWindowWith(int controlId_I, std::initializer_list<HWND> except_I = {}) {
+    HWND window = nullptr;
+    WaitFor([&] {
+        window = FindDialog(kTitle, except_I);
+        return window != nullptr && GetDlgItem(window, controlId_I) != nullptr;
+    });
+    return window != nullptr && GetDlgItem(window, controlId_I) != nullptr ? window : nullptr;
+}
+
+// Start-up options that choose an interface language.
+inline SStartupOptions InLanguage(const char* language_I) {
+    SStartupOptions options;
+    options.languageName = language_I;
+    return options;
+}
+
 inline std::wstring TextOf(HWND window_I) {
     wchar_t text[512] = {};
     GetWindowTextW(window_I, text, 512);

@@ -110,9 +110,7 @@ std::string Utf8(const std::vector<std::wstring>& lines) {
 TEST(TextFit, EveryTextFitsItsControlInEveryLanguage) {
     for (const char* language : kLanguageNames) {
         SCOPED_TRACE(language);
-        SStartupOptions options;
-        options.languageName = language;
-        SProgram program("two-families", options);
+        SProgram program("two-families", InLanguage(language));
         ASSERT_TRUE(program.WaitForMainDialog());
         const LANGID id = CLanguageProvider().LanguageIdFromName(language);
         const std::wstring customColor = MessageWindows::Text(2007, id);
@@ -164,14 +162,9 @@ TEST(TextFit, EveryTextFitsItsControlInEveryLanguage) {
 TEST(TextFit, TheNoDeviceWindowFitsInEveryLanguage) {
     for (const char* language : kLanguageNames) {
         SCOPED_TRACE(language);
-        SStartupOptions options;
-        options.languageName = language;
-        SProgram program("no-display", options);
-        HWND window = nullptr;
-        ASSERT_TRUE(WaitFor([&] {
-            window = FindDialog(kTitle);
-            return window != nullptr && GetDlgItem(window, IDC_NO_DEVICE_HEADING) != nullptr;
-        }));
+        SProgram program("no-display", InLanguage(language));
+        HWND window = WaitForWindowWith(IDC_NO_DEVICE_HEADING);
+        ASSERT_NE(window, nullptr);
         EXPECT_EQ(Utf8(Misfits(window)), "") << "no-device window";
         PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
         program.ui.join();
