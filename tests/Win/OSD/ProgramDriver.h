@@ -101,6 +101,7 @@ struct SProgram {
     CVirtualClock clock;
     CScopedClock scopedClock{clock};
     CSimulatedMachine machine;
+    std::atomic<bool> ended{false};
     std::thread ui;
     HWND dialog = nullptr;
 
@@ -113,7 +114,10 @@ struct SProgram {
         gDarkQuestions = 0;
         MessageWindows::SetMessageBoxTimeoutFunction(&AnswerDarkScreenQuestion);
         options.languageName = options.languageName == "userUI" ? "en" : options.languageName;
-        ui = std::thread([options] { RunApplication(options); });
+        ui = std::thread([this, options] {
+            RunApplication(options);
+            ended = true;
+        });
     }
     explicit SProgram(const char* scenario, SStartupOptions options = {})
         : SProgram(*VirtualMachine::Scenario(scenario), options) {}
@@ -121,6 +125,25 @@ struct SProgram {
     ~SProgram() {
         if (dialog != nullptr && IsWindow(dialog)) {
             PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        }
+        // A failed test may leave a question open (the program's thread waits in it): answer
+        // it "No" or "Cancel", so that the test fails instead of waiting for ever.
+        for (int i = 0; i < 500 && ui.joinable() && !ended; ++i) {
+            Sleep(10);
+            if (i % 20 != 19) {
+                continue;
+            }
+            for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, kDialogClass, nullptr)) != nullptr;) {
+                DWORD process = 0;
+                GetWindowThreadProcessId(box, &process);
+                if (process == GetCurrentProcessId() && box != dialog && IsWindowVisible(box)) {
+                    PostMessageW(box, WM_COMMAND, IDNO, 0);
+                    PostMessageW(box, WM_COMMAND, IDCANCEL, 0);
+                }
+            }
+            if (dialog != nullptr && IsWindow(dialog)) {
+                PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+            }
         }
         if (ui.joinable()) {
             ui.join();
