@@ -66,6 +66,28 @@ void Show(HWND window_I, bool visible_I) {
     ShowWindow(window_I, visible_I ? SW_SHOW : SW_HIDE);
 }
 
+// The page is modeless inside the main dialog's modal loop, which hands keys to the main
+// dialog alone. Every dialog loop offers each message to the thread's message filter first
+// (MSGF_DIALOGBOX): there the page's keys get the page's Tab, Enter, Esc and arrows.
+thread_local HWND gKeyboardPage = nullptr;
+thread_local HHOOK gPageKeysHook = nullptr;
+thread_local bool gInPageKeys = false;
+
+LRESULT CALLBACK PageKeys(int code_I, WPARAM wParam_I, LPARAM lParam_I) {
+    auto* message = reinterpret_cast<MSG*>(lParam_I);
+    if (code_I >= 0 && !gInPageKeys && gKeyboardPage != nullptr && message != nullptr &&
+        message->message >= WM_KEYFIRST && message->message <= WM_KEYLAST &&
+        (message->hwnd == gKeyboardPage || IsChild(gKeyboardPage, message->hwnd))) {
+        gInPageKeys = true;  // IsDialogMessage offers the message to this filter again
+        const BOOL handled = IsDialogMessageW(gKeyboardPage, message);
+        gInPageKeys = false;
+        if (handled) {
+            return TRUE;
+        }
+    }
+    return CallNextHookEx(gPageKeysHook, code_I, wParam_I, lParam_I);
+}
+
 }  // namespace
 
 CAdvancedDialog::CAdvancedDialog(CMainDialog& mainDlg_I, LANGID language_I)
@@ -162,7 +184,23 @@ LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     }
     SetWindowTextW(m_hWnd, MessageWindows::Text(2000, mLanguage).c_str());
     MessageWindows::SetCaptions(m_hWnd, kCaptions, mLanguage);
+    gKeyboardPage = m_hWnd;
+    if (gPageKeysHook == nullptr) {
+        gPageKeysHook = SetWindowsHookExW(WH_MSGFILTER, &PageKeys, nullptr, GetCurrentThreadId());
+    }
     return TRUE;
+}
+
+LRESULT CAdvancedDialog::OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled_O) {
+    if (gKeyboardPage == m_hWnd) {
+        gKeyboardPage = nullptr;
+        if (gPageKeysHook != nullptr) {
+            UnhookWindowsHookEx(gPageKeysHook);
+            gPageKeysHook = nullptr;
+        }
+    }
+    handled_O = FALSE;
+    return 0;
 }
 
 void CAdvancedDialog::FillChoice(ESetting setting_I, int labelId_I, int comboId_I) {
@@ -279,7 +317,8 @@ void CAdvancedDialog::LeaveDisplay() {
 }
 
 LRESULT CAdvancedDialog::OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
-    if (wParam_I == kSharpnessTimer) {
+    // While a long operation uses the display, the write waits for a later tick.
+    if (wParam_I == kSharpnessTimer && !mMainDlg.OperationRunning()) {
         WritePendingSharpness();
     }
     return 0;

@@ -35,6 +35,7 @@ public:
 
     BEGIN_MSG_MAP(CAdvancedDialog)
     MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
     MESSAGE_HANDLER(WM_SHOWWINDOW, OnShowWindow)
     MESSAGE_HANDLER(WM_TIMER, OnTimer)
     MESSAGE_HANDLER(WM_HSCROLL, OnHScroll)
@@ -61,6 +62,7 @@ public:
 
 private:
     LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled_O);
     LRESULT OnShowWindow(UINT, WPARAM wParam_I, LPARAM, BOOL&);
     LRESULT OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&);
     LRESULT OnHScroll(UINT, WPARAM, LPARAM lParam_I, BOOL& handled_O);

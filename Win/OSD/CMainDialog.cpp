@@ -184,8 +184,21 @@ DWORD WINAPI CMainDialog::ResetColorConfigThread(LPVOID pClass_I) {
     return 1;
 }
 
-void CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* firstName_I,
+bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* firstName_I,
                                    LPTHREAD_START_ROUTINE second_I, const char* secondName_I) {
+    if (mOperationRunning) {
+        // A double click or a second hot key while one runs: one operation at a time.
+        DLog("CMainDialog: %s not started, %s is running\n", firstName_I, mThread.Name().c_str());
+        return false;
+    }
+    mOperationRunning = true;
+    // No input reaches the dialogs meanwhile (the local loop below still dispatches it).
+    HWND focus = GetFocus();
+    EnableWindow(m_hWnd, FALSE);
+    HWND page = mAdvancedDialog && mAdvancedDialog->IsWindow() ? mAdvancedDialog->m_hWnd : nullptr;
+    if (page != nullptr) {
+        EnableWindow(page, FALSE);
+    }
     mThread.Start(first_I, firstName_I, this);
     SetTimer(m_hWnd, kPollTimer, kPollPeriodMs, nullptr);
     mWaitWindow = MessageWindows::CreateWaitWindow(m_hWnd, mLanguage);
@@ -218,6 +231,19 @@ void CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
     }
     KillTimer(m_hWnd, kPollTimer);
     mThread.JoinAndClose();
+    if (page != nullptr && ::IsWindow(page)) {
+        EnableWindow(page, TRUE);
+    }
+    EnableWindow(m_hWnd, TRUE);
+    if (focus != nullptr && ::IsWindow(focus) && IsWindowVisible(focus)) {
+        SetFocus(focus);
+    }
+    mOperationRunning = false;
+    if (mSearchAgainPending) {
+        mSearchAgainPending = false;
+        PostMessageW(m_hWnd, kSearchAgainMessage, 0, 0);
+    }
+    return true;
 }
 
 // ---- Start ----
@@ -734,9 +760,11 @@ LRESULT CMainDialog::OnCustomColor(WORD, WORD, HWND, BOOL&) {
 }
 
 LRESULT CMainDialog::OnResetColor(WORD, WORD, HWND, BOOL&) {
-    RunLongOperation(&CMainDialog::ResetColorThread, "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorThread",
-                     &CMainDialog::ResetColorConfigThread,
-                     "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorConfigThread");
+    if (!RunLongOperation(&CMainDialog::ResetColorThread, "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorThread",
+                          &CMainDialog::ResetColorConfigThread,
+                          "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorConfigThread")) {
+        return 0;
+    }
     ShowCustomColorText();
     UpdateButtons();
     return 0;
@@ -815,14 +843,32 @@ LRESULT CMainDialog::OnHelp(WORD, WORD, HWND, BOOL&) {
 // ---- Factory reset by hot key ----
 
 LRESULT CMainDialog::OnHotKey(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
-    if (static_cast<int>(wParam_I) == kHotKeyId) {
-        // A service shortcut: deliberately without confirmation.
-        FactoryReset();
+    if (static_cast<int>(wParam_I) != kHotKeyId) {
+        return 0;
     }
+    // Registered system-wide as the hot key always was, but it acts only for the user of this
+    // program: while one of its own windows is in front, no question or other modal window of
+    // ours is open (they disable the main dialog), nothing else runs, and not as AltGr+R
+    // (right Alt), which types a character on many keyboard layouts.
+    HWND front = GetForegroundWindow();
+    const bool ours = front == m_hWnd || (mAdvancedDialog && front == mAdvancedDialog->m_hWnd);
+    if (!ours || !IsWindowEnabled(m_hWnd) || mOperationRunning || GetKeyState(VK_RMENU) < 0) {
+        DLog("CMainDialog: hot key ignored (%s)\n", !ours                      ? "another window is in front"
+                                                    : mOperationRunning       ? "an operation runs"
+                                                    : !IsWindowEnabled(m_hWnd) ? "a window of ours is open"
+                                                                              : "AltGr");
+        return 0;
+    }
+    // A service shortcut: deliberately without confirmation.
+    FactoryReset();
     return 0;
 }
 
 LRESULT CMainDialog::OnSearchAgain(UINT, WPARAM, LPARAM, BOOL&) {
+    if (mOperationRunning) {
+        mSearchAgainPending = true;  // after the running operation
+        return 0;
+    }
     if (mBusy || !mDisplayConfigIF) {
         return 0;
     }
@@ -834,6 +880,10 @@ LRESULT CMainDialog::OnSearchAgain(UINT, WPARAM, LPARAM, BOOL&) {
 }
 
 void CMainDialog::FactoryReset() {
+    if (mOperationRunning) {
+        DLog("CMainDialog: factory reset not started, %s is running\n", mThread.Name().c_str());
+        return;
+    }
     mAdvancedWasOpen = mAdvancedDialog && mAdvancedDialog->IsShown();
     if (mAdvancedWasOpen) {
         ShowWindow(mAdvancedDialog->m_hWnd, SW_HIDE);

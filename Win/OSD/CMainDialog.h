@@ -55,6 +55,9 @@ public:
     void RefreshControls() { InitControls(); }
     // Factory reset of the selected display behind the wait window, then a fresh search.
     void FactoryReset();
+    // A long operation (search, colour or factory reset) runs: the dialogs take no input
+    // that could start another, and nothing else may use the displays meanwhile.
+    bool OperationRunning() const { return mOperationRunning; }
     CAdvancedDialog& AdvancedDialog() { return *mAdvancedDialog; }
 
     // The help page of the selected display: on the deployment's own site when the registry
@@ -112,8 +115,9 @@ private:
     LRESULT OnAdvanced(WORD, WORD, HWND, BOOL&);
     LRESULT OnHelp(WORD, WORD, HWND, BOOL&);
 
-    // Runs the threads one after the other behind the wait window, pumping messages.
-    void RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* firstName_I,
+    // Runs the threads one after the other behind the wait window, pumping messages; false
+    // (and nothing started) while another runs.
+    bool RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* firstName_I,
                           LPTHREAD_START_ROUTINE second_I, const char* secondName_I);
     // After a factory reset: the display list afresh, or the end when it is empty.
     void Rebuild();
@@ -148,6 +152,8 @@ private:
     int32_t mCurrentBrightness = 0;
     int32_t mCurrentContrast = 0;
     bool mBusy = false;
+    bool mOperationRunning = false;
+    bool mSearchAgainPending = false;
     bool mIgnorePowerWarning = false;
     std::optional<SWindowPosition> mRememberedPosition;
     RECT mWindowRect{};

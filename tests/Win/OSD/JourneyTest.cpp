@@ -385,3 +385,104 @@ TEST(DialogLayout, TheAdvancedPageGoesBesideTheMainDialogNeverOverIt) {
     // The lower edge stays inside the work area.
     EXPECT_EQ(PlaceBeside({100, 500, 556, 700}, page, work).y, 738 - 505);
 }
+
+TEST(Journey, ADoubleClickedResetColorAndTheHotKeyDuringItStartNothingMore) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    CShortenedRealClock shortened(4);  // the colour reset takes about a second
+    CScopedClock clock(shortened);
+    canvas->ClearTransactions();
+
+    // A double click on Reset Color, then the hot key while the reset runs.
+    MoveMouse(CentreOf(program.Item(IDC_RESET_COLOR_BUTTON)));
+    for (int click = 0; click < 2; ++click) {
+        SendMouse(MOUSEEVENTF_LEFTDOWN);
+        SendMouse(MOUSEEVENTF_LEFTUP);
+        Sleep(60);
+    }
+    PressKey('R', {VK_CONTROL, VK_MENU});
+    // The program keeps answering while the reset runs, and it ends with one wait window gone.
+    bool alwaysAnswered = true;
+    bool sawWaitWindow = false;
+    for (int i = 0; i < 100; ++i) {
+        alwaysAnswered = alwaysAnswered && Answers(program.dialog);
+        const bool waiting = VisibleWindows().size() > 1;
+        sawWaitWindow = sawWaitWindow || waiting;
+        if (sawWaitWindow && !waiting) {
+            break;
+        }
+        Sleep(50);
+    }
+    program.Settle();
+    EXPECT_TRUE(sawWaitWindow);
+    EXPECT_TRUE(alwaysAnswered);
+    EXPECT_EQ(SetsOf(*canvas, vcpC_RestoreFactoryColorDefaults), (std::vector<uint16_t>{1}));
+    EXPECT_TRUE(SetsOf(*canvas, vcpC_RestoreFactoryDefaults).empty());
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+    EXPECT_TRUE(IsWindowEnabled(program.dialog));
+}
+
+TEST(Journey, TheHotKeyDoesNothingWhileAnotherWindowIsInFront) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    // Another application's window in front (here: a plain window of the test's own thread).
+    WNDCLASSW type{};
+    type.lpfnWndProc = DefWindowProcW;
+    type.hInstance = GetModuleHandleW(nullptr);
+    type.lpszClassName = L"AnotherProgram";
+    RegisterClassW(&type);
+    HWND other = CreateWindowExW(0, L"AnotherProgram", L"Another program", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50,
+                                 50, 300, 200, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    ASSERT_NE(other, nullptr);
+    ClickOn(other);
+    ASSERT_EQ(GetForegroundWindow(), other);
+    PressKey('R', {VK_CONTROL, VK_MENU});
+    for (int i = 0; i < 20; ++i) {  // let the thread see it, while this one pumps its window
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            DispatchMessageW(&message);
+        }
+        Sleep(20);
+    }
+    program.Settle();
+    EXPECT_TRUE(SetsOf(*canvas, vcpC_RestoreFactoryDefaults).empty());
+    EXPECT_TRUE(IsWindowVisible(program.dialog));
+    DestroyWindow(other);
+
+    // In front, the same keys reset the display, unasked (a service shortcut).
+    ClickOn(program.Item(IDC_BRIGHTNESS_EDIT));
+    ASSERT_EQ(GetForegroundWindow(), program.dialog);
+    PressKey('R', {VK_CONTROL, VK_MENU});
+    ASSERT_TRUE(WaitFor([&] { return SetsOf(*canvas, vcpC_RestoreFactoryDefaults).size() == 1; }));
+    ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(program.dialog) != FALSE; }));
+}
+
+TEST(Journey, TabShiftTabEscapeAndEnterWorkInTheAdvancedPage) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    ClickOn(program.Item(IDC_ADVANCED_BUTTON));
+    HWND page = WaitForWindowWith(IDC_FACTORY_RESET, {program.dialog});
+    ASSERT_NE(page, nullptr);
+    ClickOn(GetDlgItem(page, IDC_ENERGY_SMART_OFF));
+    ASSERT_EQ(FocusOf(page), GetDlgItem(page, IDC_ENERGY_SMART_OFF));
+    PressKey(VK_TAB);
+    EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_ENERGY_SMART_ON));
+    PressKey(VK_TAB, {VK_SHIFT});
+    EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_ENERGY_SMART_OFF));
+    // Esc is Cancel: the page closes.
+    PressKey(VK_ESCAPE);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(page); }));
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+    // Enter is OK.
+    ClickOn(program.Item(IDC_ADVANCED_BUTTON));
+    ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(page) != FALSE; }));
+    ClickOn(GetDlgItem(page, IDC_ENERGY_SMART_OFF));
+    PressKey(VK_RETURN);
+    ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(page); }));
+    // Tab in the main dialog still moves there.
+    ClickOn(program.Item(IDC_BRIGHTNESS_EDIT));
+    PressKey(VK_TAB);
+    EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_BRIGHTNESS_SLIDER));
+}

@@ -204,6 +204,27 @@ inline std::vector<uint16_t> SetsOf(const CVirtualDisplay& display, uint8_t code
     return values;
 }
 
+// A clock whose pauses really pass, shortened: a long operation lasts long enough for a
+// person to click or press keys into it, and the test still ends soon.
+class CShortenedRealClock final : public IClock {
+public:
+    explicit CShortenedRealClock(int divisor_I) : mDivisor(divisor_I) {}
+    void Pause(std::chrono::microseconds duration_I) override {
+        Sleep(static_cast<DWORD>(duration_I.count() / 1000 / mDivisor));
+    }
+    std::chrono::microseconds Now() const override { return mReal.Now(); }
+
+private:
+    int mDivisor;
+    CRealClock mReal;
+};
+
+// The program answers a message within 200 ms (its interface thread is not blocked).
+inline bool Answers(HWND window) {
+    DWORD_PTR result = 0;
+    return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 200, &result) != 0;
+}
+
 // ---- Real input: the mouse and keyboard as the system delivers a person's ----
 
 inline void SendMouse(DWORD flags, LONG x = 0, LONG y = 0) {
