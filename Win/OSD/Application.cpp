@@ -21,25 +21,72 @@ LANGID InterfaceLanguage(const SStartupOptions& options_I) {
     return language;
 }
 
+namespace {
+
+constexpr wchar_t kRunningMutex[] = L"VelorDisplaySettings.Running";
+
+// The first copy's main dialog, known by its own mark rather than by a title that the
+// advanced page shares; restored when minimised and brought to the front.
+void BringRunningCopyForward() {
+    HWND found = nullptr;
+    EnumWindows(
+        [](HWND window_I, LPARAM found_O) -> BOOL {
+            if (GetPropW(window_I, CMainDialog::kIdentityProperty) != nullptr) {
+                *reinterpret_cast<HWND*>(found_O) = window_I;
+                return FALSE;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    if (found == nullptr) {
+        DLog("A copy of the program runs (still searching): this start ends\n");
+        return;
+    }
+    DLog("A copy of the program runs: bringing it forward\n");
+    ShowWindow(found, IsIconic(found) ? SW_RESTORE : SW_SHOW);
+    SetForegroundWindow(found);
+}
+
+}  // namespace
+
 int RunApplication(const SStartupOptions& options_I) {
     DebugLog::SetEnabled(options_I.debugOutput);
     if (options_I.help) {
         MessageBoxW(nullptr, HelpText(), kHelpCaption, kHelpStyle);
-        return 0;
+        return eExitClosed;
+    }
+    // Before anything else (a departure from the title check alone, which stays in the main
+    // dialog): a second start must not search, and so talk to displays the first copy holds.
+    HANDLE running = CreateMutexW(nullptr, FALSE, kRunningMutex);
+    if (running != nullptr && GetLastError() == ERROR_ALREADY_EXISTS) {
+        CloseHandle(running);
+        BringRunningCopyForward();
+        return eExitClosed;
     }
     INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);
 
     const LANGID language = InterfaceLanguage(options_I);
-    CMainDialog dialog(options_I, language);
-    dialog.DoModal(nullptr);
-    switch (dialog.Outcome()) {
-        case CMainDialog::EOutcome::NoDevice: MessageWindows::RunNoDeviceWindow(nullptr, language); break;
-        case CMainDialog::EOutcome::Error:
-            MessageWindows::RunErrorWindow(nullptr, dialog.ErrorText(), language);
-            break;
-        case CMainDialog::EOutcome::AlreadyRunning:
-        case CMainDialog::EOutcome::Closed: break;
+    int exitCode = eExitClosed;
+    {
+        CMainDialog dialog(options_I, language);
+        dialog.DoModal(nullptr);
+        switch (dialog.Outcome()) {
+            case CMainDialog::EOutcome::NoDevice:
+                MessageWindows::RunNoDeviceWindow(nullptr, language);
+                exitCode = eExitNoDisplay;
+                break;
+            case CMainDialog::EOutcome::Error:
+                MessageWindows::RunErrorWindow(nullptr, dialog.ErrorText(), language);
+                exitCode = eExitError;
+                break;
+            case CMainDialog::EOutcome::CommunicationFailure: exitCode = eExitCommunicationFailure; break;
+            case CMainDialog::EOutcome::AlreadyRunning:
+            case CMainDialog::EOutcome::Closed: break;
+        }
     }
-    return 0;
+    if (running != nullptr) {
+        CloseHandle(running);
+    }
+    return exitCode;
 }

@@ -135,6 +135,7 @@ std::wstring CAdvancedDialog::ProgramVersion() {
 bool CAdvancedDialog::Checked(bool ok_I) {
     if (!ok_I) {
         // A failed write here ends the program: its settings may leave the display half-set.
+        mMainDlg.NoteFatalFailure();
         MessageWindows::ShowCommunicationError(mMainDlg.m_hWnd, Delegate(), true, mLanguage);
     }
     return ok_I;

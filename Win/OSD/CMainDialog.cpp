@@ -114,6 +114,9 @@ std::vector<int32_t> CMainDialog::Values(int comboId_I) const {
 bool CMainDialog::Check(bool ok_I) {
     if (!ok_I) {
         UiDisplayDelegate* delegate = Delegate();
+        if (mOptions.exitOnError) {
+            NoteFatalFailure();
+        }
         MessageWindows::ShowCommunicationError(m_hWnd, delegate, mOptions.exitOnError, mLanguage);
         // A display that slept or was re-plugged closes its connector: search again, so that it
         // is found under its new handles (beyond what the error box itself does). Posted, so the
@@ -270,6 +273,7 @@ LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
         return TRUE;
     }
     SetWindowTextW(m_hWnd, title.c_str());
+    SetPropW(m_hWnd, kIdentityProperty, reinterpret_cast<HANDLE>(1));
     if (HICON icon = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_APPLICATION_ICON))) {
         SendMessageW(m_hWnd, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon));
         SendMessageW(m_hWnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
@@ -505,8 +509,20 @@ void CMainDialog::PlaceWindow() {
 
 // ---- Messages ----
 
+LRESULT CMainDialog::OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled_O) {
+    RemovePropW(m_hWnd, kIdentityProperty);
+    handled_O = FALSE;
+    return 0;
+}
+
 LRESULT CMainDialog::OnMove(UINT, WPARAM, LPARAM, BOOL&) {
     GetWindowRect(m_hWnd, &mWindowRect);
+    // The remembered position follows the window, so that placing it again (after another
+    // display, a colour change, a reset) leaves it where the user put it; at start-up the
+    // position read from the registry is used as before.
+    if (IsWindowVisible(m_hWnd) && !IsIconic(m_hWnd)) {
+        mRememberedPosition = SWindowPosition{mWindowRect.left, mWindowRect.top};
+    }
     mMonitorInfo.cbSize = sizeof(mMonitorInfo);
     GetMonitorInfoW(MonitorFromRect(&mWindowRect, MONITOR_DEFAULTTOPRIMARY), &mMonitorInfo);
     if (mAdvancedDialog) {

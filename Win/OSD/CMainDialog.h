@@ -27,7 +27,9 @@
 class CMainDialog : public CDialogBase {
 public:
     // How a run of the dialog ended, for the entry point to act on.
-    enum class EOutcome { Closed, AlreadyRunning, NoDevice, Error };
+    enum class EOutcome { Closed, AlreadyRunning, NoDevice, Error, CommunicationFailure };
+    // The mark a second start finds the running main dialog by (a window property).
+    static constexpr wchar_t kIdentityProperty[] = L"VelorDisplaySettings.MainDialog";
 
     CMainDialog(const SStartupOptions& options_I, LANGID language_I);
     ~CMainDialog() override;
@@ -59,6 +61,8 @@ public:
     // that could start another, and nothing else may use the displays meanwhile.
     bool OperationRunning() const { return mOperationRunning; }
     CAdvancedDialog& AdvancedDialog() { return *mAdvancedDialog; }
+    // A failed write that ends the program (the advanced page's, or any with /exitOnError).
+    void NoteFatalFailure() { mOutcome = EOutcome::CommunicationFailure; }
 
     // The help page of the selected display: on the deployment's own site when the registry
     // names one, otherwise the page shipped beside the program (Help\<page>.html).
@@ -72,6 +76,7 @@ public:
 
     BEGIN_MSG_MAP(CMainDialog)
     MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
     MESSAGE_HANDLER(kSearchAgainMessage, OnSearchAgain)
     MESSAGE_HANDLER(WM_HOTKEY, OnHotKey)
     MESSAGE_HANDLER(WM_MOVE, OnMove)
@@ -98,6 +103,7 @@ public:
 private:
     LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnHotKey(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled_O);
     LRESULT OnSearchAgain(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnMove(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnHScroll(UINT, WPARAM wParam_I, LPARAM lParam_I, BOOL& handled_O);

@@ -12,8 +12,6 @@
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine_I, int) {
     RestrictLibrarySearchToSystem();
-    // The installer and uninstaller look for this to see whether the program is running.
-    HANDLE running = CreateMutexW(nullptr, FALSE, L"VelorDisplaySettings.Running");
     const SStartupOptions options =
         ParseStartupOptions(commandLine_I != nullptr ? commandLine_I : L"", false);
     std::unique_ptr<CDemoMachine> demo;
@@ -22,8 +20,5 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine_I, int) {
     }
     const int result = RunApplication(options);
     demo.reset();
-    if (running != nullptr) {
-        CloseHandle(running);
-    }
     return result;
 }

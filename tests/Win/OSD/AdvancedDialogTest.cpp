@@ -191,6 +191,7 @@ TEST(AdvancedDialog, AFailedWriteHereEndsTheProgram) {
     PostMessageW(box, WM_COMMAND, IDOK, 0);
     program.ui.join();  // the program has ended
     EXPECT_FALSE(IsWindow(program.dialog));
+    EXPECT_EQ(program.exitCode.load(), 3);
 }
 
 TEST(AdvancedDialog, FactoryResetAsksRunsAndRebuilds) {

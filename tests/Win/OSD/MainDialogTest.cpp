@@ -240,15 +240,32 @@ TEST(MainDialog, ADisplayThatWasRepluggedIsFoundAgainAfterTheError) {
 TEST(Program, ASecondStartBringsTheFirstForwardAndOpensNothing) {
     SProgram first("two-families");
     ASSERT_TRUE(first.WaitForMainDialog());
+    // Minimised, with its advanced page open (which has the same title).
+    first.Click(IDC_ADVANCED_BUTTON);
+    ShowWindow(first.dialog, SW_MINIMIZE);
+    ASSERT_TRUE(WaitFor([&] { return IsIconic(first.dialog) != FALSE; }));
+    for (size_t i = 0; i < 2; ++i) {
+        first.Display(i)->ClearTransactions();
+    }
     SStartupOptions options;
     options.languageName = "en";
-    std::thread second([options] { RunApplication(options); });
+    int exitCode = -1;
+    std::thread second([options, &exitCode] { exitCode = RunApplication(options); });
     second.join();  // returns by itself
+    EXPECT_EQ(exitCode, 0);
+    // The first copy's main dialog is back, the second searched nothing and opened nothing.
+    ASSERT_TRUE(WaitFor([&] { return !IsIconic(first.dialog); }));
+    EXPECT_TRUE(IsWindowVisible(first.dialog));
+    for (size_t i = 0; i < 2; ++i) {
+        EXPECT_TRUE(first.Display(i)->Transactions().empty());
+    }
     int dialogs = 0;
     for (HWND found = nullptr; (found = FindWindowExW(nullptr, found, kDialogClass, kTitle)) != nullptr;) {
-        dialogs += IsWindowVisible(found) ? 1 : 0;
+        dialogs += IsWindowVisible(found) && GetDlgItem(found, IDC_DISPLAY_LIST) != nullptr ? 1 : 0;
     }
     EXPECT_EQ(dialogs, 1);
+    first.Close();
+    EXPECT_EQ(first.exitCode.load(), 0);
 }
 
 TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
@@ -259,6 +276,7 @@ TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
         EXPECT_EQ(TextOf(GetDlgItem(window, IDC_NO_DEVICE_HEADING)), L"No supported display found");
         PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
         program.ui.join();
+        EXPECT_EQ(program.exitCode.load(), 1);
     }
     SStartupOptions options;
     options.exitOnError = true;
@@ -273,6 +291,7 @@ TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
               std::wstring::npos);
     PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
     program.ui.join();
+    EXPECT_EQ(program.exitCode.load(), 2);
 }
 
 TEST(Program, HelpShowsOnlyTheOptionBox) {

@@ -102,6 +102,7 @@ struct SProgram {
     CScopedClock scopedClock{clock};
     CSimulatedMachine machine;
     std::atomic<bool> ended{false};
+    std::atomic<int> exitCode{-1};
     std::thread ui;
     HWND dialog = nullptr;
 
@@ -115,7 +116,7 @@ struct SProgram {
         MessageWindows::SetMessageBoxTimeoutFunction(&AnswerDarkScreenQuestion);
         options.languageName = options.languageName == "userUI" ? "en" : options.languageName;
         ui = std::thread([this, options] {
-            RunApplication(options);
+            exitCode = RunApplication(options);
             ended = true;
         });
     }
