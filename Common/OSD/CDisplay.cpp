@@ -52,6 +52,7 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
         if (!mConnector) {
             return false;
         }
+        const auto exclusive = mConnector->Exclusive();
         if (mMonitorName.empty()) {
             CScopedTimer nameTimer("CDisplay::Initialize", " MonitorName");
             mMonitorName = mConnector->MonitorName();
@@ -173,6 +174,7 @@ bool CDisplay::ReadVCPValue_(const VCPOptionPtr& option_I) {
     } else if (option_I->Info().Readable()) {
         ByteBuffer inBuffer;
         if (mConnector) {
+            const auto exclusive = mConnector->Exclusive();
             inBuffer =
                 mConnector->SendRequest(BuildGetVCPRequest(code), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
         }
@@ -240,6 +242,7 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
             option_I->SetError(EReplyError::DeviceNotOpen);
         } else {
             const uint16_t value = static_cast<uint16_t>(option_I->GetValue() & 0xFFFF);
+            const auto exclusive = mConnector->Exclusive();
             ByteBuffer inBuffer = mConnector->SendRequest(
                 BuildSetVCPRequest(code, value), Ddc::SetRequestWaitSeconds(code), Ddc::kReplySize, 0);
             StripReplyChecksum(inBuffer);
@@ -402,6 +405,7 @@ bool CDisplay::Save() {
     if (!mConnector) {
         return true;
     }
+    const auto exclusive = mConnector->Exclusive();
     if (!mConnector->SaveSettingsToScalar()) {
         NoteFailure("Save", "the display did not confirm storing the settings");
         return false;

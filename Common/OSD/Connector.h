@@ -9,6 +9,7 @@
 // false. Operations a transport does not support assert and answer with the empty result.
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 
 #include "ByteBuffer.h"
@@ -50,6 +51,11 @@ public:
     // sid_I selects a sub-display where a transport has several; -1 is the display itself.
     virtual ByteBuffer ReadEDID(int32_t sid_I) = 0;
 
+    // One exchange with the display at a time: whoever talks through the connector (the
+    // interface thread, a worker, the command-line tool) holds this for the whole exchange, so
+    // that requests and replies of two threads never interleave. Nested holds are allowed.
+    std::unique_lock<std::recursive_mutex> Exclusive() { return std::unique_lock<std::recursive_mutex>(mAccess); }
+
     // Restores factory defaults through the maker's fixed reset message.
     bool ScalarReset();
     // Makes the display store its current settings.
@@ -66,6 +72,7 @@ protected:
     ByteBuffer mEDIDCache;
 
 private:
+    std::recursive_mutex mAccess;
     struct SFixedCommand {
         ByteBuffer request;
         double waitSeconds;

@@ -98,7 +98,8 @@ CMainDialog::~CMainDialog() {
 }
 
 UiDisplayDelegate* CMainDialog::Delegate() const {
-    if (!mDisplayConfigIF || mSelectedDisplay >= mDisplayIndexes.size()) {
+    // While a search empties and refills the display list, there is no display to use.
+    if (!mDisplayConfigIF || mSearching || mSelectedDisplay >= mDisplayIndexes.size()) {
         return nullptr;
     }
     const auto displays = mDisplayConfigIF->Displays();
@@ -202,6 +203,7 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
     if (page != nullptr) {
         EnableWindow(page, FALSE);
     }
+    mSearching = first_I == &CMainDialog::DisplayConfigThread;
     mThread.Start(first_I, firstName_I, this);
     SetTimer(m_hWnd, kPollTimer, kPollPeriodMs, nullptr);
     mWaitWindow = MessageWindows::CreateWaitWindow(m_hWnd, mLanguage);
@@ -214,6 +216,7 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
                 break;
             }
             onSecond = true;
+            mSearching = second_I == &CMainDialog::DisplayConfigThread;
             mThread.Start(second_I, secondName_I, this);
             continue;
         }
@@ -242,6 +245,7 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
         SetFocus(focus);
     }
     mOperationRunning = false;
+    mSearching = false;
     if (mSearchAgainPending) {
         mSearchAgainPending = false;
         PostMessageW(m_hWnd, kSearchAgainMessage, 0, 0);

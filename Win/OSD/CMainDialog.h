@@ -159,6 +159,7 @@ private:
     int32_t mCurrentContrast = 0;
     bool mBusy = false;
     bool mOperationRunning = false;
+    bool mSearching = false;  // a search thread runs: the display list is being rebuilt
     bool mSearchAgainPending = false;
     bool mIgnorePowerWarning = false;
     std::optional<SWindowPosition> mRememberedPosition;

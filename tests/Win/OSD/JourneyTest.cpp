@@ -527,3 +527,38 @@ TEST(Journey, AWindowTheUserMovedStaysThereWhenTheDialogIsPlacedAgain) {
     EXPECT_EQ(stored->y, moved.top);
     EXPECT_EQ(program.exitCode.load(), 0);
 }
+
+TEST(Journey, SliderMovesDuringASearchReachNoDisplayAndTheDialogWorksAfterIt) {
+    SProgram program("one-per-route");  // the serial and bridge displays take time to find
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto studio = DisplayOf(program, 0x1070);  // selected; its brightness is the maker's 0x6B
+    ASSERT_TRUE(studio);
+    constexpr uint8_t kStudioBrightness = 0x6B;
+    CShortenedRealClock shortened(2);
+    CScopedClock clock(shortened);
+    studio->ClearTransactions();
+    PostMessageW(program.dialog, CMainDialog::kSearchAgainMessage, 0, 0);
+    ASSERT_TRUE(WaitFor([&] { return VisibleWindows().size() > 1; }));  // the wait window
+    // A drag as the slider reports it, and the real mouse on the slider: the dialog takes no
+    // input, and what arrives anyway finds no display while the list is rebuilt.
+    HWND slider = program.Item(IDC_BRIGHTNESS_SLIDER);
+    for (int position = 10; position <= 60; position += 10) {
+        PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, position), reinterpret_cast<LPARAM>(slider));
+    }
+    PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_ENDTRACK, 0), reinterpret_cast<LPARAM>(slider));
+    ClickOn(slider);
+    EXPECT_TRUE(Answers(program.dialog));
+    ASSERT_GT(VisibleWindows().size(), 1u);  // all of it happened while the search ran
+    for (int i = 0; i < 200 && VisibleWindows().size() > 1; ++i) {
+        EXPECT_TRUE(Answers(program.dialog));
+        Sleep(50);
+    }
+    program.Settle();
+    EXPECT_TRUE(SetsOf(*studio, kStudioBrightness).empty());
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+    // The dialog works on the display found again.
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"55");
+    PressKey(VK_RETURN);
+    program.Settle();
+    EXPECT_EQ(SetsOf(*studio, kStudioBrightness), (std::vector<uint16_t>{55}));
+}
