@@ -25,6 +25,11 @@ void CVirtualMonitorConfiguration::SetUnreachable(const std::shared_ptr<CVirtual
     mUnreachable.push_back(display_I);
 }
 
+void CVirtualMonitorConfiguration::SetReachable(const std::shared_ptr<CVirtualDisplay>& display_I) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mUnreachable.erase(std::remove(mUnreachable.begin(), mUnreachable.end(), display_I), mUnreachable.end());
+}
+
 void CVirtualMonitorConfiguration::Replug(const std::shared_ptr<CVirtualDisplay>& display_I) {
     std::lock_guard<std::mutex> lock(mMutex);
     for (auto& [monitor, physical] : mMonitors) {

@@ -51,6 +51,8 @@ public:
     // Every call that reaches this display fails as when it does not answer on the bus (a
     // dock or converter that does not pass DDC/CI on).
     void SetUnreachable(const std::shared_ptr<CVirtualDisplay>& display_I);
+    // It answers again (plugged back in, switched on).
+    void SetReachable(const std::shared_ptr<CVirtualDisplay>& display_I);
 
     // The display sleeps and wakes, or is unplugged and plugged in again: the physical-monitor
     // handles given out for it die (every call on them fails as on Windows), and listing its

@@ -1,6 +1,7 @@
 #include "CMainDialog.h"
 
 #include <commctrl.h>
+#include <dbt.h>
 #include <shellapi.h>
 
 #include <algorithm>
@@ -18,6 +19,18 @@
 namespace {
 
 constexpr UINT_PTR kPollTimer = 1;
+constexpr UINT_PTR kSettleTimer = 2;
+// Devices come in several notifications (monitor, HID interfaces, ports) and answer only a
+// little after they arrive: one search once the desk has been still this long.
+constexpr UINT kSettleMs = 1500;
+// The device interfaces whose arrival and removal matter: HID, monitors, COM ports.
+constexpr GUID kWatchedInterfaces[] = {
+    {0x4D1E55B2, 0xF16F, 0x11CF, {0x88, 0xCB, 0x00, 0x11, 0x11, 0x00, 0x00, 0x30}},
+    {0xE6F07B5F, 0xEE97, 0x4A90, {0xB0, 0x76, 0x33, 0xF5, 0x7B, 0xF4, 0xEA, 0xA7}},
+    {0x86E0D1E0, 0x8089, 0x11D0, {0x9C, 0xE4, 0x08, 0x00, 0x3E, 0x30, 0x1F, 0x73}},
+};
+// GUID_CONSOLE_DISPLAY_STATE: the display was switched off, dimmed or on.
+constexpr GUID kConsoleDisplayState = {0x6FE69556, 0x704A, 0x47A0, {0x8F, 0x24, 0xC2, 0x8D, 0x93, 0x6F, 0xDA, 0x47}};
 constexpr UINT kPollPeriodMs = 100;
 constexpr int kHotKeyId = 0;
 constexpr int kToolTipWidth = 400;
@@ -336,6 +349,7 @@ LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     mIgnorePowerWarning = AppRegistry::ReadIgnorePowerWarning();
     InitControls();
     RegisterHotKey(m_hWnd, kHotKeyId, MOD_ALT | MOD_CONTROL, 'R');
+    RegisterForSystemChanges();
     return TRUE;
 }
 
@@ -354,8 +368,17 @@ void CMainDialog::FillDisplayList() {
                      reinterpret_cast<LPARAM>(Widen(displays[i]->SupportedName()).c_str()));
         mDisplayIndexes.push_back(i);
     }
-    if (mSelectedDisplay >= mDisplayIndexes.size()) {
+    // The display selected before a search stays selected where it is found again, at
+    // whatever place the search put it.
+    const std::vector<std::wstring> identities = DisplayIdentities();
+    const auto kept = std::find(identities.begin(), identities.end(), mSelectedIdentity);
+    if (!mSelectedIdentity.empty() && kept != identities.end()) {
+        mSelectedDisplay = static_cast<size_t>(kept - identities.begin());
+    } else if (mSelectedDisplay >= mDisplayIndexes.size()) {
         mSelectedDisplay = 0;
+    }
+    if (mSelectedDisplay < identities.size()) {
+        mSelectedIdentity = identities[mSelectedDisplay];
     }
     SendMessageW(list, CB_SETCURSEL, mSelectedDisplay, 0);
 }
@@ -513,8 +536,77 @@ void CMainDialog::PlaceWindow() {
 
 // ---- Messages ----
 
+LRESULT CMainDialog::OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
+    // Timer 1 only keeps the local loop awake.
+    if (wParam_I == kSettleTimer) {
+        KillTimer(m_hWnd, kSettleTimer);
+        DLog("CMainDialog: the desk is still again; searching\n");
+        PostMessageW(m_hWnd, kSearchAgainMessage, 0, 0);
+    }
+    return 0;
+}
+
+LRESULT CMainDialog::OnSystemChange(UINT message_I, WPARAM wParam_I, LPARAM lParam_I, BOOL&) {
+    bool search = false;
+    switch (message_I) {
+        case WM_DISPLAYCHANGE: search = true; break;
+        case WM_DEVICECHANGE:
+            search = wParam_I == DBT_DEVICEARRIVAL || wParam_I == DBT_DEVICEREMOVECOMPLETE ||
+                     wParam_I == DBT_DEVNODES_CHANGED;
+            break;
+        case WM_POWERBROADCAST:
+            if (wParam_I == PBT_APMRESUMEAUTOMATIC || wParam_I == PBT_APMRESUMESUSPEND) {
+                search = true;
+            } else if (wParam_I == PBT_POWERSETTINGCHANGE && lParam_I != 0) {
+                // The display is on again (1); off (0) and dimmed (2) need nothing yet.
+                const auto* setting = reinterpret_cast<const POWERBROADCAST_SETTING*>(lParam_I);
+                search = IsEqualGUID(setting->PowerSetting, kConsoleDisplayState) && setting->DataLength >= 4 &&
+                         *reinterpret_cast<const DWORD*>(setting->Data) == 1;
+            }
+            break;
+        default: break;
+    }
+    if (search && mDisplayConfigIF) {
+        // (Re)started on every event: one search when they stop.
+        SetTimer(m_hWnd, kSettleTimer, kSettleMs, nullptr);
+    }
+    return message_I == WM_POWERBROADCAST || message_I == WM_DEVICECHANGE ? TRUE : 0;
+}
+
+void CMainDialog::RegisterForSystemChanges() {
+    for (const GUID& watched : kWatchedInterfaces) {
+        DEV_BROADCAST_DEVICEINTERFACE_W filter{};
+        filter.dbcc_size = sizeof(filter);
+        filter.dbcc_devicetype = DBT_DEVTYP_DEVICEINTERFACE;
+        filter.dbcc_classguid = watched;
+        if (HDEVNOTIFY handle = RegisterDeviceNotificationW(m_hWnd, &filter, DEVICE_NOTIFY_WINDOW_HANDLE)) {
+            mDeviceNotifications.push_back(handle);
+        }
+    }
+    mPowerNotification = RegisterPowerSettingNotification(m_hWnd, &kConsoleDisplayState, DEVICE_NOTIFY_WINDOW_HANDLE);
+}
+
+std::vector<std::wstring> CMainDialog::DisplayIdentities() const {
+    std::vector<std::wstring> identities;
+    for (const SDisplayInfo& info : mDisplayConfigIF->DisplayInfos()) {
+        if (info.display) {
+            identities.push_back(info.serialNumber + L"|" + info.supportedName);
+        }
+    }
+    return identities;
+}
+
 LRESULT CMainDialog::OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled_O) {
     RemovePropW(m_hWnd, kIdentityProperty);
+    KillTimer(m_hWnd, kSettleTimer);
+    for (HDEVNOTIFY handle : mDeviceNotifications) {
+        UnregisterDeviceNotification(handle);
+    }
+    mDeviceNotifications.clear();
+    if (mPowerNotification != nullptr) {
+        UnregisterPowerSettingNotification(mPowerNotification);
+        mPowerNotification = nullptr;
+    }
     handled_O = FALSE;
     return 0;
 }
@@ -745,6 +837,8 @@ LRESULT CMainDialog::OnDisplayChanged(WORD, WORD, HWND, BOOL&) {
         mAdvancedDialog->LeaveDisplay();  // what it still owes the display being left
     }
     mSelectedDisplay = static_cast<size_t>(selection);
+    const std::vector<std::wstring> identities = DisplayIdentities();
+    mSelectedIdentity = mSelectedDisplay < identities.size() ? identities[mSelectedDisplay] : std::wstring();
     ClearCombos();  // another display may offer other choices
     InitControls();
     if (mAdvancedDialog && mAdvancedDialog->IsShown()) {

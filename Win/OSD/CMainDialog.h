@@ -83,6 +83,9 @@ public:
     MESSAGE_HANDLER(WM_HSCROLL, OnHScroll)
     MESSAGE_HANDLER(WM_VSCROLL, OnVScroll)
     MESSAGE_HANDLER(WM_TIMER, OnTimer)
+    MESSAGE_HANDLER(WM_DISPLAYCHANGE, OnSystemChange)
+    MESSAGE_HANDLER(WM_DEVICECHANGE, OnSystemChange)
+    MESSAGE_HANDLER(WM_POWERBROADCAST, OnSystemChange)
     COMMAND_HANDLER(IDC_BRIGHTNESS_EDIT, EN_KILLFOCUS, OnEditKillFocus)
     COMMAND_HANDLER(IDC_CONTRAST_EDIT, EN_KILLFOCUS, OnEditKillFocus)
     COMMAND_ID_HANDLER(IDOK, OnOk)
@@ -108,7 +111,12 @@ private:
     LRESULT OnMove(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnHScroll(UINT, WPARAM wParam_I, LPARAM lParam_I, BOOL& handled_O);
     LRESULT OnVScroll(UINT, WPARAM wParam_I, LPARAM, BOOL&);
-    LRESULT OnTimer(UINT, WPARAM, LPARAM, BOOL&) { return 0; }  // only keeps the local loop awake
+    LRESULT OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&);
+    // A display came or went, the desktop changed, the computer or a display woke up.
+    LRESULT OnSystemChange(UINT message_I, WPARAM wParam_I, LPARAM lParam_I, BOOL&);
+    void RegisterForSystemChanges();
+    // The serial number (and name) of each display in the list, in its order.
+    std::vector<std::wstring> DisplayIdentities() const;
     LRESULT OnEditKillFocus(WORD, WORD id_I, HWND, BOOL&);
     LRESULT OnOk(WORD, WORD, HWND, BOOL&);
     LRESULT OnCancel(WORD, WORD, HWND, BOOL&);
@@ -170,6 +178,9 @@ private:
     std::map<int, std::vector<int32_t>> mValues;
     std::vector<size_t> mDisplayIndexes;
     size_t mSelectedDisplay = 0;
+    std::wstring mSelectedIdentity;  // kept selected across searches while it is found
+    std::vector<HDEVNOTIFY> mDeviceNotifications;
+    HPOWERNOTIFY mPowerNotification = nullptr;
     int mScrollPosition = 1;
     CRowLayout mRows;
     EOutcome mOutcome = EOutcome::Closed;

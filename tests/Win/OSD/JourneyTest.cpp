@@ -9,6 +9,8 @@
 // windows.h first: commctrl.h needs its types.
 #include <commctrl.h>
 
+#include <dbt.h>
+
 #include <fstream>
 
 #include "CColorSettingsDialog.h"
@@ -561,4 +563,43 @@ TEST(Journey, SliderMovesDuringASearchReachNoDisplayAndTheDialogWorksAfterIt) {
     PressKey(VK_RETURN);
     program.Settle();
     EXPECT_EQ(SetsOf(*studio, kStudioBrightness), (std::vector<uint16_t>{55}));
+}
+
+TEST(Journey, DisplaysThatGoAndComeBackAreFoundAgainAndTheSelectedOneStaysSelected) {
+    SProgram program("two-families");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto canvas = program.Display(0);
+    auto studio = program.Display(1);
+    CVirtualMonitorConfiguration& api = program.machine.MonitorConfiguration();
+    HWND list = program.Item(IDC_DISPLAY_LIST);
+
+    // Canvas 22 Pro is unplugged: Windows tells of a device change; after the desk settles the
+    // program searches once and shows what is left.
+    api.SetUnreachable(canvas);
+    const size_t listings = api.CallCount(EMcaCall::GetPhysicalMonitors);
+    for (int i = 0; i < 3; ++i) {  // a burst of notifications
+        PostMessageW(program.dialog, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
+        Sleep(100);
+    }
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 1; }));
+    program.Settle();
+    EXPECT_EQ(api.CallCount(EMcaCall::GetPhysicalMonitors) - listings, 2u);  // one search of two monitors
+    EXPECT_EQ(SelectedText(list), L"Velor Studio 32");
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+
+    // It comes back while the computer sleeps; on waking the program finds it again, and the
+    // display the user works on stays selected though it is now second in the list.
+    api.SetReachable(canvas);
+    api.Replug(canvas);
+    api.Replug(studio);
+    PostMessageW(program.dialog, WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC, 0);
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 2; }));
+    program.Settle();
+    EXPECT_EQ(SelectedText(list), L"Velor Studio 32");
+    studio->ClearTransactions();
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"42");
+    PressKey(VK_RETURN);
+    program.Settle();
+    EXPECT_EQ(studio->Value(0x6B), 42);  // the Studio family's brightness is the maker's 0x6B
+    EXPECT_TRUE(WindowsAre({program.dialog}));  // no error box on the way
 }
