@@ -22,6 +22,7 @@ struct SDevice {
     uint32_t readWriteError = 0;
     unsigned featureReportLength = 512;
     bool hung = false;
+    bool unplugged = false;
 };
 
 std::mutex gMutex;
@@ -49,7 +50,7 @@ HANDLE WINAPI SimCreateFileA(LPCSTR path_I, DWORD access_I, DWORD, LPSECURITY_AT
     std::lock_guard<std::mutex> lock(gMutex);
     const std::string path = path_I != nullptr ? path_I : "";
     auto it = gDevices.find(path);
-    if (it == gDevices.end()) {
+    if (it == gDevices.end() || it->second.unplugged) {
         SetLastError(ERROR_FILE_NOT_FOUND);
         return INVALID_HANDLE_VALUE;
     }
@@ -95,6 +96,10 @@ BOOL WINAPI SimDeviceIoControl(HANDLE handle_I, DWORD ioctl_I, LPVOID in_I, DWOR
         std::lock_guard<std::mutex> lock(gMutex);
         ++(set ? gCounters.setFeatures : gCounters.getFeatures);
         gCounters.lastReportLength = length;
+    }
+    if (known && entry.unplugged) {
+        SetLastError(ERROR_DEVICE_NOT_CONNECTED);
+        return FALSE;
     }
     if (known && entry.hung && overlapped_I != nullptr) {
         return Pend(overlapped_I);
@@ -227,6 +232,11 @@ void CSimulatedHidApi::SetDeviceTraits(const std::string& path_I, uint32_t readW
 void CSimulatedHidApi::SetHung(const std::string& path_I, bool hung_I) {
     std::lock_guard<std::mutex> lock(gMutex);
     gDevices[path_I].hung = hung_I;
+}
+
+void CSimulatedHidApi::SetUnplugged(const std::string& path_I, bool unplugged_I) {
+    std::lock_guard<std::mutex> lock(gMutex);
+    gDevices[path_I].unplugged = unplugged_I;
 }
 
 const SHidApi& CSimulatedHidApi::Table() {

@@ -28,6 +28,10 @@ public:
     void SetDeviceTraits(const std::string& path_I, uint32_t readWriteError_I, unsigned featureReportLength_I);
     // A device whose firmware has stopped: feature-report requests stay pending until cancelled.
     void SetHung(const std::string& path_I, bool hung_I);
+    // The device is unplugged: it no longer opens (file not found), and a handle still open
+    // fails every request with "device not connected" (1167), as Windows does; false plugs it
+    // back in.
+    void SetUnplugged(const std::string& path_I, bool unplugged_I);
 
     // The table of simulated functions (the discovery table opens HID paths with it too).
     static const SHidApi& Table();

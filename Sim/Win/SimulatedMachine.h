@@ -22,6 +22,7 @@ public:
 
     const SVirtualMachine& Machine() const;
     CVirtualMonitorConfiguration& MonitorConfiguration() { return *mMonitorConfiguration; }
+    CSimulatedHidApi& Hid() { return *mHid; }
     // The monitor handle of the n-th monitor (null when it is not on the desktop).
     HMONITOR MonitorHandle(size_t index_I) const;
 

@@ -126,6 +126,12 @@ std::vector<int32_t> CMainDialog::Values(int comboId_I) const {
 }
 
 bool CMainDialog::Check(bool ok_I) {
+    // The HID route acknowledges a set whose report never reached the display (the protocol
+    // keeps that); a connector that closed under it means the display is gone: not done.
+    if (ok_I) {
+        UiDisplayDelegate* delegate = Delegate();
+        ok_I = delegate == nullptr || !delegate->GetConnector() || delegate->GetConnector()->IsOpen();
+    }
     if (!ok_I) {
         UiDisplayDelegate* delegate = Delegate();
         if (mOptions.exitOnError) {

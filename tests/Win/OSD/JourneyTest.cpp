@@ -603,3 +603,49 @@ TEST(Journey, DisplaysThatGoAndComeBackAreFoundAgainAndTheSelectedOneStaysSelect
     EXPECT_EQ(studio->Value(0x6B), 42);  // the Studio family's brightness is the maker's 0x6B
     EXPECT_TRUE(WindowsAre({program.dialog}));  // no error box on the way
 }
+
+TEST(Journey, AnUnpluggedHidDisplayIsReportedClosedAndFoundAgainWhenItComesBack) {
+    SProgram program("one-per-route");  // Studio 24, selected, is reached over USB (HID)
+    ASSERT_TRUE(program.WaitForMainDialog());
+    auto studio = DisplayOf(program, 0x1070);
+    ASSERT_TRUE(studio);
+    std::string path;
+    for (const auto& hid : program.machine.Machine().hidInterfaces) {
+        path = hid.display == studio ? hid.path : path;
+    }
+    ASSERT_FALSE(path.empty());
+    HWND list = program.Item(IDC_DISPLAY_LIST);
+    ASSERT_EQ(SelectedText(list), L"Velor Studio 24");
+
+    // Unplugged: the change is reported as failed, not as done, and the program looks again.
+    program.machine.Hid().SetUnplugged(path, true);
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"30");
+    PressKey(VK_RETURN);
+    HWND box = FindMessageBox({program.dialog});
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(MessageTextOf(box).rfind(L"There was an error talking to the display.", 0), 0u);
+    PressKey(VK_RETURN);
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 3; }));
+    program.Settle();
+    EXPECT_EQ(SelectedText(list), L"Velor Canvas 22 Pro");
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+
+    // Plugged back in: Windows announces the device; once it has settled it is in the list.
+    program.machine.Hid().SetUnplugged(path, false);
+    // Sent, as Windows sends it: an arrival carries a pointer and cannot be posted.
+    DEV_BROADCAST_HDR arrival{sizeof(arrival), DBT_DEVTYP_DEVICEINTERFACE, 0};
+    SendMessageW(program.dialog, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, reinterpret_cast<LPARAM>(&arrival));
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 4; }));
+    program.Settle();
+    EXPECT_EQ(SelectedText(list), L"Velor Canvas 22 Pro");  // the user's choice meanwhile stays
+    ClickOn(list);
+    PressKey(VK_HOME);
+    PressKey(VK_RETURN);
+    ASSERT_TRUE(WaitFor([&] { return SelectedText(list) == L"Velor Studio 24"; }));
+    studio->ClearTransactions();
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"30");
+    PressKey(VK_RETURN);
+    program.Settle();
+    EXPECT_EQ(SetsOf(*studio, 0x6B), (std::vector<uint16_t>{30}));  // Studio's brightness code
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+}
