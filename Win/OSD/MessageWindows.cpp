@@ -28,6 +28,7 @@ constexpr UINT kDisplayLabel = 2001;
 constexpr UINT kLcdConditioningQuestion = 2229;
 constexpr UINT kLcdConditioningStyle = MB_OKCANCEL | MB_ICONQUESTION | MB_DEFBUTTON2;
 constexpr int kOkButtonBottomGap = 20;
+constexpr int kNoDeviceHeadingHeight = 20;
 
 std::atomic<MessageBoxTimeoutFunction> gReplacement{nullptr};
 
@@ -77,6 +78,23 @@ void CentreOkButton(HWND window_I) {
     const int height = button.bottom - button.top;
     SetWindowPos(ok, nullptr, (client.right - width) / 2, client.bottom - kOkButtonBottomGap - height, 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER);
+}
+
+// The DPI of the monitor a window is on (GetDpiForWindow, Windows 10 1607 on), else the
+// system's.
+UINT WindowDpi(HWND window_I) {
+    using GetDpiForWindowFunction = UINT(WINAPI*)(HWND);
+    static const auto getDpiForWindow = reinterpret_cast<GetDpiForWindowFunction>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
+    if (getDpiForWindow != nullptr) {
+        if (const UINT dpi = getDpiForWindow(window_I)) {
+            return dpi;
+        }
+    }
+    HDC dc = GetDC(window_I);
+    const int dpi = GetDeviceCaps(dc, LOGPIXELSY);
+    ReleaseDC(window_I, dc);
+    return dpi > 0 ? static_cast<UINT>(dpi) : 96;
 }
 
 // "\n\nDisplay: Velor Studio 24", or nothing without a name.
@@ -191,8 +209,9 @@ void RunNoDeviceWindow(HWND owner_I, LANGID language_I) {
     SetWindowTextW(hNotSupportedWindow, Text(kProductTitle, language_I).c_str());
     SetDlgItemTextW(hNotSupportedWindow, IDC_NO_DEVICE_HEADING, Text(kNoDeviceHeading, language_I).c_str());
     SetDlgItemTextW(hNotSupportedWindow, IDC_NO_DEVICE_TEXT, Text(kNoDeviceText, language_I).c_str());
+    // Height 20 at 96 DPI, as tall on a display of any scale.
     HFONT heading =
-        CreateFontW(20, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+        CreateFontW(MulDiv(kNoDeviceHeadingHeight, WindowDpi(hNotSupportedWindow), 96), 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                     CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH, L"Segoe UI");
     SendDlgItemMessageW(hNotSupportedWindow, IDC_NO_DEVICE_HEADING, WM_SETFONT,
                         reinterpret_cast<WPARAM>(heading), TRUE);
