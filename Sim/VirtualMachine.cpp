@@ -97,6 +97,24 @@ SVirtualMachine TwoFamilies() {
     return machine;
 }
 
+// Two displays on the graphics driver, and what happens to them on a moving desk.
+SVirtualMachine Replugged() {
+    SVirtualMachine machine = TwoFamilies();
+    using std::chrono::seconds;
+    const auto canvasPro = machine.monitors[0].display;  // the one the program shows first
+    machine.timeline = {{seconds(8), SDeskEvent::EKind::Unplug, canvasPro},
+                        {seconds(16), SDeskEvent::EKind::PlugIn, canvasPro}};
+    return machine;
+}
+
+SVirtualMachine SleepAndWake() {
+    SVirtualMachine machine = TwoFamilies();
+    using std::chrono::seconds;
+    machine.timeline = {{seconds(8), SDeskEvent::EKind::Sleep, nullptr},
+                        {seconds(14), SDeskEvent::EKind::Wake, nullptr}};
+    return machine;
+}
+
 SVirtualMachine DdcFailsPairedBySerial() {
     SVirtualMachine machine;
     auto canvas = MakeDisplay("canvas-24");
@@ -159,6 +177,9 @@ const std::vector<SScenario>& Scenarios() {
          "Canvas 13 HD on an FTDI bridge",
          &OnePerRoute},
         {"two-families", "Canvas 22 Pro and Studio 32, both through the graphics driver", &TwoFamilies},
+        {"replug", "two-families; Canvas 22 Pro is unplugged after 8 s and plugged back in after 16 s",
+         &Replugged},
+        {"sleep-wake", "two-families; the computer sleeps after 8 s and wakes after 14 s", &SleepAndWake},
         {"ddc-fails-serial-pairs", "Canvas 24 whose DDC/CI fails, paired by serial number on COM4",
          &DdcFailsPairedBySerial},
         {"serial-matches-nothing",

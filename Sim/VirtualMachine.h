@@ -6,6 +6,7 @@
 // the named scenarios are the test beds of discovery and the machines the demo shows.
 
 #include <cstdint>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -52,6 +53,20 @@ struct SVirtualFtdiBridge {
     bool openElsewhere = false;                // another program holds it
 };
 
+// Something that happens on the desk while a scenario runs: the demo plays these on the real
+// clock; tests make the same changes themselves.
+struct SDeskEvent {
+    enum class EKind {
+        Unplug,  // the display's cable is pulled: it stops answering, its handles die
+        PlugIn,  // it is plugged back in
+        Sleep,   // the computer sleeps: every display stops answering
+        Wake,    // and wakes: they answer again under new handles
+    };
+    std::chrono::milliseconds at{0};  // after the program started
+    EKind kind = EKind::Unplug;
+    std::shared_ptr<CVirtualDisplay> display;  // Unplug and PlugIn: which one
+};
+
 struct SVirtualMachine {
     std::string name;
     std::string description;
@@ -60,6 +75,7 @@ struct SVirtualMachine {
     std::vector<SVirtualComPort> comPorts;
     std::vector<SVirtualFtdiBridge> ftdiBridges;
     std::string biosManufacturer = "Contoso Computers";
+    std::vector<SDeskEvent> timeline;  // in order of time
 
     // Every virtual display of the machine once, in the order first named.
     std::vector<std::shared_ptr<CVirtualDisplay>> Displays() const;

@@ -35,9 +35,30 @@ CDemoMachine::CDemoMachine(const std::string& scenario_I) : mScenario(scenario_I
     }
     mMachine = std::make_unique<CSimulatedMachine>(std::move(*machine));
     Load();
+    if (!mMachine->Machine().timeline.empty()) {
+        mStop = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+        mTimeline = std::thread([this] {
+            const DWORD start = GetTickCount();
+            for (const SDeskEvent& event : mMachine->Machine().timeline) {
+                const DWORD due = static_cast<DWORD>(event.at.count());
+                const DWORD now = GetTickCount() - start;
+                if (WaitForSingleObject(mStop, due > now ? due - now : 0) == WAIT_OBJECT_0) {
+                    return;
+                }
+                mMachine->Play(event);
+            }
+        });
+    }
 }
 
 CDemoMachine::~CDemoMachine() {
+    if (mTimeline.joinable()) {
+        SetEvent(mStop);
+        mTimeline.join();
+    }
+    if (mStop != nullptr) {
+        CloseHandle(mStop);
+    }
     Store();
 }
 

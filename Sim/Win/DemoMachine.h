@@ -1,10 +1,15 @@
 #pragma once
 // The program's demo: a simulated machine installed as the system, whose displays keep their
 // saved settings between runs in a file under the user's application data folder, so that
-// Save, Revert, a restart and a factory reset behave as on hardware.
+// Save, Revert, a restart and a factory reset behave as on hardware. A scenario with a desk
+// timeline (displays unplugged and plugged in, the computer asleep and awake) plays it on the
+// real clock while the program runs.
+
+#include <windows.h>
 
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "SimulatedMachine.h"
 
@@ -28,4 +33,6 @@ private:
 
     std::string mScenario;
     std::unique_ptr<CSimulatedMachine> mMachine;
+    HANDLE mStop = nullptr;  // set when the demo ends: the timeline stops waiting
+    std::thread mTimeline;
 };

@@ -1,10 +1,15 @@
 #include "SimulatedMachine.h"
 
+#include <windows.h>
+// windows.h first: dbt.h needs its types.
+#include <dbt.h>
+
 #include <cstring>
 #include <map>
 #include <mutex>
 
 #include "CVirtualMpsseEngine.h"
+#include "DebugLog.h"
 #include "CVirtualSerialPort.h"
 #include "Ftd2xxApi.h"
 #include "SerialPort.h"
@@ -617,4 +622,37 @@ CSimulatedMachine::SFtdiUse CSimulatedMachine::FtdiUse(size_t index_I) const {
 
 const SDiscoverySystemApi& CSimulatedMachine::Table() {
     return kTable;
+}
+
+void CSimulatedMachine::Play(const SDeskEvent& event_I) {
+    const bool gone = event_I.kind == SDeskEvent::EKind::Unplug || event_I.kind == SDeskEvent::EKind::Sleep;
+    const bool everyDisplay = event_I.kind == SDeskEvent::EKind::Sleep || event_I.kind == SDeskEvent::EKind::Wake;
+    for (const auto& display : Machine().Displays()) {
+        if (!everyDisplay && display != event_I.display) {
+            continue;
+        }
+        if (gone) {
+            mMonitorConfiguration->SetUnreachable(display);
+        } else {
+            mMonitorConfiguration->SetReachable(display);
+        }
+        mMonitorConfiguration->Replug(display);  // the handles given out for it die either way
+        for (const SVirtualHidInterface& hid : Machine().hidInterfaces) {
+            if (hid.display == display) {
+                mHid->SetUnplugged(hid.path, gone);
+            }
+        }
+    }
+    DLog("Simulated desk: %s\n", event_I.kind == SDeskEvent::EKind::Unplug   ? "a display is unplugged"
+                                 : event_I.kind == SDeskEvent::EKind::PlugIn ? "a display is plugged in"
+                                 : event_I.kind == SDeskEvent::EKind::Sleep  ? "the computer sleeps"
+                                                                             : "the computer wakes");
+    switch (event_I.kind) {
+        case SDeskEvent::EKind::Unplug:
+        case SDeskEvent::EKind::PlugIn: PostMessageW(HWND_BROADCAST, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0); break;
+        case SDeskEvent::EKind::Sleep: PostMessageW(HWND_BROADCAST, WM_POWERBROADCAST, PBT_APMSUSPEND, 0); break;
+        case SDeskEvent::EKind::Wake:
+            PostMessageW(HWND_BROADCAST, WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC, 0);
+            break;
+    }
 }

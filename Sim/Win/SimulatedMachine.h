@@ -23,6 +23,9 @@ public:
     const SVirtualMachine& Machine() const;
     CVirtualMonitorConfiguration& MonitorConfiguration() { return *mMonitorConfiguration; }
     CSimulatedHidApi& Hid() { return *mHid; }
+    // Makes it happen on every route the display is reached by, and tells the programs as
+    // Windows would (a device change, a suspend, a resume).
+    void Play(const SDeskEvent& event_I);
     // The monitor handle of the n-th monitor (null when it is not on the desktop).
     HMONITOR MonitorHandle(size_t index_I) const;
 

@@ -374,8 +374,8 @@ void CMainDialog::FillDisplayList() {
                      reinterpret_cast<LPARAM>(Widen(displays[i]->SupportedName()).c_str()));
         mDisplayIndexes.push_back(i);
     }
-    // The display selected before a search stays selected where it is found again, at
-    // whatever place the search put it.
+    // The display the user chose stays selected where a search finds it, at whatever place;
+    // while it is gone another stands in, and when it comes back it is selected again.
     const std::vector<std::wstring> identities = DisplayIdentities();
     const auto kept = std::find(identities.begin(), identities.end(), mSelectedIdentity);
     if (!mSelectedIdentity.empty() && kept != identities.end()) {
@@ -383,7 +383,7 @@ void CMainDialog::FillDisplayList() {
     } else if (mSelectedDisplay >= mDisplayIndexes.size()) {
         mSelectedDisplay = 0;
     }
-    if (mSelectedDisplay < identities.size()) {
+    if (mSelectedIdentity.empty() && mSelectedDisplay < identities.size()) {
         mSelectedIdentity = identities[mSelectedDisplay];
     }
     SendMessageW(list, CB_SETCURSEL, mSelectedDisplay, 0);

@@ -42,6 +42,9 @@ std::shared_ptr<CVirtualDisplay> DisplayOf(const SProgram& program, uint16_t edi
     return nullptr;
 }
 
+// A search after the desk settles: the settle time and the search itself, on a busy machine.
+constexpr int kSearchTimeMs = 15000;
+
 int Top(HWND control) {
     RECT rect{};
     GetWindowRect(control, &rect);
@@ -572,28 +575,30 @@ TEST(Journey, DisplaysThatGoAndComeBackAreFoundAgainAndTheSelectedOneStaysSelect
     auto studio = program.Display(1);
     CVirtualMonitorConfiguration& api = program.machine.MonitorConfiguration();
     HWND list = program.Item(IDC_DISPLAY_LIST);
+    PickBelow(list, 1);  // the user works on Studio 32, second in the list
+    ASSERT_TRUE(WaitFor([&] { return SelectedText(list) == L"Velor Studio 32"; }));
 
     // Canvas 22 Pro is unplugged: Windows tells of a device change; after the desk settles the
-    // program searches once and shows what is left.
+    // program searches once and shows what is left, Studio 32 now first.
     api.SetUnreachable(canvas);
     const size_t listings = api.CallCount(EMcaCall::GetPhysicalMonitors);
     for (int i = 0; i < 3; ++i) {  // a burst of notifications
         PostMessageW(program.dialog, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
         Sleep(100);
     }
-    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 1; }));
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 1; }, kSearchTimeMs));
     program.Settle();
     EXPECT_EQ(api.CallCount(EMcaCall::GetPhysicalMonitors) - listings, 2u);  // one search of two monitors
     EXPECT_EQ(SelectedText(list), L"Velor Studio 32");
     EXPECT_TRUE(WindowsAre({program.dialog}));
 
     // It comes back while the computer sleeps; on waking the program finds it again, and the
-    // display the user works on stays selected though it is now second in the list.
+    // display the user works on stays selected though it is second in the list again.
     api.SetReachable(canvas);
     api.Replug(canvas);
     api.Replug(studio);
     PostMessageW(program.dialog, WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC, 0);
-    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 2; }));
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 2; }, kSearchTimeMs));
     program.Settle();
     EXPECT_EQ(SelectedText(list), L"Velor Studio 32");
     studio->ClearTransactions();
@@ -625,7 +630,7 @@ TEST(Journey, AnUnpluggedHidDisplayIsReportedClosedAndFoundAgainWhenItComesBack)
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(MessageTextOf(box).rfind(L"There was an error talking to the display.", 0), 0u);
     PressKey(VK_RETURN);
-    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 3; }));
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 3; }, kSearchTimeMs));
     program.Settle();
     EXPECT_EQ(SelectedText(list), L"Velor Canvas 22 Pro");
     EXPECT_TRUE(WindowsAre({program.dialog}));
@@ -635,17 +640,46 @@ TEST(Journey, AnUnpluggedHidDisplayIsReportedClosedAndFoundAgainWhenItComesBack)
     // Sent, as Windows sends it: an arrival carries a pointer and cannot be posted.
     DEV_BROADCAST_HDR arrival{sizeof(arrival), DBT_DEVTYP_DEVICEINTERFACE, 0};
     SendMessageW(program.dialog, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, reinterpret_cast<LPARAM>(&arrival));
-    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 4; }));
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 4; }, kSearchTimeMs));
     program.Settle();
-    EXPECT_EQ(SelectedText(list), L"Velor Canvas 22 Pro");  // the user's choice meanwhile stays
-    ClickOn(list);
-    PressKey(VK_HOME);
-    PressKey(VK_RETURN);
-    ASSERT_TRUE(WaitFor([&] { return SelectedText(list) == L"Velor Studio 24"; }));
+    // The display the user had chosen is selected again.
+    EXPECT_EQ(SelectedText(list), L"Velor Studio 24");
     studio->ClearTransactions();
     TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"30");
     PressKey(VK_RETURN);
     program.Settle();
     EXPECT_EQ(SetsOf(*studio, 0x6B), (std::vector<uint16_t>{30}));  // Studio's brightness code
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+}
+
+TEST(Journey, TheDesksEventsAsTheDemoPlaysThemLeaveTheDialogWorking) {
+    SProgram program("replug");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    const SVirtualMachine& desk = program.machine.Machine();
+    ASSERT_EQ(desk.timeline.size(), 2u);
+    HWND list = program.Item(IDC_DISPLAY_LIST);
+    // Unplugged (told by a broadcast device change): Studio 32 stands in.
+    program.machine.Play(desk.timeline[0]);
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 1; }, kSearchTimeMs));
+    EXPECT_EQ(SelectedText(list), L"Velor Studio 32");
+    // Plugged in again: Canvas 22 Pro is back and selected again.
+    program.machine.Play(desk.timeline[1]);
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 2; }, kSearchTimeMs));
+    program.Settle();
+    EXPECT_EQ(SelectedText(list), L"Velor Canvas 22 Pro");
+    // The computer sleeps and wakes: every handle died; the program searched and writes land.
+    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::Sleep, nullptr});
+    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::Wake, nullptr});
+    auto canvas = program.Display(0);
+    const size_t listings = program.machine.MonitorConfiguration().CallCount(EMcaCall::GetPhysicalMonitors);
+    ASSERT_TRUE(WaitFor(
+        [&] { return program.machine.MonitorConfiguration().CallCount(EMcaCall::GetPhysicalMonitors) > listings; },
+        kSearchTimeMs));
+    ASSERT_TRUE(WaitFor([&] { return VisibleWindows().size() == 1; }));
+    program.Settle();
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"61");
+    PressKey(VK_RETURN);
+    program.Settle();
+    EXPECT_EQ(canvas->Value(vcpC_Luminance), 61);
     EXPECT_TRUE(WindowsAre({program.dialog}));
 }

@@ -36,9 +36,9 @@ inline int WINAPI AnswerDarkScreenQuestion(HWND, LPCWSTR, LPCWSTR, UINT, WORD, D
     return gDarkAnswer.load();
 }
 
-// Waits up to five seconds for a condition the interface thread brings about.
-inline bool WaitFor(const std::function<bool()>& condition_I) {
-    for (int i = 0; i < 500; ++i) {
+// Waits (five seconds unless said) for a condition the interface thread brings about.
+inline bool WaitFor(const std::function<bool()>& condition_I, int timeoutMs_I = 5000) {
+    for (int i = 0; i < timeoutMs_I / 10; ++i) {
         if (condition_I()) {
             return true;
         }
