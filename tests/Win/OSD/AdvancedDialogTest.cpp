@@ -92,15 +92,20 @@ TEST(AdvancedDialog, SharpnessIsWrittenAtMostOnceASecond) {
     studio->ClearTransactions();
     HWND slider = program.PageItem(IDC_SHARPNESS_SLIDER);
     const DWORD start = GetTickCount();
+    int last = 0;
     for (int step = 0; GetTickCount() - start < 3000; ++step) {
-        SendMessageW(slider, TBM_SETPOS, TRUE, step % 5);
-        SendMessageW(program.page, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, step % 5),
-                     reinterpret_cast<LPARAM>(slider));
+        last = step % 5;
+        SendMessageW(slider, TBM_SETPOS, TRUE, last);
+        SendMessageW(program.page, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, last), reinterpret_cast<LPARAM>(slider));
         Sleep(20);
     }
-    const auto writes = SetsOf(*studio, vcpC_Sharpness);
-    EXPECT_GE(writes.size(), 2u);
-    EXPECT_LE(writes.size(), 3u);
+    EXPECT_LE(SetsOf(*studio, vcpC_Sharpness).size(), 3u);  // at most one a second while dragging
+    // The position the drag ended at reaches the display at a later tick. (Wine's one-second
+    // timer sometimes comes late, so the count while dragging is bounded from above only.)
+    ASSERT_TRUE(WaitFor([&] {
+        const auto writes = SetsOf(*studio, vcpC_Sharpness);
+        return !writes.empty() && writes.back() == last;
+    }));
 }
 
 TEST(AdvancedDialog, CancelRestoresTheSevenSettingsOnlyAndOkKeepsChanges) {
