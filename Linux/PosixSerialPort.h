@@ -3,6 +3,7 @@
 // RTS on (as the Windows port sets it); a read returns at once with what has arrived, or waits
 // at most 10 ms for a first byte.
 
+#include <cerrno>
 #include <string>
 
 #include "SerialPort.h"
@@ -21,6 +22,10 @@ public:
     bool Write(const ByteBuffer& bytes_I, size_t& written_O) override;
     bool Read(size_t maxBytes_I, ByteBuffer& data_O) override;
     uint32_t LastError() const override { return mLastError; }
+    // What the kernel answers on a tty whose USB bridge was unplugged.
+    bool DeviceGone() const override {
+        return mLastError == EIO || mLastError == ENODEV || mLastError == ENXIO || mLastError == EBADF;
+    }
 
 private:
     bool Fail();

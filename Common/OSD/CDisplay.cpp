@@ -251,6 +251,11 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
                 // device has gone; only the connector can tell which.
                 option_I->SetError(mConnector->IsOpen() ? EReplyError::SendRequestFailed
                                                         : EReplyError::DeviceNotOpen);
+            } else if (!mConnector->IsOpen()) {
+                // The HID route reads a set whose report never went out as answered (kept on
+                // purpose); a connector that closed under the request says the display is gone:
+                // the value did not arrive.
+                option_I->SetError(EReplyError::DeviceNotOpen);
             }
             // The firmware needs time to act on every set, answered or not.
             Clock::PauseMs(50);
@@ -265,8 +270,11 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
                 case vcpC_RestoreFactoryDefaults:
                 case vcpC_RestoreFactoryColorDefaults: Clock::PauseMs(5000); break;
                 case vcpC_DisplayScaling:
-                    // A scaling change often goes unanswered while the picture is rebuilt.
-                    option_I->ClearError();
+                    // A scaling change often goes unanswered while the picture is rebuilt; but
+                    // on a connector that closed the display is gone and never got it.
+                    if (mConnector->IsOpen()) {
+                        option_I->ClearError();
+                    }
                     break;
                 default: break;
             }

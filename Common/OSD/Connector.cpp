@@ -100,7 +100,9 @@ bool Connector::SaveSettingsToScalar() {
     const ByteBuffer inBuffer =
         SendFixedCommand({BuildSaveCurrentSettingsRequest(), Ddc::kSaveWaitSeconds, "SaveSettingsToScalar",
                           "Save w", "Save r", 3, ELogLevel::Verbose});
-    if (inBuffer.empty()) {
+    // Closed under the request (a route that reads an unsent request as answered): the
+    // display is gone and stored nothing.
+    if (inBuffer.empty() || !IsOpen()) {
         return false;
     }
     // The null message 6E 80 BE, or a rotation of it.

@@ -24,7 +24,7 @@ public:
     bool Write(const ByteBuffer& bytes_I) override {
         DWORD written = 0;
         ByteBuffer copy = bytes_I;
-        return mApi.FT_Write(mHandle, copy.data(), static_cast<DWORD>(copy.size()), &written) == FT_OK &&
+        return Check(mApi.FT_Write(mHandle, copy.data(), static_cast<DWORD>(copy.size()), &written)) &&
                written == copy.size();
     }
 
@@ -34,14 +34,13 @@ public:
         const auto busyUntil = std::chrono::steady_clock::now() + kBusyPoll;
         for (;;) {
             DWORD queued = 0;
-            if (mApi.FT_GetQueueStatus(mHandle, &queued) != FT_OK) {
+            if (!Check(mApi.FT_GetQueueStatus(mHandle, &queued))) {
                 return false;
             }
             if (queued >= count_I) {
                 bytes_O.assign(count_I, 0);
                 DWORD received = 0;
-                return mApi.FT_Read(mHandle, bytes_O.data(), static_cast<DWORD>(count_I), &received) ==
-                           FT_OK &&
+                return Check(mApi.FT_Read(mHandle, bytes_O.data(), static_cast<DWORD>(count_I), &received)) &&
                        received == count_I;
             }
             if (Clock::Get().Now() >= deadline) {
@@ -56,9 +55,22 @@ public:
         return false;
     }
 
+    // A call failed in a way that says the bridge itself went away (unplugged, or the
+    // display it sits in switched off): the handle is dead for good.
+    bool Gone() const { return mGone; }
+
 private:
+    bool Check(FT_STATUS status_I) {
+        if (status_I == FT_INVALID_HANDLE || status_I == FT_DEVICE_NOT_FOUND || status_I == FT_DEVICE_NOT_OPENED ||
+            status_I == FT_IO_ERROR) {
+            mGone = true;
+        }
+        return status_I == FT_OK;
+    }
+
     const SFtd2xxApi& mApi;
     FT_HANDLE mHandle;
+    bool mGone = false;
 };
 
 CI2CConnectorFTDI::CI2CConnectorFTDI() = default;
@@ -135,6 +147,16 @@ bool CI2CConnectorFTDI::Open(int32_t deviceIndex_I) {
     }
     SetMaster(std::move(master));
     return true;
+}
+
+ByteBuffer CI2CConnectorFTDI::SendRequest(const ByteBuffer& toSend_I, double delay_I, unsigned expectedSize_I,
+                                          int32_t depth_I) {
+    ByteBuffer reply = CDdcI2CConnector::SendRequest(toSend_I, delay_I, expectedSize_I, depth_I);
+    if (mChannel && mChannel->Gone()) {
+        DLog("CI2CConnectorFTDI: the bridge is gone; closing\n");
+        Close();
+    }
+    return reply;
 }
 
 bool CI2CConnectorFTDI::Close() {

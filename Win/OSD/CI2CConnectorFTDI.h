@@ -20,6 +20,9 @@ public:
     using CDdcI2CConnector::Open;
     bool Open(int32_t deviceIndex_I) override;
     bool Close() override;
+    // Closes the connector when the bridge went away during the request.
+    ByteBuffer SendRequest(const ByteBuffer& toSend_I, double delay_I, unsigned expectedSize_I,
+                           int32_t depth_I) override;
 
 private:
     class CChannel;

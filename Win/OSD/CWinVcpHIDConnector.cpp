@@ -9,6 +9,7 @@
 #include "Assert.h"
 #include "CEdidBuilder.h"
 #include "DebugLog.h"
+#include "DeviceGoneErrors.h"
 #include "HidApi.h"
 
 HANDLE CWinVcpHIDConnector::OpenFeatureHandle(CreateFileFunction createFile_I, const std::string& devicePath_I) {
@@ -86,9 +87,6 @@ size_t CWinVcpHIDConnector::ReadFeatureReportLength() const {
     return caps.FeatureReportByteLength;
 }
 
-// ERROR_NO_SUCH_DEVICE, which mingw-w64's headers lack.
-constexpr DWORD kNoSuchDevice = 433;
-
 bool CWinVcpHIDConnector::Transfer(DWORD ioctl_I, ByteBuffer& report_IO) {
     const SHidApi& api = HidApi();
     if (mEvent == nullptr) {
@@ -123,8 +121,7 @@ bool CWinVcpHIDConnector::Transfer(DWORD ioctl_I, ByteBuffer& report_IO) {
     }
     // These say the device itself is gone (unplugged, powered off, asleep): the handle is dead
     // for good, so the connector closes and the program searches again for the display.
-    if (error == ERROR_DEVICE_NOT_CONNECTED || error == kNoSuchDevice || error == ERROR_BAD_COMMAND ||
-        error == ERROR_INVALID_HANDLE) {
+    if (IsDeviceGoneError(error)) {
         DLog("CWinVcpHIDConnector: the device is gone (error %lu); closing\n", static_cast<unsigned long>(error));
         Close();
     }

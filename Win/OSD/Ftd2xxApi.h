@@ -7,6 +7,11 @@
 using FT_HANDLE = PVOID;
 using FT_STATUS = ULONG;
 constexpr FT_STATUS FT_OK = 0;
+// What D2XX answers once a bridge was pulled out from under an open handle.
+constexpr FT_STATUS FT_INVALID_HANDLE = 1;
+constexpr FT_STATUS FT_DEVICE_NOT_FOUND = 2;
+constexpr FT_STATUS FT_DEVICE_NOT_OPENED = 3;
+constexpr FT_STATUS FT_IO_ERROR = 4;
 constexpr ULONG FT_PURGE_RX = 1;
 constexpr ULONG FT_PURGE_TX = 2;
 constexpr UCHAR FT_BITMODE_RESET = 0x00;

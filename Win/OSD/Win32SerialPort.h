@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include "DeviceGoneErrors.h"
 #include "SerialPort.h"
 
 class CWin32SerialPort : public ISerialPort {
@@ -18,6 +19,7 @@ public:
     bool Write(const ByteBuffer& bytes_I, size_t& written_O) override;
     bool Read(size_t maxBytes_I, ByteBuffer& data_O) override;
     uint32_t LastError() const override { return mLastError; }
+    bool DeviceGone() const override { return IsDeviceGoneError(mLastError); }
 
     // The settings Open gave the port.
     const DCB& Settings() const { return mSettings; }

@@ -27,4 +27,7 @@ public:
     virtual bool Read(size_t maxBytes_I, ByteBuffer& data_O) = 0;
     // The system error code of the last failed call.
     virtual uint32_t LastError() const = 0;
+    // The last failure says the device itself went away (its USB bridge unplugged or switched
+    // off): the open port is dead for good.
+    virtual bool DeviceGone() const = 0;
 };

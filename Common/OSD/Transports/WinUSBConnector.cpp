@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr uint32_t kErrorBadCommand = 22;  // ERROR_BAD_COMMAND: the device is gone
 constexpr double kCapabilitiesWaitSeconds = 0.2;
 constexpr double kEdidWaitSeconds = 0.7;
 constexpr unsigned kEdidSize = 256;
@@ -49,6 +48,17 @@ bool CWinUSBConnector::Close() {
     return Connector::Close();
 }
 
+bool CWinUSBConnector::CloseIfGone() {
+    if (!mPort->DeviceGone()) {
+        return false;
+    }
+    // The bridge was unplugged or the display switched off: this port is dead for good, and
+    // the display has to be found again.
+    DLog("CWinUSBConnector: the port's device is gone; closing\n");
+    mPort->Close();
+    return true;
+}
+
 bool CWinUSBConnector::IsOpen() const {
     return mPort && mPort->IsOpen();
 }
@@ -66,9 +76,7 @@ ByteBuffer CWinUSBConnector::SendRequest(const ByteBuffer& toSend_I, double dela
         const uint32_t error = mPort->LastError();
         DLog("Failed to write the data to the display\n");
         DLog("WriteFile failed (%d)\n", static_cast<int>(error));
-        if (error == kErrorBadCommand) {
-            mPort->Close();  // the device is gone for good
-        }
+        CloseIfGone();
         return {};
     }
     mPort->ClearErrors();
@@ -87,6 +95,9 @@ ByteBuffer CWinUSBConnector::SendRequest(const ByteBuffer& toSend_I, double dela
         ByteBuffer block;
         if (!mPort->Read(kReadBlockSize, block)) {
             DLog("ReadFile failed (%d)\n", static_cast<int>(mPort->LastError()));
+            if (CloseIfGone()) {
+                return {};
+            }
             break;
         }
         if (block.empty()) {

@@ -34,5 +34,8 @@ public:
     static ByteBuffer BuildEdidRequest();
 
 private:
+    // Closes the port when its last failure says the device went away; true if it did.
+    bool CloseIfGone();
+
     std::unique_ptr<ISerialPort> mPort;
 };

@@ -399,3 +399,37 @@ TEST(WinDisplayConfigInterface, OnlyIdleFt232hBridgesAreProbedAndLeftAsTheyWere)
     EXPECT_EQ(bench.machine.FtdiUse(3).opens, 1u);
     EXPECT_EQ(bench.machine.FtdiUse(3).bitMode, FT_BITMODE_RESET);  // probed, found nothing, put back
 }
+
+TEST(WinDisplayConfigInterface, EveryRouteClosesItsConnectorWhenItsDisplayIsUnpluggedAndASearchFindsItAgain) {
+    SDiscoveryBench bench("one-per-route");
+    ASSERT_TRUE(bench.discovery->Init());
+    ASSERT_EQ(bench.discovery->DisplayInfos().size(), 4u);
+    // HID, the graphics driver, the serial port and the FTDI bridge, each unplugged in turn: the
+    // change fails and the connector is closed, so the program knows to search again.
+    for (const SDisplayInfo& info : bench.discovery->DisplayInfos()) {
+        SCOPED_TRACE(Narrow(info.monitorName));
+        const auto& connector = info.display->GetConnector();
+        ASSERT_TRUE(connector->IsOpen());
+        std::shared_ptr<CVirtualDisplay> display;
+        for (const auto& candidate : bench.machine.Machine().Displays()) {
+            display = candidate->Model().monitorName == Narrow(info.monitorName) ? candidate : display;
+        }
+        ASSERT_TRUE(display);
+        ASSERT_EQ(info.display->GetVCPValue(vcpC_Contrast, false).value, 50);  // as the dialog reads it first
+        bench.machine.Play({0ms, SDeskEvent::EKind::Unplug, display});
+        EXPECT_FALSE(info.display->SetVCPValue(vcpC_Contrast, 40));
+        EXPECT_FALSE(connector->IsOpen());
+        EXPECT_NE(display->Value(vcpC_Contrast), 40);
+    }
+    // While they are out nothing is found; plugged back in, all four are found again.
+    bench.discovery->Clear();
+    bench.discovery->Init();
+    EXPECT_TRUE(bench.discovery->DisplayInfos().empty() || bench.discovery->Displays().empty());
+    for (const auto& display : bench.machine.Machine().Displays()) {
+        bench.machine.Play({0ms, SDeskEvent::EKind::PlugIn, display});
+    }
+    bench.discovery->Clear();
+    ASSERT_TRUE(bench.discovery->Init());
+    EXPECT_EQ(bench.Found(), (std::vector<std::string>{"Studio 24 over 4", "Canvas 22 Pro over 3",
+                                                       "Canvas 12 over 0", "Canvas 13 HD over 1"}));
+}

@@ -52,6 +52,30 @@ TEST(WinUSBConnector, RepliesGetTheirChecksumFromTheConnector) {
     EXPECT_FALSE(bench.connector->IsOpen());
     EXPECT_FALSE(bench.connector->Open(0));
     EXPECT_EQ(log.Asserts(), std::vector<std::string>{"This is not used by serial connections"});
+
+    // Unplugged, the port does not open again; plugged back in, it does.
+    bench.port->SetUnplugged(true);
+    EXPECT_FALSE(bench.connector->Open("COM5"));
+    bench.port->SetUnplugged(false);
+    EXPECT_TRUE(bench.connector->Open("COM5"));
+    EXPECT_EQ(bench.connector->SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0),
+              BuildSimulatedReply(0x01, 0x12, 50, 100));
+}
+
+TEST(WinUSBConnector, APortWhoseDeviceWentAwayWhileReadingIsClosedASilentOneIsNot) {
+    CVirtualClock clock;
+    CScopedClock scoped{clock};
+    auto scripted = std::make_unique<CScriptedSerialPort>([](size_t) { return ByteBuffer{}; });
+    CScriptedSerialPort* port = scripted.get();
+    CWinUSBConnector connector(std::move(scripted));
+    ASSERT_TRUE(connector.Open("COM7"));
+    // Silence is a display that did not answer: the port stays open.
+    connector.SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0);
+    EXPECT_TRUE(connector.IsOpen());
+    // A read that fails as a pulled-out bridge closes it, with no reply.
+    port->Unplug();
+    EXPECT_TRUE(connector.SendRequest(BuildGetVCPRequest(0x12), 0.07, 38, 0).empty());
+    EXPECT_FALSE(connector.IsOpen());
 }
 
 TEST(WinUSBConnector, CapabilitiesInChunksAndTheEdidInOneLongAnswer) {
