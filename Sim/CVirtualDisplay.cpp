@@ -333,10 +333,18 @@ void CVirtualDisplay::SetValueFromMenu(uint8_t code_I, uint16_t value_I) {
 void CVirtualDisplay::PowerCycle() {
     std::lock_guard<std::mutex> lock(mMutex);
     for (auto& entry : mControls) {
+        if (mModel.forgetsSettingsWhenOff) {
+            entry.second.saved = entry.second.control.factoryValue;
+        }
         entry.second.value = entry.second.saved;
     }
     mFactoryMode = false;
     mBusyUntil = std::chrono::microseconds{0};
+}
+
+void CVirtualDisplay::AnswerNothingFor(std::chrono::milliseconds duration_I) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    BeBusyFor(duration_I);
 }
 
 std::map<uint8_t, uint16_t> CVirtualDisplay::SavedValues() const {

@@ -44,8 +44,11 @@ public:
     uint16_t SavedValue(uint8_t code_I) const;
     // Changes a value as the display's own menu would (no check, no transaction).
     void SetValueFromMenu(uint8_t code_I, uint16_t value_I);
-    // Off and on again: unsaved values are lost, factory mode ends.
+    // Off and on again: unsaved values are lost (and saved ones too on firmware that forgets
+    // its settings when off), factory mode ends.
     void PowerCycle();
+    // Answers nothing for this long from now, as firmware that is still starting.
+    void AnswerNothingFor(std::chrono::milliseconds duration_I);
     // The stored value of every control, and putting them back (as after a power cycle): what
     // the demo keeps between runs. Unknown codes are ignored.
     std::map<uint8_t, uint16_t> SavedValues() const;

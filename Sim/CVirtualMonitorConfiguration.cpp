@@ -195,7 +195,10 @@ bool CVirtualMonitorConfiguration::GetCapabilitiesStringLength(Handle physical_I
         return false;
     }
     std::shared_ptr<CVirtualDisplay> display = Find(physical_I, error_O);
-    if (!display) {
+    // The driver reads the string over DDC/CI: a display that answers nothing (still starting,
+    // busy) has no capabilities to give.
+    ByteBuffer reply;
+    if (!display || !Exchange(*display, BuildCapabilitiesRequest(0), reply, error_O)) {
         return false;
     }
     length_O = static_cast<uint32_t>(display->CapabilitiesString().size() + 1);

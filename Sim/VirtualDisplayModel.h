@@ -33,6 +33,8 @@ struct SVirtualDisplayModel {
     uint16_t tabletProductId = 0;
     SFirmwareVersion firmware;
     bool listsMccsVersion = true;
+    // Its firmware keeps nothing over a power cycle: the factory values come back.
+    bool forgetsSettingsWhenOff = false;
     std::vector<SVirtualControl> controls;
 };
 

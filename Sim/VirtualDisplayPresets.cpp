@@ -37,6 +37,7 @@ struct SFamily {
     bool battery = false;
     bool batteryListedWithoutZero = false;
     bool listsMccsVersion = true;
+    bool forgetsSettingsWhenOff = false;  // the first models keep nothing over a power cycle
 };
 
 SVirtualControl Continuous(uint8_t code, uint16_t factory, uint16_t maximum, bool colour = false) {
@@ -85,6 +86,7 @@ SVirtualDisplayModel BuildModel(const SFamily& family) {
     model.tabletProductId = family.productId;
     model.firmware = family.firmware;
     model.listsMccsVersion = family.listsMccsVersion;
+    model.forgetsSettingsWhenOff = family.forgetsSettingsWhenOff;
 
     std::vector<SVirtualControl>& c = model.controls;
     c.push_back(Action(vcpC_RestoreFactoryDefaults));
@@ -206,6 +208,7 @@ std::vector<SFamily> Families() {
                     SFirmwareVersion fw) {
         SFamily family = Identity(key, name, productId, edidCode, fw);
         family.colourTemperatureAtE4 = true;
+        family.forgetsSettingsWhenOff = true;
         return family;
     };
     auto hd = [&](const char* key, const char* name, uint16_t productId, uint16_t edidCode) {

@@ -115,6 +115,15 @@ SVirtualMachine SleepAndWake() {
     return machine;
 }
 
+// Canvas 22 Pro is switched off and on: it comes back with its saved values and answers only
+// once its firmware has started.
+SVirtualMachine SwitchedOffAndOn() {
+    SVirtualMachine machine = TwoFamilies();
+    using std::chrono::seconds;
+    machine.timeline = {{seconds(8), SDeskEvent::EKind::PowerCycle, machine.monitors[0].display}};
+    return machine;
+}
+
 SVirtualMachine DdcFailsPairedBySerial() {
     SVirtualMachine machine;
     auto canvas = MakeDisplay("canvas-24");
@@ -180,6 +189,9 @@ const std::vector<SScenario>& Scenarios() {
         {"replug", "two-families; Canvas 22 Pro is unplugged after 8 s and plugged back in after 16 s",
          &Replugged},
         {"sleep-wake", "two-families; the computer sleeps after 8 s and wakes after 14 s", &SleepAndWake},
+        {"power-cycle",
+         "two-families; Canvas 22 Pro is switched off and on after 8 s and answers late as it starts",
+         &SwitchedOffAndOn},
         {"ddc-fails-serial-pairs", "Canvas 24 whose DDC/CI fails, paired by serial number on COM4",
          &DdcFailsPairedBySerial},
         {"serial-matches-nothing",

@@ -61,10 +61,13 @@ struct SDeskEvent {
         PlugIn,  // it is plugged back in
         Sleep,   // the computer sleeps: every display stops answering
         Wake,    // and wakes: they answer again under new handles
+        // The display is switched off and on: its handles die, it comes back with what its
+        // firmware kept, and answers nothing for a while as it starts.
+        PowerCycle,
     };
     std::chrono::milliseconds at{0};  // after the program started
     EKind kind = EKind::Unplug;
-    std::shared_ptr<CVirtualDisplay> display;  // Unplug and PlugIn: which one
+    std::shared_ptr<CVirtualDisplay> display;  // Unplug, PlugIn and PowerCycle: which one
 };
 
 struct SVirtualMachine {

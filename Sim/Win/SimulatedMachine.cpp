@@ -4,9 +4,11 @@
 // windows.h first: dbt.h needs its types.
 #include <dbt.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <mutex>
+#include <set>
 
 #include "CVirtualMpsseEngine.h"
 #include "DebugLog.h"
@@ -39,6 +41,11 @@ struct SMachineState {
     std::vector<CSimulatedMachine::SFtdiUse> bridgeUse;         // per FTDI bridge
     unsigned portListings = 0;
     unsigned portOpens = 0;
+    // Displays whose cable is out (or the computer asleep): their ports and bridges do not
+    // open, and what was open on them stays dead.
+    std::set<const CVirtualDisplay*> unplugged;
+    std::set<uintptr_t> deadBridgeHandles;
+    std::vector<std::pair<CVirtualSerialPort*, const CVirtualDisplay*>> openLines;
 };
 
 std::recursive_mutex gMutex;
@@ -349,12 +356,15 @@ BOOL WINAPI SimCloseHandle(HANDLE handle_I) {
 // A COM port of the machine, found by name when it is opened.
 class CSimulatedComPort : public ISerialPort {
 public:
+    ~CSimulatedComPort() override { Forget(); }
     bool Open(const std::string& name_I) override {
         std::lock_guard<std::recursive_mutex> lock(gMutex);
+        Forget();
         for (const SVirtualComPort& port : gState->machine.comPorts) {
-            if (port.portName == name_I) {
+            if (port.portName == name_I && gState->unplugged.count(port.display.get()) == 0) {
                 ++gState->portOpens;
                 mLine = std::make_unique<CVirtualSerialPort>(port.display ? port.display : SilentDisplay());
+                gState->openLines.emplace_back(mLine.get(), port.display.get());
                 return mLine->Open(name_I);
             }
         }
@@ -378,8 +388,19 @@ public:
         return mLine && mLine->Read(maxBytes_I, data_O);
     }
     uint32_t LastError() const override { return mLine ? mLine->LastError() : mLastError; }
+    bool DeviceGone() const override { return mLine && mLine->DeviceGone(); }
 
 private:
+    void Forget() {
+        std::lock_guard<std::recursive_mutex> lock(gMutex);
+        if (gState != nullptr && mLine) {
+            auto& lines = gState->openLines;
+            lines.erase(std::remove_if(lines.begin(), lines.end(),
+                                       [&](const auto& line) { return line.first == mLine.get(); }),
+                        lines.end());
+        }
+    }
+
     // Something on the line that never answers.
     static std::shared_ptr<CVirtualDisplay> SilentDisplay() {
         auto display = VirtualMachine::MakeDisplay("canvas-12");
@@ -416,13 +437,19 @@ const SDiscoverySystemApi kTable = {
 
 // ---- The FTDI D2XX driver ----
 
+constexpr FT_STATUS kIoError = FT_IO_ERROR;  // what D2XX answers on a bridge pulled out
+
+bool DeadBridge(FT_HANDLE handle_I) {
+    return gState->deadBridgeHandles.count(reinterpret_cast<uintptr_t>(handle_I)) != 0;
+}
+
 CVirtualMpsseEngine* BridgeOf(FT_HANDLE handle_I) {
     auto it = gState->openBridges.find(reinterpret_cast<uintptr_t>(handle_I));
     return it != gState->openBridges.end() ? gState->bridges[it->second].get() : nullptr;
 }
 
-constexpr FT_STATUS kInvalidHandle = 1;
-constexpr FT_STATUS kDeviceNotFound = 2;
+constexpr FT_STATUS kInvalidHandle = FT_INVALID_HANDLE;
+constexpr FT_STATUS kDeviceNotFound = FT_DEVICE_NOT_FOUND;
 
 FT_STATUS WINAPI FtCreateDeviceInfoList(LPDWORD count_O) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
@@ -450,7 +477,8 @@ FT_STATUS WINAPI FtGetDeviceInfoDetail(DWORD index_I, LPDWORD flags_O, LPDWORD t
 
 FT_STATUS WINAPI FtOpen(int index_I, FT_HANDLE* handle_O) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
-    if (index_I < 0 || static_cast<size_t>(index_I) >= gState->bridges.size()) {
+    if (index_I < 0 || static_cast<size_t>(index_I) >= gState->bridges.size() ||
+        gState->unplugged.count(gState->machine.ftdiBridges[static_cast<size_t>(index_I)].display.get()) != 0) {
         return kDeviceNotFound;
     }
     ++gState->bridgeUse[static_cast<size_t>(index_I)].opens;
@@ -463,11 +491,17 @@ FT_STATUS WINAPI FtOpen(int index_I, FT_HANDLE* handle_O) {
 
 FT_STATUS WINAPI FtClose(FT_HANDLE handle_I) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
+    if (gState->deadBridgeHandles.erase(reinterpret_cast<uintptr_t>(handle_I)) == 1) {
+        return FT_OK;
+    }
     return gState->openBridges.erase(reinterpret_cast<uintptr_t>(handle_I)) == 1 ? FT_OK : kInvalidHandle;
 }
 
 FT_STATUS WINAPI FtAccept(FT_HANDLE handle_I) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
+    if (DeadBridge(handle_I)) {
+        return kIoError;
+    }
     return BridgeOf(handle_I) != nullptr ? FT_OK : kInvalidHandle;
 }
 FT_STATUS WINAPI FtPurge(FT_HANDLE handle_I, ULONG) {
@@ -487,6 +521,9 @@ FT_STATUS WINAPI FtSetLatencyTimer(FT_HANDLE handle_I, UCHAR) {
 }
 FT_STATUS WINAPI FtSetBitMode(FT_HANDLE handle_I, UCHAR, UCHAR mode_I) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
+    if (DeadBridge(handle_I)) {
+        return kIoError;
+    }
     auto it = gState->openBridges.find(reinterpret_cast<uintptr_t>(handle_I));
     if (it == gState->openBridges.end()) {
         return kInvalidHandle;
@@ -497,6 +534,9 @@ FT_STATUS WINAPI FtSetBitMode(FT_HANDLE handle_I, UCHAR, UCHAR mode_I) {
 
 FT_STATUS WINAPI FtWrite(FT_HANDLE handle_I, LPVOID data_I, DWORD size_I, LPDWORD written_O) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
+    if (DeadBridge(handle_I)) {
+        return kIoError;
+    }
     CVirtualMpsseEngine* bridge = BridgeOf(handle_I);
     if (bridge == nullptr) {
         return kInvalidHandle;
@@ -509,6 +549,9 @@ FT_STATUS WINAPI FtWrite(FT_HANDLE handle_I, LPVOID data_I, DWORD size_I, LPDWOR
 
 FT_STATUS WINAPI FtRead(FT_HANDLE handle_I, LPVOID data_O, DWORD size_I, LPDWORD read_O) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
+    if (DeadBridge(handle_I)) {
+        return kIoError;
+    }
     CVirtualMpsseEngine* bridge = BridgeOf(handle_I);
     if (bridge == nullptr) {
         return kInvalidHandle;
@@ -521,6 +564,9 @@ FT_STATUS WINAPI FtRead(FT_HANDLE handle_I, LPVOID data_O, DWORD size_I, LPDWORD
 
 FT_STATUS WINAPI FtGetQueueStatus(FT_HANDLE handle_I, LPDWORD queued_O) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
+    if (DeadBridge(handle_I)) {
+        return kIoError;
+    }
     CVirtualMpsseEngine* bridge = BridgeOf(handle_I);
     if (bridge == nullptr) {
         return kInvalidHandle;
@@ -625,34 +671,71 @@ const SDiscoverySystemApi& CSimulatedMachine::Table() {
 }
 
 void CSimulatedMachine::Play(const SDeskEvent& event_I) {
-    const bool gone = event_I.kind == SDeskEvent::EKind::Unplug || event_I.kind == SDeskEvent::EKind::Sleep;
-    const bool everyDisplay = event_I.kind == SDeskEvent::EKind::Sleep || event_I.kind == SDeskEvent::EKind::Wake;
+    using EKind = SDeskEvent::EKind;
+    const bool everyDisplay = event_I.kind == EKind::Sleep || event_I.kind == EKind::Wake;
     for (const auto& display : Machine().Displays()) {
         if (!everyDisplay && display != event_I.display) {
             continue;
         }
-        if (gone) {
-            mMonitorConfiguration->SetUnreachable(display);
+        if (event_I.kind == EKind::PowerCycle) {
+            // Off: the cable might as well be out; on again, with what the firmware kept, and
+            // deaf while it starts up.
+            SetUnplugged(display, true);
+            display->PowerCycle();
+            display->AnswerNothingFor(kStartingUpAfterPowerOn);
+            SetUnplugged(display, false);
         } else {
-            mMonitorConfiguration->SetReachable(display);
-        }
-        mMonitorConfiguration->Replug(display);  // the handles given out for it die either way
-        for (const SVirtualHidInterface& hid : Machine().hidInterfaces) {
-            if (hid.display == display) {
-                mHid->SetUnplugged(hid.path, gone);
-            }
+            SetUnplugged(display, event_I.kind == EKind::Unplug || event_I.kind == EKind::Sleep);
         }
     }
-    DLog("Simulated desk: %s\n", event_I.kind == SDeskEvent::EKind::Unplug   ? "a display is unplugged"
-                                 : event_I.kind == SDeskEvent::EKind::PlugIn ? "a display is plugged in"
-                                 : event_I.kind == SDeskEvent::EKind::Sleep  ? "the computer sleeps"
-                                                                             : "the computer wakes");
+    DLog("Simulated desk: %s\n", event_I.kind == EKind::Unplug   ? "a display is unplugged"
+                                 : event_I.kind == EKind::PlugIn ? "a display is plugged in"
+                                 : event_I.kind == EKind::Sleep  ? "the computer sleeps"
+                                 : event_I.kind == EKind::Wake   ? "the computer wakes"
+                                                                 : "a display is switched off and on");
     switch (event_I.kind) {
-        case SDeskEvent::EKind::Unplug:
-        case SDeskEvent::EKind::PlugIn: PostMessageW(HWND_BROADCAST, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0); break;
-        case SDeskEvent::EKind::Sleep: PostMessageW(HWND_BROADCAST, WM_POWERBROADCAST, PBT_APMSUSPEND, 0); break;
-        case SDeskEvent::EKind::Wake:
-            PostMessageW(HWND_BROADCAST, WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC, 0);
-            break;
+        case EKind::Unplug:
+        case EKind::PlugIn:
+        case EKind::PowerCycle: PostMessageW(HWND_BROADCAST, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0); break;
+        case EKind::Sleep: PostMessageW(HWND_BROADCAST, WM_POWERBROADCAST, PBT_APMSUSPEND, 0); break;
+        case EKind::Wake: PostMessageW(HWND_BROADCAST, WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC, 0); break;
+    }
+}
+
+void CSimulatedMachine::SetUnplugged(const std::shared_ptr<CVirtualDisplay>& display_I, bool unplugged_I) {
+    // Back in, a display whose DDC/CI the graphics driver never reached stays unreached.
+    bool driverReaches = false;
+    for (const SVirtualMonitor& monitor : Machine().monitors) {
+        driverReaches = driverReaches || (monitor.display == display_I && !monitor.ddcCiFails);
+    }
+    if (unplugged_I || !driverReaches) {
+        mMonitorConfiguration->SetUnreachable(display_I);
+    } else {
+        mMonitorConfiguration->SetReachable(display_I);
+    }
+    mMonitorConfiguration->Replug(display_I);  // the handles given out for it die either way
+    for (const SVirtualHidInterface& hid : Machine().hidInterfaces) {
+        if (hid.display == display_I) {
+            mHid->SetUnplugged(hid.path, unplugged_I);
+        }
+    }
+    std::lock_guard<std::recursive_mutex> lock(gMutex);
+    if (!unplugged_I) {
+        gState->unplugged.erase(display_I.get());
+        return;
+    }
+    gState->unplugged.insert(display_I.get());
+    for (const auto& line : gState->openLines) {
+        if (line.second == display_I.get()) {
+            line.first->SetUnplugged(true);
+        }
+    }
+    for (auto it = gState->openBridges.begin(); it != gState->openBridges.end();) {
+        if (gState->machine.ftdiBridges[it->second].display == display_I) {
+            gState->deadBridgeHandles.insert(it->first);
+            it = gState->openBridges.erase(it);
+        } else {
+            ++it;
+        }
     }
 }

@@ -5,6 +5,7 @@
 // API, the HID calls, the COM ports and the FTDI driver reach its virtual displays. The real
 // discovery and the real connectors then run against it. One at a time per process.
 
+#include <chrono>
 #include <memory>
 
 #include "CVirtualMonitorConfiguration.h"
@@ -26,6 +27,8 @@ public:
     // Makes it happen on every route the display is reached by, and tells the programs as
     // Windows would (a device change, a suspend, a resume).
     void Play(const SDeskEvent& event_I);
+    // How long a display switched on again answers nothing while its firmware starts.
+    static constexpr std::chrono::milliseconds kStartingUpAfterPowerOn{2500};
     // The monitor handle of the n-th monitor (null when it is not on the desktop).
     HMONITOR MonitorHandle(size_t index_I) const;
 
@@ -45,6 +48,9 @@ public:
     static const SDiscoverySystemApi& Table();
 
 private:
+    // The display's cable is out (or back in) on every route it is reached by.
+    void SetUnplugged(const std::shared_ptr<CVirtualDisplay>& display_I, bool unplugged_I);
+
     std::shared_ptr<CVirtualMonitorConfiguration> mMonitorConfiguration;
     std::unique_ptr<CSimulatedHidApi> mHid;
     std::unique_ptr<CSimulatedMonitorConfigurationApi> mMca;

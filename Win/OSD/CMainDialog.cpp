@@ -9,6 +9,7 @@
 
 #include "Assert.h"
 #include "CColorSettingsDialog.h"
+#include "Clock.h"
 #include "DebugLog.h"
 #include "ErrorAdvice.h"
 #include "LanguageProvider.h"
@@ -23,6 +24,12 @@ constexpr UINT_PTR kSettleTimer = 2;
 // Devices come in several notifications (monitor, HID interfaces, ports) and answer only a
 // little after they arrive: one search once the desk has been still this long.
 constexpr UINT kSettleMs = 1500;
+// A display switched on again answers only once its firmware has started, some seconds after
+// Windows announces it: while the display the user chose is missing after such a search (or
+// none answers), the program looks again a few times before it takes it as gone.
+constexpr UINT_PTR kLookAgainTimer = 3;
+constexpr unsigned kLookAgainTimes = 2;
+constexpr UINT kLookAgainPauseMs = 3000;
 // The device interfaces whose arrival and removal matter: HID, monitors, COM ports.
 constexpr GUID kWatchedInterfaces[] = {
     {0x4D1E55B2, 0xF16F, 0x11CF, {0x88, 0xCB, 0x00, 0x11, 0x11, 0x00, 0x00, 0x30}},
@@ -42,12 +49,15 @@ constexpr UINT kRgbPrefix = 2026;
 
 using MessageWindows::SCaption;
 
+// In the order access keys are handed out: the most used first.
 constexpr SCaption kCaptions[] = {
-    {IDC_DISPLAY_LABEL, 2001},       {IDC_BRIGHTNESS_LABEL, 2002},    {IDC_CONTRAST_LABEL, 2003},
-    {IDC_COLOR_SETTING_LABEL, 2004}, {IDC_CUSTOM_COLOR_BUTTON, 2025}, {IDC_COLOR_TEMPERATURE_LABEL, 2008},
-    {IDC_COLOR_SPACE_LABEL, 2015},   {IDC_CUSTOM_COLOR_LABEL, 2026},  {IDC_RESET_COLOR_BUTTON, 2036},
-    {IDC_GAMMA_LABEL, 2027},         {IDC_ADVANCED_BUTTON, 2031},     {IDC_SAVE_BUTTON, 2032},
-    {IDC_REVERT_BUTTON, 2033},
+    {IDC_BRIGHTNESS_LABEL, 2002, true},       {IDC_CONTRAST_LABEL, 2003, true},
+    {IDC_SAVE_BUTTON, 2032, true},            {IDC_DISPLAY_LABEL, 2001, true},
+    {IDC_COLOR_SETTING_LABEL, 2004, true},    {IDC_COLOR_TEMPERATURE_LABEL, 2008, true},
+    {IDC_COLOR_SPACE_LABEL, 2015, true},      {IDC_GAMMA_LABEL, 2027, true},
+    {IDC_CUSTOM_COLOR_BUTTON, 2025, true},    {IDC_RESET_COLOR_BUTTON, 2036, true},
+    {IDC_ADVANCED_BUTTON, 2031, true},        {IDC_REVERT_BUTTON, 2033, true},
+    {IDC_CUSTOM_COLOR_LABEL, 2026},
 };
 
 constexpr int kCombos[] = {IDC_COLOR_SETTING_LIST, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LIST,
@@ -126,12 +136,6 @@ std::vector<int32_t> CMainDialog::Values(int comboId_I) const {
 }
 
 bool CMainDialog::Check(bool ok_I) {
-    // The HID route acknowledges a set whose report never reached the display (the protocol
-    // keeps that); a connector that closed under it means the display is gone: not done.
-    if (ok_I) {
-        UiDisplayDelegate* delegate = Delegate();
-        ok_I = delegate == nullptr || !delegate->GetConnector() || delegate->GetConnector()->IsOpen();
-    }
     if (!ok_I) {
         UiDisplayDelegate* delegate = Delegate();
         if (mOptions.exitOnError) {
@@ -170,6 +174,14 @@ DWORD WINAPI CMainDialog::DisplayConfigThread(LPVOID pClass_I) {
         self->mDisplayConfigIF = std::move(discovery);
     } else {
         self->mDisplayConfigIF->Init();
+        // Nothing answers yet after a change on the desk: the "please wait" window stays while
+        // the program gives a display that is starting its time.
+        while (self->mDisplayConfigIF->Displays().empty() && self->mLookAgainLeft > 0) {
+            --self->mLookAgainLeft;
+            DLog("CMainDialog: no display answers yet; looking again in %u ms\n", kLookAgainPauseMs);
+            Clock::PauseMs(kLookAgainPauseMs);
+            self->mDisplayConfigIF->Init();
+        }
     }
     return 1;
 }
@@ -546,7 +558,12 @@ LRESULT CMainDialog::OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
     // Timer 1 only keeps the local loop awake.
     if (wParam_I == kSettleTimer) {
         KillTimer(m_hWnd, kSettleTimer);
+        KillTimer(m_hWnd, kLookAgainTimer);  // this search stands for it
         DLog("CMainDialog: the desk is still again; searching\n");
+        mLookAgainLeft = kLookAgainTimes;
+        PostMessageW(m_hWnd, kSearchAgainMessage, 0, 0);
+    } else if (wParam_I == kLookAgainTimer) {
+        KillTimer(m_hWnd, kLookAgainTimer);
         PostMessageW(m_hWnd, kSearchAgainMessage, 0, 0);
     }
     return 0;
@@ -605,6 +622,7 @@ std::vector<std::wstring> CMainDialog::DisplayIdentities() const {
 LRESULT CMainDialog::OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled_O) {
     RemovePropW(m_hWnd, kIdentityProperty);
     KillTimer(m_hWnd, kSettleTimer);
+    KillTimer(m_hWnd, kLookAgainTimer);
     for (HDEVNOTIFY handle : mDeviceNotifications) {
         UnregisterDeviceNotification(handle);
     }
@@ -845,6 +863,9 @@ LRESULT CMainDialog::OnDisplayChanged(WORD, WORD, HWND, BOOL&) {
     mSelectedDisplay = static_cast<size_t>(selection);
     const std::vector<std::wstring> identities = DisplayIdentities();
     mSelectedIdentity = mSelectedDisplay < identities.size() ? identities[mSelectedDisplay] : std::wstring();
+    // The user chose another display: the one missing is no longer looked for.
+    KillTimer(m_hWnd, kLookAgainTimer);
+    mLookAgainLeft = 0;
     ClearCombos();  // another display may offer other choices
     InitControls();
     if (mAdvancedDialog && mAdvancedDialog->IsShown()) {
@@ -1015,6 +1036,19 @@ void CMainDialog::FactoryReset() {
     Rebuild();
 }
 
+void CMainDialog::LookAgainForTheChosenDisplay() {
+    const std::vector<std::wstring> identities = DisplayIdentities();
+    const bool missing = std::find(identities.begin(), identities.end(), mSelectedIdentity) == identities.end();
+    if (!missing || mLookAgainLeft == 0) {
+        KillTimer(m_hWnd, kLookAgainTimer);
+        mLookAgainLeft = 0;
+        return;
+    }
+    --mLookAgainLeft;
+    DLog("CMainDialog: the chosen display did not answer; looking again in %u ms\n", kLookAgainPauseMs);
+    SetTimer(m_hWnd, kLookAgainTimer, kLookAgainPauseMs, nullptr);
+}
+
 void CMainDialog::Rebuild() {
     if (mDisplayConfigIF->Displays().empty()) {
         mOutcome = EOutcome::NoDevice;
@@ -1023,6 +1057,7 @@ void CMainDialog::Rebuild() {
     }
     ClearCombos();
     FillDisplayList();
+    LookAgainForTheChosenDisplay();
     InitControls();
     if (mAdvancedWasOpen) {
         mAdvancedDialog->Open(m_hWnd);

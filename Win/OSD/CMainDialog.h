@@ -7,6 +7,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <optional>
@@ -135,6 +136,9 @@ private:
                           LPTHREAD_START_ROUTINE second_I, const char* secondName_I);
     // After a factory reset: the display list afresh, or the end when it is empty.
     void Rebuild();
+    // After a search for a change on the desk: another search soon while the display the user
+    // chose is missing, a few times.
+    void LookAgainForTheChosenDisplay();
 
     void LoadCaptions();
     void FillDisplayList();
@@ -169,6 +173,9 @@ private:
     bool mOperationRunning = false;
     bool mSearching = false;  // a search thread runs: the display list is being rebuilt
     bool mSearchAgainPending = false;
+    // Searches still to come for a display that did not answer after a change on the desk
+    // (counted down by the search thread too).
+    std::atomic<unsigned> mLookAgainLeft{0};
     bool mIgnorePowerWarning = false;
     std::optional<SWindowPosition> mRememberedPosition;
     RECT mWindowRect{};

@@ -116,6 +116,22 @@ TEST(VirtualDisplay, SavedValuesSurviveAPowerCycleAndUnsavedOnesDoNot) {
     EXPECT_EQ(display.Value(vcpC_Contrast), 30);
     EXPECT_EQ(display.Value(vcpC_Sharpness), 4);
     EXPECT_EQ(display.SavedValue(vcpC_Contrast), 30);
+
+    // Switched on again, the firmware is deaf while it starts.
+    display.AnswerNothingFor(std::chrono::milliseconds(2500));
+    EXPECT_TRUE(Get(display, vcpC_Contrast).empty());
+    bench.clock.Pause(std::chrono::milliseconds(2500));
+    EXPECT_EQ(CurrentIn(Get(display, vcpC_Contrast)), 30);
+}
+
+TEST(VirtualDisplay, TheFirstModelsForgetEvenSavedValuesWhenSwitchedOff) {
+    SVirtualBench bench("canvas-12");
+    CVirtualDisplay& display = *bench.display;
+    Set(display, vcpC_Contrast, 30);
+    EXPECT_EQ(display.Handle(BuildSaveCurrentSettingsRequest()), (ByteBuffer{0x6E, 0x80, 0xBE}));
+    display.PowerCycle();
+    EXPECT_EQ(display.Value(vcpC_Contrast), 50);  // the factory value
+    EXPECT_EQ(display.SavedValue(vcpC_Contrast), 50);
 }
 
 TEST(VirtualDisplay, FactoryAndColourDefaultsAndTheScalerReset) {
