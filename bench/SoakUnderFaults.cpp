@@ -1,13 +1,19 @@
 // Soak under faults: random settings operations through the settings delegate of every family
 // preset, over a virtual display that drops, garbles, cuts short or refuses a share of its
-// answers and now and then loses power. After every operation it checks:
+// answers and now and then loses power. Now and then the desk moves in the middle of an
+// operation: the display is unplugged, the computer sleeps, or the display is switched off and
+// on (and answers nothing while it starts); the program then finds it again as a new display
+// object, as its search after the change does. After every operation it checks:
 //   - the operation ended, within the time its own transactions can take (virtual clock) and
 //     within a few real seconds (a watchdog);
-//   - a setter that reported success left the setting at the value asked for;
+//   - a setter that reported success left the setting at the value asked for, and a change
+//     reported as done reached the display (never while it was gone);
+//   - after a change on the desk the display is found again and believed as it is;
 //   - what the delegate believes each value to be is what the display holds, except for
 //     values a failed operation touched or that a power cycle may have changed, until the
 //     delegate reads them again;
-//   - the display's saved values changed only on Save or a reset;
+//   - the display's saved values changed only on Save or a reset (or as its firmware forgets
+//     them when switched off);
 //   - memory in use does not grow.
 // Prints operations, faults, failures reported and invariant violations; exits 1 on any
 // violation.
@@ -82,7 +88,71 @@ struct STotals {
     unsigned long operations = 0;
     unsigned long faults = 0;
     unsigned long failures = 0;
+    unsigned long deskEvents = 0;
     unsigned long violations = 0;
+};
+
+enum class EDeskEvent { None, Unplug, Sleep, PowerCycle };
+
+const char* DeskEventName(EDeskEvent event_I) {
+    switch (event_I) {
+        case EDeskEvent::Unplug: return "unplug";
+        case EDeskEvent::Sleep: return "sleep";
+        case EDeskEvent::PowerCycle: return "power cycle";
+        case EDeskEvent::None: break;
+    }
+    return "none";
+}
+
+// How long a display switched on again answers nothing, and how long the program waits before
+// it looks again for a display that did not answer.
+constexpr std::chrono::milliseconds kStartingUp{2500};
+constexpr std::chrono::milliseconds kLookAgainPause{3000};
+constexpr int kLookAgainTimes = 3;
+
+// The display's connector, with a change on the desk that happens just before a given request:
+// unplugged, its handle dies (closed, nothing answers); asleep, the line stays open and the
+// display answers nothing; switched off and on, the display drops what it did not keep and the
+// handle dies.
+class CDeskConnector : public CVirtualDisplayConnector {
+public:
+    using CVirtualDisplayConnector::CVirtualDisplayConnector;
+
+    void Schedule(EDeskEvent event_I, unsigned beforeRequest_I) {
+        mScheduled = event_I;
+        mAt = beforeRequest_I;
+        mRequests = 0;
+    }
+    // The event that happened during the operation (None when it made too few requests).
+    EDeskEvent Happened() const { return mHappened; }
+    const std::map<uint8_t, uint16_t>& SavedAtEvent() const { return mSavedAtEvent; }
+
+    ByteBuffer SendRequest(const ByteBuffer& toSend_I, double delay_I, unsigned expectedSize_I,
+                           int32_t depth_I) override {
+        if (mScheduled != EDeskEvent::None && mRequests++ == mAt) {
+            mHappened = mScheduled;
+            mScheduled = EDeskEvent::None;
+            switch (mHappened) {
+                case EDeskEvent::Unplug: Unplug(); break;
+                case EDeskEvent::Sleep: Display()->AnswerNothingFor(std::chrono::hours(1)); break;
+                case EDeskEvent::PowerCycle:
+                    Display()->PowerCycle();
+                    Display()->AnswerNothingFor(kStartingUp);
+                    Unplug();
+                    break;
+                case EDeskEvent::None: break;
+            }
+            mSavedAtEvent = Display()->SavedValues();
+        }
+        return CVirtualDisplayConnector::SendRequest(toSend_I, delay_I, expectedSize_I, depth_I);
+    }
+
+private:
+    EDeskEvent mScheduled = EDeskEvent::None;
+    EDeskEvent mHappened = EDeskEvent::None;
+    unsigned mAt = 0;
+    unsigned mRequests = 0;
+    std::map<uint8_t, uint16_t> mSavedAtEvent;
 };
 
 class CSoak {
@@ -90,9 +160,7 @@ public:
     CSoak(const SVirtualDisplayModel& model_I, CVirtualClock& clock_I, uint32_t seed_I, double rate_I)
         : mModel(model_I), mClock(clock_I), mRandom(seed_I), mRate(rate_I), mSeed(seed_I) {
         mDisplay = std::make_shared<CVirtualDisplay>(model_I);
-        auto connector = std::make_shared<CVirtualDisplayConnector>(mDisplay);
-        connector->Open(0);
-        mDelegate = std::make_unique<UiDisplayDelegate>(connector, model_I.edidProductCode);
+        Connect();
     }
 
     bool Start() {
@@ -124,6 +192,31 @@ public:
     }
 
 private:
+    // A new connector and display object, as a search makes them.
+    void Connect() {
+        mConnector = std::make_shared<CDeskConnector>(mDisplay);
+        mConnector->Open(0);
+        mDelegate = std::make_unique<UiDisplayDelegate>(mConnector, mModel.edidProductCode);
+    }
+
+    // After the desk moved: the display wakes (or is plugged back in), the program searches
+    // and, while the display does not answer yet, looks again a few times.
+    void FindAgain(EDeskEvent event_I, STotals& totals_IO) {
+        if (event_I == EDeskEvent::Sleep) {
+            mDisplay->AnswerNothingFor(std::chrono::milliseconds(0));  // awake again
+        }
+        for (int attempt = 0; attempt <= kLookAgainTimes; ++attempt) {
+            Connect();
+            if (mDelegate->Initialize()) {
+                Refresh();
+                return;
+            }
+            mClock.Pause(kLookAgainPause);
+        }
+        Violation(totals_IO, "the display was not found again after %s", DeskEventName(event_I));
+        Connect();
+    }
+
     template <typename... Args>
     void Violation(STotals& totals_IO, const char* format_I, Args... args_I) {
         ++totals_IO.violations;
@@ -186,7 +279,9 @@ private:
                       value_O <= state.range.maximum
                 : std::any_of(state.entries.begin(), state.entries.end(),
                               [&](const SEntry& entry_I) { return entry_I.value == value_O; });
-        checkable_O = state.writable && state.valid && offered && option && !option->Info().WriteOnly();
+        // (The colour mode is valid as the delegate's own when the display's preset was not read.)
+        checkable_O = state.writable && state.valid && offered && option && option->HasOriginal() &&
+                      !option->Info().WriteOnly();
         if (checkable_O && value_O != state.value && setting_O != ESetting::FanSpeed) {
             sentCode_O = code;
         }
@@ -201,10 +296,14 @@ private:
         ++totals_IO.operations;
         const EOperation operation = Pick();
         mLastOperation = OperationName(operation);
-        const auto savedBefore = mDisplay->SavedValues();
+        auto savedBefore = mDisplay->SavedValues();
         const auto started = Clock::Get().Now();
         mDisplay->ClearTransactions();
         mClock.ClearPauses();  // the clock's record of pauses is not the program's memory
+        if (mRandom() % 100 < 3) {
+            const auto event = static_cast<EDeskEvent>(1 + mRandom() % 3);
+            mConnector->Schedule(event, static_cast<unsigned>(mRandom() % 4));
+        }
 
         bool succeeded = true;
         ESetting setting = ESetting::Brightness;
@@ -222,10 +321,22 @@ private:
                 succeeded = mDelegate->SetCustomRGBColorMod(eColorModGain, CColor::FromRGB(level(), level(), level()));
                 break;
             }
-            case EOperation::PowerCycle: mDisplay->PowerCycle(); break;
+            case EOperation::PowerCycle:
+                mDisplay->PowerCycle();
+                savedBefore = mDisplay->SavedValues();  // the first models forget even these
+                break;
             case EOperation::Refresh: Refresh(); break;
         }
 
+        const EDeskEvent deskEvent = mConnector->Happened();
+        mConnector->Schedule(EDeskEvent::None, 0);
+        if (deskEvent != EDeskEvent::None) {
+            ++totals_IO.deskEvents;
+            mLastOperation = DeskEventName(deskEvent);  // a violation names what the desk did
+            if (deskEvent == EDeskEvent::PowerCycle) {
+                savedBefore = mConnector->SavedAtEvent();  // what the firmware kept is the start
+            }
+        }
         const std::vector<STransaction> transactions = mDisplay->Transactions();
         std::set<uint8_t> touched;
         // Codes whose last exchange in this operation was faulted: the delegate could not
@@ -298,6 +409,11 @@ private:
             }
         }
 
+        // The desk moved: every value may differ until the display is found again and read.
+        if (deskEvent != EDeskEvent::None) {
+            FindAgain(deskEvent, totals_IO);
+        }
+
         // What the delegate believes is what the display holds.
         for (const auto& [code, option] : mDelegate->Options()) {
             if (!option || !option->HasOriginal() || !option->Info().Writable() || !option->Info().Readable() ||
@@ -324,6 +440,7 @@ private:
     double mRate;
     uint32_t mSeed;
     std::shared_ptr<CVirtualDisplay> mDisplay;
+    std::shared_ptr<CDeskConnector> mConnector;
     std::unique_ptr<UiDisplayDelegate> mDelegate;
     std::set<uint8_t> mSuspect;
     const char* mLastOperation = "";
@@ -385,16 +502,20 @@ int main(int argc, char** argv) {
         } else {
             soak.Run(operations, progress, totals);
         }
-        std::printf("%-16s operations %lu, faults injected %lu, failures reported %lu, violations %lu\n",
-                    model.key.c_str(), totals.operations, totals.faults, totals.failures, totals.violations);
+        std::printf("%-16s operations %lu, faults injected %lu, failures reported %lu, desk events %lu, "
+                    "violations %lu\n",
+                    model.key.c_str(), totals.operations, totals.faults, totals.failures, totals.deskEvents,
+                    totals.violations);
         all.operations += totals.operations;
         all.faults += totals.faults;
         all.failures += totals.failures;
+        all.deskEvents += totals.deskEvents;
         all.violations += totals.violations;
     }
     done = true;
     watchdog.join();
-    std::printf("all              operations %lu, faults injected %lu, failures reported %lu, violations %lu\n",
-                all.operations, all.faults, all.failures, all.violations);
+    std::printf("all              operations %lu, faults injected %lu, failures reported %lu, desk events %lu, "
+                "violations %lu\n",
+                all.operations, all.faults, all.failures, all.deskEvents, all.violations);
     return all.violations == 0 ? 0 : 1;
 }
