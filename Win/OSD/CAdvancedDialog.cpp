@@ -22,15 +22,32 @@ constexpr UINT kOn = 2214;
 
 using MessageWindows::SCaption;
 
+// Labels pass their access key on to the control after them; the Off/On pairs are reached
+// through their label, OK and Cancel through Enter and Esc.
 constexpr SCaption kCaptions[] = {
-    {IDC_ASPECT_LABEL, 2201},           {IDC_LED_LABEL, 2220},          {IDC_SHARPNESS_LABEL, 2205},
-    {IDC_UNIFORMITY_LABEL, 2207},       {IDC_ENERGY_SMART_LABEL, 2208}, {IDC_DYNAMIC_CONTRAST_LABEL, 2206},
-    {IDC_AUTO_POWER_DOWN_LABEL, 2216},  {IDC_FAN_LABEL, 2217},          {IDC_LCD_CONDITIONING_LABEL, 2209},
-    {IDC_LCD_CONDITIONING_START, 2213}, {IDC_BATTERY_LABEL, 2221},      {IDC_PROGRAM_VERSION_LABEL, 2210},
-    {IDC_FIRMWARE_VERSION_LABEL, 2211}, {IDC_FACTORY_RESET, 2212},      {IDC_ADVANCED_OK, 2090},
-    {IDC_ADVANCED_CANCEL, 2091},        {IDC_ENERGY_SMART_OFF, kOff},   {IDC_ENERGY_SMART_ON, kOn},
-    {IDC_DYNAMIC_CONTRAST_OFF, kOff},   {IDC_DYNAMIC_CONTRAST_ON, kOn}, {IDC_AUTO_POWER_DOWN_OFF, kOff},
-    {IDC_AUTO_POWER_DOWN_ON, kOn},      {IDC_LCD_CONDITIONING_STATE, 2230},
+    {IDC_ASPECT_LABEL, 2201, true},
+    {IDC_SHARPNESS_LABEL, 2205, true},
+    {IDC_LED_LABEL, 2220, true},
+    {IDC_UNIFORMITY_LABEL, 2207, true},
+    {IDC_ENERGY_SMART_LABEL, 2208, true},
+    {IDC_DYNAMIC_CONTRAST_LABEL, 2206, true},
+    {IDC_AUTO_POWER_DOWN_LABEL, 2216, true},
+    {IDC_FAN_LABEL, 2217, true},
+    {IDC_BATTERY_LABEL, 2221, true},
+    {IDC_LCD_CONDITIONING_START, 2213, true},
+    {IDC_FACTORY_RESET, 2212, true},
+    {IDC_LCD_CONDITIONING_LABEL, 2209},
+    {IDC_PROGRAM_VERSION_LABEL, 2210},
+    {IDC_FIRMWARE_VERSION_LABEL, 2211},
+    {IDC_ADVANCED_OK, 2090},
+    {IDC_ADVANCED_CANCEL, 2091},
+    {IDC_ENERGY_SMART_OFF, kOff},
+    {IDC_ENERGY_SMART_ON, kOn},
+    {IDC_DYNAMIC_CONTRAST_OFF, kOff},
+    {IDC_DYNAMIC_CONTRAST_ON, kOn},
+    {IDC_AUTO_POWER_DOWN_OFF, kOff},
+    {IDC_AUTO_POWER_DOWN_ON, kOn},
+    {IDC_LCD_CONDITIONING_STATE, 2230},
 };
 
 // What Cancel puts back; fan speed and the On/Off-free rest are not among them.

@@ -15,6 +15,12 @@ constexpr UINT kNo = 2922;
 constexpr UINT kColorTemperature = 2005;
 constexpr UINT kBrightness = 2923;
 
+constexpr MessageWindows::SCaption kCaptions[] = {
+    {IDC_POWER_YES, kYes, true},
+    {IDC_POWER_NO, kNo, true},
+    {IDC_POWER_DONT_SHOW, kDoNotShowAgain, true},
+};
+
 }  // namespace
 
 INT_PTR CPowerWarningDialog::Ask(HWND owner_I, const std::vector<uint32_t>& kinds_I, bool higherPower_I) {
@@ -60,9 +66,7 @@ LRESULT CPowerWarningDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     SetDlgItemTextW(m_hWnd, IDC_POWER_LIST, ListText().c_str());
     ShowWindow(GetDlgItem(IDC_POWER_LIST), mKinds.empty() ? SW_HIDE : SW_SHOW);
     SetDlgItemTextW(m_hWnd, IDC_POWER_QUESTION, MessageWindows::Text(kQuestion, mLanguage).c_str());
-    SetDlgItemTextW(m_hWnd, IDC_POWER_DONT_SHOW, MessageWindows::Text(kDoNotShowAgain, mLanguage).c_str());
-    SetDlgItemTextW(m_hWnd, IDC_POWER_YES, MessageWindows::Text(kYes, mLanguage).c_str());
-    SetDlgItemTextW(m_hWnd, IDC_POWER_NO, MessageWindows::Text(kNo, mLanguage).c_str());
+    MessageWindows::SetCaptions(m_hWnd, kCaptions, mLanguage);
 
     // Centred over the parent.
     HWND parent = GetParent(m_hWnd);

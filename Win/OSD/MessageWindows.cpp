@@ -2,6 +2,7 @@
 
 #include <atomic>
 
+#include "AccessKeys.h"
 #include "Assert.h"
 #include "DialogIds.h"
 #include "DialogImpl.h"
@@ -113,8 +114,23 @@ std::wstring Text(UINT stringId_I, LANGID language_I) {
 }
 
 void SetCaptions(HWND dialog_I, const SCaption* captions_I, size_t count_I, LANGID language_I) {
+    std::vector<std::wstring> keyed;
+    std::vector<std::wstring> english;
+    const LANGID kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
     for (size_t i = 0; i < count_I; ++i) {
-        SetDlgItemTextW(dialog_I, captions_I[i].id, Text(captions_I[i].stringId, language_I).c_str());
+        if (captions_I[i].accessKey) {
+            keyed.push_back(Text(captions_I[i].stringId, language_I));
+            english.push_back(Text(captions_I[i].stringId, kEnglish));
+        }
+    }
+    const WORD primary = PRIMARYLANGID(language_I);
+    const bool bracketed = primary == LANG_JAPANESE || primary == LANG_KOREAN || primary == LANG_CHINESE;
+    const std::vector<std::wstring> marked = AccessKeys::Mark(keyed, english, bracketed);
+    size_t next = 0;
+    for (size_t i = 0; i < count_I; ++i) {
+        const std::wstring text =
+            captions_I[i].accessKey ? marked[next++] : Text(captions_I[i].stringId, language_I);
+        SetDlgItemTextW(dialog_I, captions_I[i].id, text.c_str());
     }
 }
 

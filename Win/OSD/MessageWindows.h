@@ -24,10 +24,12 @@ void SetMessageBoxTimeoutFunction(MessageBoxTimeoutFunction function_I);
 // The product title and a table text in the interface language.
 std::wstring Text(UINT stringId_I, LANGID language_I);
 
-// A control and the table text that is its caption.
+// A control and the table text that is its caption; a caption with an access key gets a
+// letter of its own within the dialog (labels pass the key on to the control after them).
 struct SCaption {
     int id;
     UINT stringId;
+    bool accessKey = false;
 };
 void SetCaptions(HWND dialog_I, const SCaption* captions_I, size_t count_I, LANGID language_I);
 template <size_t N>

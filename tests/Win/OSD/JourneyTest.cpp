@@ -505,6 +505,43 @@ TEST(Journey, TabShiftTabEscapeAndEnterWorkInTheAdvancedPage) {
     EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_BRIGHTNESS_SLIDER));
 }
 
+TEST(Journey, AccessKeysTakeTheKeyboardToTheirControlsInEveryDialog) {
+    {
+        SProgram program("two-families");
+        ASSERT_TRUE(program.WaitForMainDialog());
+        EXPECT_EQ(program.Text(IDC_BRIGHTNESS_LABEL), L"&Brightness:");
+        EXPECT_EQ(program.Text(IDC_SAVE_BUTTON), L"&Save");
+        ClickOn(program.Item(IDC_DISPLAY_LIST));
+        PressKey(VK_ESCAPE);  // the list closes again
+        PressKey('C', {VK_MENU});
+        EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_CONTRAST_EDIT));
+        PressKey('G', {VK_MENU});
+        EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_GAMMA_LIST));
+        PressKey('B', {VK_MENU});
+        EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_BRIGHTNESS_EDIT));
+        // The advanced page's labels lead to their controls too.
+        ClickOn(program.Item(IDC_ADVANCED_BUTTON));
+        HWND page = WaitForWindowWith(IDC_FACTORY_RESET, {program.dialog});
+        ASSERT_NE(page, nullptr);
+        ClickOn(GetDlgItem(page, IDC_ENERGY_SMART_OFF));
+        PressKey('S', {VK_MENU});
+        EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_SHARPNESS_SLIDER));
+        PressKey('E', {VK_MENU});
+        EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_ENERGY_SMART_OFF));
+        EXPECT_TRUE(WindowsAre({program.dialog, page}));
+    }
+    {
+        // Japanese writes the English letter in brackets, before the colon.
+        SProgram program("two-families", InLanguage("ja"));
+        ASSERT_TRUE(program.WaitForMainDialog());
+        EXPECT_EQ(program.Text(IDC_BRIGHTNESS_LABEL), L"\u8F1D\u5EA6(&B):");
+        ClickOn(program.Item(IDC_GAMMA_LIST));
+        PressKey(VK_ESCAPE);
+        PressKey('B', {VK_MENU});
+        EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_BRIGHTNESS_EDIT));
+    }
+}
+
 TEST(Journey, AWindowTheUserMovedStaysThereWhenTheDialogIsPlacedAgain) {
     SProgram program("two-families");
     ASSERT_TRUE(program.WaitForMainDialog());
@@ -681,5 +718,61 @@ TEST(Journey, TheDesksEventsAsTheDemoPlaysThemLeaveTheDialogWorking) {
     PressKey(VK_RETURN);
     program.Settle();
     EXPECT_EQ(canvas->Value(vcpC_Luminance), 61);
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+}
+
+TEST(Journey, ADisplaySwitchedOffAndOnIsSelectedAgainShowingWhatItKeptAndWorks) {
+    SProgram program("power-cycle");
+    ASSERT_TRUE(program.WaitForMainDialog());
+    CShortenedRealClock shortened(2);  // the firmware starts on the real clock
+    CScopedClock clock(shortened);
+    auto canvas = program.Display(0);
+    HWND list = program.Item(IDC_DISPLAY_LIST);
+    ASSERT_EQ(SelectedText(list), L"Velor Canvas 22 Pro");
+    // A change the user did not save, then the display is switched off and on.
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"33");
+    PressKey(VK_RETURN);
+    program.Settle();
+    ASSERT_EQ(canvas->Value(vcpC_Luminance), 33);
+    program.machine.Play(program.machine.Machine().timeline.at(0));
+
+    // The search after the notification comes while the firmware still starts (Studio 32 stands
+    // in); the program looks again and selects Canvas 22 Pro when it answers.
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 1; }, kSearchTimeMs));
+    EXPECT_EQ(SelectedText(list), L"Velor Studio 32");
+    ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 2; }, kSearchTimeMs));
+    ASSERT_TRUE(WaitFor([&] { return VisibleWindows().size() == 1; }));
+    program.Settle();
+    EXPECT_EQ(SelectedText(list), L"Velor Canvas 22 Pro");
+    // The dialog shows what the display kept (its saved 70), not the 33 the display lost.
+    EXPECT_EQ(program.Text(IDC_BRIGHTNESS_EDIT), L"70");
+    EXPECT_EQ(program.SliderPosition(IDC_BRIGHTNESS_SLIDER), 70);
+    canvas->ClearTransactions();
+    TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"44");
+    PressKey(VK_RETURN);
+    program.Settle();
+    EXPECT_EQ(SetsOf(*canvas, vcpC_Luminance), (std::vector<uint16_t>{44}));
+    EXPECT_TRUE(WindowsAre({program.dialog}));
+}
+
+TEST(Journey, TheOnlyDisplaySwitchedOffAndOnIsWaitedForNotTakenAsGone) {
+    SProgram program("pen-computer");  // one display, through the graphics driver
+    ASSERT_TRUE(program.WaitForMainDialog());
+    CShortenedRealClock shortened(1);
+    CScopedClock clock(shortened);
+    auto slate = program.Display(0);
+    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::PowerCycle, slate});
+    // The first search finds nothing that answers: the "please wait" window stays while the
+    // program looks again, and the no-device window never comes.
+    ASSERT_TRUE(WaitFor([&] { return VisibleWindows().size() > 1; }, kSearchTimeMs));
+    ASSERT_TRUE(WaitFor([&] { return VisibleWindows().size() == 1 || program.ended; }, kSearchTimeMs));
+    ASSERT_FALSE(program.ended);
+    program.Settle();
+    EXPECT_EQ(SelectedText(program.Item(IDC_DISPLAY_LIST)), L"Velor Slate 13 Pro");
+    slate->ClearTransactions();
+    TypeInto(program.Item(IDC_CONTRAST_EDIT), L"45");
+    PressKey(VK_RETURN);
+    program.Settle();
+    EXPECT_EQ(SetsOf(*slate, vcpC_Contrast), (std::vector<uint16_t>{45}));
     EXPECT_TRUE(WindowsAre({program.dialog}));
 }

@@ -19,12 +19,13 @@ namespace {
 const char* const kLanguageNames[] = {"de", "en", "es", "fr", "it", "ja", "ko",
                                       "nl", "pl", "pt", "ru", "tr", "zh_CN", "zh_TW"};
 
-// The size of a text in a control's font; with a width, as the control wraps it.
-SIZE Extent(HWND control, const std::wstring& text, int wrapWidth = 0) {
+// The size of a text in a control's font; with a width, as the control wraps it; with
+// prefixes, an access key's "&" takes no room, as in captions.
+SIZE Extent(HWND control, const std::wstring& text, int wrapWidth = 0, bool prefixes = false) {
     HDC dc = GetDC(control);
     HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
     RECT rect{0, 0, wrapWidth > 0 ? wrapWidth : 0, 0};
-    const UINT format = DT_CALCRECT | DT_NOPREFIX | (wrapWidth > 0 ? DT_WORDBREAK : DT_SINGLELINE);
+    const UINT format = DT_CALCRECT | (prefixes ? 0 : DT_NOPREFIX) | (wrapWidth > 0 ? DT_WORDBREAK : DT_SINGLELINE);
     DrawTextW(dc, text.c_str(), -1, &rect, format);
     SelectObject(dc, old);
     ReleaseDC(control, dc);
@@ -49,12 +50,14 @@ std::vector<std::wstring> Misfits(HWND window) {
         std::vector<std::wstring> texts;
         LONG room = client.right;
         bool wraps = false;
+        bool prefixes = true;  // captions; list items show an "&" as it is
         if (_wcsicmp(type.c_str(), L"Static") == 0) {
             const LONG kind = style & SS_TYPEMASK;
             if (kind != SS_LEFT && kind != SS_CENTER && kind != SS_RIGHT && kind != SS_LEFTNOWORDWRAP) {
                 continue;
             }
             wraps = kind != SS_LEFTNOWORDWRAP;
+            prefixes = (style & SS_NOPREFIX) == 0;
             texts.push_back(TextOf(control));
         } else if (_wcsicmp(type.c_str(), L"Button") == 0) {
             const LONG kind = style & BS_TYPEMASK;
@@ -68,6 +71,7 @@ std::vector<std::wstring> Misfits(HWND window) {
             texts.push_back(TextOf(control));
         } else if (_wcsicmp(type.c_str(), L"ComboBox") == 0) {
             room -= GetSystemMetrics(SM_CXVSCROLL) + 6;  // the drop-down arrow and margins
+            prefixes = false;
             const LRESULT count = SendMessageW(control, CB_GETCOUNT, 0, 0);
             for (LRESULT i = 0; i < count; ++i) {
                 std::wstring item(static_cast<size_t>(SendMessageW(control, CB_GETLBTEXTLEN, i, 0)), L'\0');
@@ -81,7 +85,7 @@ std::vector<std::wstring> Misfits(HWND window) {
             if (text.empty()) {
                 continue;
             }
-            const SIZE size = wraps ? Extent(control, text, client.right) : Extent(control, text);
+            const SIZE size = Extent(control, text, wraps ? client.right : 0, prefixes);
             const bool fits = wraps ? size.cx <= client.right && size.cy <= client.bottom : size.cx <= room;
             if (!fits) {
                 misfits.push_back(std::to_wstring(GetDlgCtrlID(control)) + L" \"" + text + L"\" needs " +
