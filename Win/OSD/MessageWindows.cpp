@@ -43,19 +43,63 @@ MessageBoxTimeoutFunction LookUpMessageBoxTimeout() {
 }
 
 // A window of the program's own that ends the thread's message loop with its OK button.
+UINT WindowDpi(HWND window_I);
+
+// WM_DPICHANGED, which older headers lack.
+constexpr UINT kDpiChangedMessage = 0x02E0;
+
 class CMessageWindow : public CDialogBase {
 public:
     using CDialogBase::CDialogBase;
+    ~CMessageWindow() override {
+        if (mHeadingFont != nullptr) {
+            DeleteObject(mHeadingFont);
+        }
+    }
 
     BEGIN_MSG_MAP(CMessageWindow)
     COMMAND_ID_HANDLER(IDC_WINDOW_OK, OnOk)
     COMMAND_ID_HANDLER(IDCANCEL, OnOk)
+    MESSAGE_HANDLER(kDpiChangedMessage, OnDpiChanged)
     END_MSG_MAP()
+
+    // A bold heading font for the control, its height given at 96 DPI: as tall on a display of
+    // any scale, and made again when the window moves to a display of another scale (the
+    // dialog's own font the system scales itself).
+    void SetHeadingFont(int controlId_I, int heightAt96_I) {
+        mHeadingControl = controlId_I;
+        mHeadingHeight = heightAt96_I;
+        MakeHeadingFont(WindowDpi(m_hWnd));
+    }
 
     LRESULT OnOk(WORD, WORD, HWND, BOOL&) {
         PostQuitMessage(0);
         return 0;
     }
+
+    LRESULT OnDpiChanged(UINT, WPARAM wParam_I, LPARAM, BOOL& handled_O) {
+        if (mHeadingControl != 0) {
+            MakeHeadingFont(LOWORD(wParam_I));
+        }
+        handled_O = FALSE;  // the dialog manager still moves and scales the window
+        return 0;
+    }
+
+private:
+    void MakeHeadingFont(UINT dpi_I) {
+        HFONT font = CreateFontW(MulDiv(mHeadingHeight, static_cast<int>(dpi_I), 96), 0, 0, 0, FW_BOLD, FALSE,
+                                 FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+                                 CLEARTYPE_QUALITY, DEFAULT_PITCH, L"Segoe UI");
+        SendDlgItemMessageW(m_hWnd, mHeadingControl, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+        if (mHeadingFont != nullptr) {
+            DeleteObject(mHeadingFont);
+        }
+        mHeadingFont = font;
+    }
+
+    int mHeadingControl = 0;
+    int mHeadingHeight = 0;
+    HFONT mHeadingFont = nullptr;
 };
 
 void RunUntilQuit(CMessageWindow& window_I) {
@@ -225,16 +269,10 @@ void RunNoDeviceWindow(HWND owner_I, LANGID language_I) {
     SetWindowTextW(hNotSupportedWindow, Text(kProductTitle, language_I).c_str());
     SetDlgItemTextW(hNotSupportedWindow, IDC_NO_DEVICE_HEADING, Text(kNoDeviceHeading, language_I).c_str());
     SetDlgItemTextW(hNotSupportedWindow, IDC_NO_DEVICE_TEXT, Text(kNoDeviceText, language_I).c_str());
-    // Height 20 at 96 DPI, as tall on a display of any scale.
-    HFONT heading =
-        CreateFontW(MulDiv(kNoDeviceHeadingHeight, WindowDpi(hNotSupportedWindow), 96), 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                    CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH, L"Segoe UI");
-    SendDlgItemMessageW(hNotSupportedWindow, IDC_NO_DEVICE_HEADING, WM_SETFONT,
-                        reinterpret_cast<WPARAM>(heading), TRUE);
+    window.SetHeadingFont(IDC_NO_DEVICE_HEADING, kNoDeviceHeadingHeight);
     CentreOkButton(hNotSupportedWindow);
     CentreOnPrimaryWorkArea(hNotSupportedWindow, owner_I);
     RunUntilQuit(window);
-    DeleteObject(heading);
 }
 
 void RunErrorWindow(HWND owner_I, const std::wstring& text_I, LANGID language_I) {

@@ -274,6 +274,18 @@ TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
         HWND window = WaitForWindowWith(IDC_NO_DEVICE_HEADING);
         ASSERT_NE(window, nullptr);
         EXPECT_EQ(TextOf(GetDlgItem(window, IDC_NO_DEVICE_HEADING)), L"No supported display found");
+        // The heading is 20 px at 96 DPI, and 30 px once the window is on a display at 150 %.
+        auto headingHeight = [&] {
+            LOGFONTW font{};
+            GetObjectW(reinterpret_cast<HFONT>(SendDlgItemMessageW(window, IDC_NO_DEVICE_HEADING, WM_GETFONT, 0, 0)),
+                       sizeof(font), &font);
+            return font.lfHeight;
+        };
+        EXPECT_EQ(headingHeight(), 20);
+        RECT place{};
+        GetWindowRect(window, &place);
+        SendMessageW(window, 0x02E0 /* WM_DPICHANGED */, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&place));
+        EXPECT_EQ(headingHeight(), 30);
         PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
         program.ui.join();
         EXPECT_EQ(program.exitCode.load(), 1);
