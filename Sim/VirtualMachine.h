@@ -64,10 +64,14 @@ struct SDeskEvent {
         // The display is switched off and on: its handles die, it comes back with what its
         // firmware kept, and answers nothing for a while as it starts.
         PowerCycle,
+        // Someone changes a value with the display's own buttons (Windows hears nothing).
+        MenuChange,
     };
     std::chrono::milliseconds at{0};  // after the program started
     EKind kind = EKind::Unplug;
-    std::shared_ptr<CVirtualDisplay> display;  // Unplug, PlugIn and PowerCycle: which one
+    std::shared_ptr<CVirtualDisplay> display;  // all but Sleep and Wake: which one
+    uint8_t code = 0;                          // MenuChange: the control and its new value
+    uint16_t value = 0;
 };
 
 struct SVirtualMachine {

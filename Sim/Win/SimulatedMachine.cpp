@@ -672,6 +672,13 @@ const SDiscoverySystemApi& CSimulatedMachine::Table() {
 
 void CSimulatedMachine::Play(const SDeskEvent& event_I) {
     using EKind = SDeskEvent::EKind;
+    if (event_I.kind == EKind::MenuChange) {
+        if (event_I.display) {
+            event_I.display->SetValueFromMenu(event_I.code, event_I.value);
+        }
+        DLog("Simulated desk: a value is changed on the display's own menu\n");
+        return;
+    }
     const bool everyDisplay = event_I.kind == EKind::Sleep || event_I.kind == EKind::Wake;
     for (const auto& display : Machine().Displays()) {
         if (!everyDisplay && display != event_I.display) {
@@ -699,6 +706,7 @@ void CSimulatedMachine::Play(const SDeskEvent& event_I) {
         case EKind::PowerCycle: PostMessageW(HWND_BROADCAST, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0); break;
         case EKind::Sleep: PostMessageW(HWND_BROADCAST, WM_POWERBROADCAST, PBT_APMSUSPEND, 0); break;
         case EKind::Wake: PostMessageW(HWND_BROADCAST, WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC, 0); break;
+        case EKind::MenuChange: break;
     }
 }
 

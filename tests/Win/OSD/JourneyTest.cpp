@@ -704,16 +704,20 @@ TEST(Journey, TheDesksEventsAsTheDemoPlaysThemLeaveTheDialogWorking) {
     ASSERT_TRUE(WaitFor([&] { return SendMessageW(list, CB_GETCOUNT, 0, 0) == 2; }, kSearchTimeMs));
     program.Settle();
     EXPECT_EQ(SelectedText(list), L"Velor Canvas 22 Pro");
-    // The computer sleeps and wakes: every handle died; the program searched and writes land.
-    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::Sleep, nullptr});
-    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::Wake, nullptr});
+    // The computer sleeps (meanwhile the brightness is turned to 40 on the display's own menu)
+    // and wakes: every handle died; the program searched, shows the display as it is, and
+    // writes land.
     auto canvas = program.Display(0);
+    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::Sleep, nullptr});
+    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::MenuChange, canvas, vcpC_Luminance, 40});
+    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::Wake, nullptr});
     const size_t listings = program.machine.MonitorConfiguration().CallCount(EMcaCall::GetPhysicalMonitors);
     ASSERT_TRUE(WaitFor(
         [&] { return program.machine.MonitorConfiguration().CallCount(EMcaCall::GetPhysicalMonitors) > listings; },
         kSearchTimeMs));
     ASSERT_TRUE(WaitFor([&] { return VisibleWindows().size() == 1; }));
     program.Settle();
+    EXPECT_EQ(program.Text(IDC_BRIGHTNESS_EDIT), L"40");
     TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"61");
     PressKey(VK_RETURN);
     program.Settle();
