@@ -1,10 +1,19 @@
 #include "AccessKeys.h"
 
-#include <cwctype>
+#include <windows.h>
+
 #include <set>
 
 namespace AccessKeys {
 namespace {
+
+// As Windows compares access keys: by the letter whatever its case, in any script (the C
+// library's towupper knows Latin letters only).
+wchar_t KeyOf(wchar_t letter_I) {
+    wchar_t key[2] = {letter_I, 0};
+    CharUpperBuffW(key, 1);
+    return key[0];
+}
 
 // The places a key may go in a text, best first: its first letter, the first letters of its
 // other words, then any letter or digit.
@@ -14,7 +23,7 @@ std::vector<size_t> Candidates(const std::wstring& text_I) {
     bool wordStart = true;
     for (size_t i = 0; i < text_I.size(); ++i) {
         const wchar_t c = text_I[i];
-        if (std::iswalnum(c)) {
+        if (IsCharAlphaNumericW(c)) {
             (wordStart ? firsts : others).push_back(i);
             wordStart = false;
         } else {
@@ -28,8 +37,7 @@ std::vector<size_t> Candidates(const std::wstring& text_I) {
 // The place of the first free key in the text, taking it; npos when every letter is taken.
 size_t TakeKey(const std::wstring& text_I, std::set<wchar_t>& taken_IO) {
     for (size_t at : Candidates(text_I)) {
-        const auto key = static_cast<wchar_t>(std::towupper(text_I[at]));
-        if (taken_IO.insert(key).second) {
+        if (taken_IO.insert(KeyOf(text_I[at])).second) {
             return at;
         }
     }
@@ -65,10 +73,18 @@ std::vector<std::wstring> Mark(const std::vector<std::wstring>& captions_I, cons
             marked.push_back(Escaped(caption));
             continue;
         }
-        const std::wstring key = L"(&" + std::wstring(1, static_cast<wchar_t>(std::towupper(english[at]))) + L")";
+        const std::wstring key = L"(&" + std::wstring(1, KeyOf(english[at])) + L")";
+        // Before a closing colon or ellipsis: "詳細設定(&A)...".
         size_t end = caption.size();
-        while (end > 0 && (caption[end - 1] == L':' || caption[end - 1] == L'\xFF1A' || caption[end - 1] == L' ')) {
-            --end;
+        for (bool more = true; more && end > 0;) {
+            const wchar_t last = caption[end - 1];
+            if (last == L':' || last == L'\xFF1A' || last == L' ' || last == L'\x2026') {
+                --end;
+            } else if (end >= 3 && caption.compare(end - 3, 3, L"...") == 0) {
+                end -= 3;
+            } else {
+                more = false;
+            }
         }
         marked.push_back(Escaped(caption.substr(0, end)) + key + Escaped(caption.substr(end)));
     }

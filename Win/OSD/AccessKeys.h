@@ -2,8 +2,8 @@
 // Access keys (the underlined letter of a caption, Alt+letter) for the captions of one dialog,
 // chosen so that no two share a key. Most languages mark a letter of the caption itself, the
 // first letter of a word where it is free ("&Brightness:"); Japanese, Korean and Chinese
-// captions carry the English caption's letter in brackets before a closing colon
-// ("明るさ(&B):"), as Windows itself writes them.
+// captions carry the English caption's letter in brackets before a closing colon or ellipsis
+// ("明るさ(&B):", "詳細設定(&A)..."), as Windows itself writes them.
 
 #include <string>
 #include <vector>
