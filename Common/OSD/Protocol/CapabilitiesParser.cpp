@@ -66,14 +66,18 @@ VCPOptionPtr MakeOption(uint8_t code, const SCodeVariants& variants_I, const std
     const SVcpCodeRow* row = FindVcpCodeRow(code, variants_I);
     const EValueNames values = row != nullptr ? row->values : EValueNames::None;
     if (values != EValueNames::None) {
-        if (info.Continuous()) {
+        if (code == vcpC_Gamma && variants_I.fineScaleGamma) {
             // Gamma on the fine-scale models: a continuous code although its values have
             // names. The option follows the code information (no option set, a range read
             // from the display), and the enumeration's checks do not apply.
-            return std::make_shared<VCPOptionSingleCode>(code, info);
+            if (info.Continuous()) {
+                return std::make_shared<VCPOptionSingleCode>(code, info);
+            }
+            return MakeEnumeratedByValueNames(values, code, info, optionSet);
         }
         VLR_ASSERT(!optionSet.empty());
-        VLR_ASSERT(!info.Continuous() && !info.Table());
+        VLR_ASSERT_AS(!info.Continuous() && !info.Table(),
+                      "!codeInfo_I.at(code).Continuous() && !codeInfo_I.at(code).Table()");
         return MakeEnumeratedByValueNames(values, code, info, optionSet);
     }
     switch (info.Type()) {

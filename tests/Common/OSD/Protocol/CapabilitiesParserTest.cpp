@@ -151,6 +151,31 @@ TEST(CreateVCPCodeMap, FineScaleGammaModelsGetAContinuousGammaWithoutAsserts) {
     EXPECT_EQ(log.Asserts(), std::vector<std::string>{"!optionSet.empty()"});
 }
 
+TEST(CreateVCPCodeMap, ANamedValueCodeTheTableCallsContinuousOrTableIsReportedButOnTheFineScaleGamma) {
+    // A misconfigured table: the colour presets continuous, the colour space a table.
+    SCodeVariants variants;
+    CodeInfoTable table = BuildCodeInfoTable(variants);
+    table[0x14] = CCodeInfo::Continuous(eAccessReadWrite);
+    table[0xE3] = CCodeInfo::Table(eAccessReadWrite, 4, 2);
+    table[0x72] = CCodeInfo::Continuous(eAccessReadWrite);
+    CLogCapture log;
+    VCPOptionsMap map = CreateVCPCodeMap(variants, "14(05 08) E3(00 01) 72(01 02)", table);
+    EXPECT_EQ(CodesOf(map), (std::vector<uint8_t>{0x14, 0x72, 0xE3}));  // made all the same
+    EXPECT_NE(AsEnum<colorPresetCode>(map, 0x14), nullptr);
+    EXPECT_NE(AsEnum<gammaCode>(map, 0x72), nullptr);
+    // The parser's report, then the enumerated option's own, for each.
+    const std::string parser = "!codeInfo_I.at(code).Continuous() && !codeInfo_I.at(code).Table()";
+    const std::string option = "!Info().Continuous() && !Info().Table()";
+    EXPECT_EQ(log.Asserts(), (std::vector<std::string>{parser, option, parser, option, parser, option}));
+
+    // Only gamma on the fine-scale models may be continuous.
+    variants.fineScaleGamma = true;
+    log.Clear();
+    map = CreateVCPCodeMap(variants, "72", BuildCodeInfoTable(variants));
+    EXPECT_NE(dynamic_cast<VCPOptionSingleCode*>(map.at(0x72).get()), nullptr);
+    EXPECT_TRUE(log.Asserts().empty());
+}
+
 TEST(CreateCommandsVector, ReadsHexUntilTheFirstNonHexToken) {
     CLogCapture log;
     EXPECT_EQ(CreateCommandsVector("01 02 03 zz 07"), (std::vector<uint32_t>{1, 2, 3}));
