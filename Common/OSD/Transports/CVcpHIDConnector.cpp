@@ -6,6 +6,7 @@
 #include "Clock.h"
 #include "DdcPackets.h"
 #include "DebugLog.h"
+#include "ReadInParts.h"
 #include "StringUtilities.h"
 #include "codes.h"
 
@@ -15,8 +16,7 @@ constexpr int kMaxStatusReads = 4;
 constexpr uint32_t kPollPauseMs = 100;
 constexpr size_t kMinimumStatusSize = 4;
 constexpr size_t kMinimumGetStatusSize = 15;
-constexpr size_t kMaxCapabilities = 0x8000;
-constexpr int kMaxCapabilityChunks = 2048;
+constexpr size_t kMaxCapabilityChunks = 2048;
 // The display information record (a get reply of 0xF2) in a status report: the monitor name
 // and the serial number, 13 bytes each.
 constexpr size_t kMonitorNameStart = HidVcp::kReplyStart + 17;
@@ -180,29 +180,30 @@ std::string CVcpHIDConnector::CapabilitiesString() {
     if (!mCapabilities.empty()) {
         return mCapabilities;
     }
-    std::string text;
-    uint16_t offset = 0;
+    SReadInParts read;
     // Bounded, also for a display that keeps sending empty (all-NUL) fragments.
-    for (int chunk = 0; chunk < kMaxCapabilityChunks && text.size() < kMaxCapabilities; ++chunk) {
+    read.maxParts = kMaxCapabilityChunks;
+    read.readPart = [this](uint16_t offset) {
         const ByteBuffer status =
             SubmitRequest(BuildCommand(ddcCC_CapabilitiesRequest,
                                        {static_cast<uint8_t>(offset >> 8), static_cast<uint8_t>(offset)}),
                           kRequestWithData);
         if (status.size() <= kCapabilitiesLengthByte + 1) {
-            break;
+            return SPart::End();
         }
         // The offset and data bytes of the reply, as its length byte counts them.
         const int n = static_cast<int>(status[kCapabilitiesLengthByte] & Ddc::kLengthMask) - 1;
         if (n <= 2 || kCapabilitiesLengthByte + 2 + static_cast<size_t>(n) > status.size()) {
-            break;
+            return SPart::End();
         }
+        // The text stops at a NUL; the offset moves on by every data byte.
         const auto data = status.begin() + kCapabilitiesDataStart;
         const auto end = status.begin() + static_cast<std::ptrdiff_t>(kCapabilitiesLengthByte + 2 + n);
-        text.append(data, std::find(data, end, 0));
-        offset = static_cast<uint16_t>(offset + n - 2);
-    }
+        return SPart{SPart::EKind::Data, ByteBuffer(data, std::find(data, end, 0)), static_cast<size_t>(n - 2)};
+    };
+    const ByteBuffer text = ReadInParts(read).data;
     if (!text.empty()) {
-        mCapabilities = TrimCapabilitiesString(ByteBuffer(text.begin(), text.end()));
+        mCapabilities = TrimCapabilitiesString(text);
     }
     return mCapabilities;
 }

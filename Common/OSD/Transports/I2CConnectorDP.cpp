@@ -3,6 +3,7 @@
 #include "Assert.h"
 #include "DdcPackets.h"
 #include "DebugLog.h"
+#include "ReadInParts.h"
 #include "VendorCommands.h"
 #include "codes.h"
 
@@ -11,7 +12,6 @@ namespace {
 constexpr double kTableReadWaitSeconds = 0.05;
 constexpr unsigned kTableReadReplySize = 37;
 constexpr int kAttemptsPerChunk = 6;
-constexpr size_t kMaxTableSize = 0x8000;
 
 // A vendor-table reply for this offset that carries data and nothing after its checksum.
 bool IsTableChunk(const ByteBuffer& reply_I, uint16_t offset_I) {
@@ -37,31 +37,28 @@ bool CI2CConnectorDP::Close() {
 }
 
 ByteBuffer CI2CConnectorDP::ReadVendorTable(uint8_t table_I) {
-    ByteBuffer table;
-    uint16_t offset = 0;
-    while (table.size() < kMaxTableSize) {
-        bool chunkRead = false;
-        for (int attempt = 1; attempt <= kAttemptsPerChunk && !chunkRead; ++attempt) {
-            ByteBuffer reply = SendRequest(BuildTableReadRequest(table_I, offset), kTableReadWaitSeconds,
-                                           kTableReadReplySize, 0);
-            if (StartsWithNullMessage(reply)) {
-                return table;  // past the end
-            }
-            if (IsTableChunk(reply, offset)) {
-                table.insert(table.end(), reply.begin() + Ddc::kOffsetReplyHeaderSize, reply.end() - 1);
-                offset = static_cast<uint16_t>(offset + reply.size() - Ddc::kOffsetReplyHeaderSize - 1);
-                chunkRead = true;
-            } else {
-                DLog("CI2CConnectorDP::ReadVendorTable: bad reply for table 0x%X at %u (attempt %i)\n",
-                     table_I, offset, attempt);
-            }
+    SReadInParts read;
+    read.attemptsPerPart = kAttemptsPerChunk;
+    read.readPart = [this, table_I](uint16_t offset) {
+        const ByteBuffer reply = SendRequest(BuildTableReadRequest(table_I, offset), kTableReadWaitSeconds,
+                                             kTableReadReplySize, 0);
+        if (StartsWithNullMessage(reply)) {
+            return SPart::End();  // past the end
         }
-        if (!chunkRead) {
-            DLog("CI2CConnectorDP::ReadVendorTable: giving up on table 0x%X at %u\n", table_I, offset);
-            return {};
+        if (!IsTableChunk(reply, offset)) {
+            return SPart::Bad();
         }
-    }
-    return table;
+        return SPart::Taken(ByteBuffer(reply.begin() + Ddc::kOffsetReplyHeaderSize, reply.end() - 1));
+    };
+    read.onBadPart = [table_I](uint16_t offset, int attempt) {
+        DLog("CI2CConnectorDP::ReadVendorTable: bad reply for table 0x%X at %u (attempt %i)\n", table_I, offset,
+             attempt);
+    };
+    read.onGiveUp = [table_I](uint16_t offset) {
+        DLog("CI2CConnectorDP::ReadVendorTable: giving up on table 0x%X at %u\n", table_I, offset);
+    };
+    SPartsRead parts = ReadInParts(read);
+    return parts.gaveUp ? ByteBuffer() : std::move(parts.data);
 }
 
 std::string CI2CConnectorDP::CapabilitiesString() {

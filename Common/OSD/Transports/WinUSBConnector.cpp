@@ -7,6 +7,7 @@
 #include "Clock.h"
 #include "DdcPackets.h"
 #include "DebugLog.h"
+#include "ReadInParts.h"
 #include "ScopedTimer.h"
 #include "VendorCommands.h"
 #include "codes.h"
@@ -16,8 +17,6 @@ namespace {
 constexpr double kCapabilitiesWaitSeconds = 0.2;
 constexpr double kEdidWaitSeconds = 0.7;
 constexpr unsigned kEdidSize = 256;
-constexpr size_t kMaxChunkData = 32;
-constexpr size_t kMaxCapabilities = 0x8000;
 // The longest answer a display gives is its EDID (256 bytes here, 512 with extensions, and a
 // header); a line that sends more than this without a pause is not a display answering one request (a wrong
 // baud rate, a crossed line), and reading on would keep every request waiting as long as it sends.
@@ -113,13 +112,12 @@ ByteBuffer CWinUSBConnector::SendRequest(const ByteBuffer& toSend_I, double dela
 }
 
 std::string CWinUSBConnector::CapabilitiesString() {
-    ByteBuffer caps;
-    uint16_t offset = 0;
-    while (caps.size() < kMaxCapabilities) {
+    SReadInParts read;
+    read.readPart = [this](uint16_t offset) {
         ByteBuffer inBuffer =
             SendRequest(BuildCapabilitiesRequest(offset), kCapabilitiesWaitSeconds, Ddc::kReplySize, 0);
         if (inBuffer.size() < HEADER_SIZE || IsNullMessage(inBuffer)) {
-            break;
+            return SPart::End();
         }
         // Passes by construction (SendRequest appends the checksum of what arrived); kept
         // because the protocol states it, and it would hold if a line ever carried its own.
@@ -132,16 +130,16 @@ std::string CWinUSBConnector::CapabilitiesString() {
         }
         // Data runs from the header to the appended checksum, at most 32 bytes of it.
         const size_t available = inBuffer.size() - 1 > HEADER_SIZE ? inBuffer.size() - 1 - HEADER_SIZE : 0;
-        const size_t count = std::min(available, kMaxChunkData);
+        const size_t count = std::min(available, Ddc::kMaxFragmentData);
         if (count == 0) {
-            break;  // an empty fragment ends the string
+            return SPart::End();  // an empty fragment ends the string
         }
         if (offset == 0) {
             VLR_ASSERT(inBuffer[HEADER_SIZE] == '(');
         }
-        caps.insert(caps.end(), inBuffer.begin() + HEADER_SIZE, inBuffer.begin() + HEADER_SIZE + count);
-        offset = static_cast<uint16_t>(offset + count);
-    }
+        return SPart::Taken(ByteBuffer(inBuffer.begin() + HEADER_SIZE, inBuffer.begin() + HEADER_SIZE + count));
+    };
+    const ByteBuffer caps = ReadInParts(read).data;
     std::string capabilitiesStr(caps.begin(), caps.end());
     VLR_ASSERT(!capabilitiesStr.empty());
     VLR_ASSERT_AS(!capabilitiesStr.empty() && capabilitiesStr[0] == '(', "caps[0] == '('");
