@@ -1,63 +1,31 @@
 #include "DisplayTraits.h"
 
-#include "ModelGroups.h"
-
-namespace {
-
-EGammaScale GammaScaleOf(uint16_t edid_I) {
-    if (IsInModelGroup(EModelGroup::GammaTwoChoices, edid_I)) {
-        return EGammaScale::TwoChoices;
-    }
-    if (IsInModelGroup(EModelGroup::ContinuousGammaDefaultMccs, edid_I)) {
-        return EGammaScale::FineScale;
-    }
-    if (IsInModelGroup(EModelGroup::GammaThreeChoices, edid_I)) {
-        return EGammaScale::ThreeChoices;
-    }
-    return EGammaScale::None;
-}
-
-ETooDarkTest TooDarkTestOf(uint16_t edid_I) {
-    if (IsInModelGroup(EModelGroup::TooDarkWhenAllChannelsBelow20, edid_I)) {
-        return ETooDarkTest::AllChannelsBelow20;
-    }
-    if (IsInModelGroup(EModelGroup::TooDarkWhenBlackFrom50, edid_I)) {
-        return ETooDarkTest::BlackFrom50;
-    }
-    if (IsInModelGroup(EModelGroup::TooDarkWhenBlackFrom60, edid_I)) {
-        return ETooDarkTest::BlackFrom60;
-    }
-    if (IsInModelGroup(EModelGroup::TooDarkWhenBlackFrom75, edid_I)) {
-        return ETooDarkTest::BlackFrom75;
-    }
-    return ETooDarkTest::None;
-}
-
-}  // namespace
-
 SDisplayTraits DisplayTraitsFor(uint16_t edid_I) {
-    auto in = [edid_I](EModelGroup group_I) { return IsInModelGroup(group_I, edid_I); };
     SDisplayTraits traits;
     traits.edidProductCode = edid_I;
-
-    traits.codeVariants.fineScaleGamma = in(EModelGroup::ContinuousGammaDefaultMccs);
-    traits.codeVariants.colorOffsetRedIsColorPreset = in(EModelGroup::ColorOffsetRedIsColorPreset);
-    traits.acceptsMissingMccsVersion = in(EModelGroup::ContinuousGammaDefaultMccs);
-    traits.fixedColorPresets = in(EModelGroup::FixedColorPresets);
-    traits.extendedDisplayPresets = in(EModelGroup::ExtendedDisplayPresets);
-    traits.noFan = in(EModelGroup::NoFan);
-    traits.batteryModeMissingZero = in(EModelGroup::BatteryModeMissingZero);
-
     for (size_t setting = 0; setting < kSettingCount; ++setting) {
         traits.settingCodes[setting] = SettingCode(static_cast<ESetting>(setting), edid_I);
     }
-    traits.gammaScale = GammaScaleOf(edid_I);
-    traits.tooDarkTest = TooDarkTestOf(edid_I);
-    traits.powerLedDimmable = !in(EModelGroup::FixedPowerLed);
-    traits.restartsAfterFactoryReset = in(EModelGroup::RestartsAfterFactoryReset);
-    traits.dynamicContrastExcludesUniformity = in(EModelGroup::DynamicContrastExcludesUniformity);
-    traits.customColorExcludesUniformity = in(EModelGroup::CustomColorExcludesUniformity);
-    traits.osdLanguageSetByHost = in(EModelGroup::OsdLanguageSetByHost);
-    traits.helpPage = HelpPageName(edid_I);
+    const SProductFamily* family = ProductFamilyOf(edid_I);
+    if (family == nullptr) {
+        return traits;  // a display of no known family: the standard codes, no quirks
+    }
+    traits.codeVariants.fineScaleGamma = family->gamma == EGammaScale::FineScale;
+    traits.codeVariants.colorOffsetRedIsColorPreset = family->colorPresets == EColorPresetCode::ColorOffsetRed;
+    // The fine-scale models were released before they reported mccs_ver.
+    traits.acceptsMissingMccsVersion = family->gamma == EGammaScale::FineScale;
+    traits.fixedColorPresets = family->fixedColorPresets;
+    traits.extendedDisplayPresets = family->extendedDisplayPresets;
+    traits.noFan = family->noFan;
+    traits.batteryModeMissingZero = family->batteryModeMissingZero;
+
+    traits.gammaScale = family->gamma;
+    traits.tooDarkTest = family->tooDark;
+    traits.powerLedDimmable = !family->fixedPowerLed;
+    traits.restartsAfterFactoryReset = family->restartsAfterFactoryReset;
+    traits.dynamicContrastExcludesUniformity = family->dynamicContrastExcludesUniformity;
+    traits.customColorExcludesUniformity = family->customColorExcludesUniformity;
+    traits.osdLanguageSetByHost = family->osdLanguageSetByHost;
+    traits.helpPage = family->helpPage;
     return traits;
 }

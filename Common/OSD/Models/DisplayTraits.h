@@ -8,25 +8,9 @@
 #include <array>
 #include <cstdint>
 
+#include "ProductFamilies.h"
 #include "SettingCodes.h"
 #include "VcpCodeTable.h"
-
-// How a family sets gamma.
-enum class EGammaScale {
-    None,
-    FineScale,     // 0x72 is continuous: value = gamma x 10
-    ThreeChoices,  // 1.9, 2.2, 2.4 as 0x72 = 1, 2, 3
-    TwoChoices,    // 2.2, 2.4 as 0x72 = 1, 2
-};
-
-// When a custom colour is too dark to use.
-enum class ETooDarkTest {
-    None,
-    AllChannelsBelow20,  // any adjustment: red, green and blue all below 20
-    BlackFrom50,         // the gain only: black at or above 0.5
-    BlackFrom60,
-    BlackFrom75,
-};
 
 struct SDisplayTraits {
     uint16_t edidProductCode = 0;

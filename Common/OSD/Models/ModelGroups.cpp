@@ -1,98 +1,48 @@
 #include "ModelGroups.h"
 
-#include "Assert.h"
+#include <array>
+
 #include "CEdidBuilder.h"
+#include "ProductFamilies.h"
 
 namespace {
 
-struct SModelGroupRow {
-    EModelGroup group;
-    const char* name;
-    std::vector<uint16_t> productIds;
-};
+constexpr size_t kGroupCount = static_cast<size_t>(EModelGroup::PenComputerScreen) + 1;
 
-std::vector<uint16_t> Join(std::initializer_list<std::vector<uint16_t>> parts_I) {
-    std::vector<uint16_t> all;
-    for (const auto& part : parts_I) {
-        all.insert(all.end(), part.begin(), part.end());
+// Whether a family is in a group: each group is a question about the family's row. (A group
+// added to the enumeration without its question here does not compile.)
+bool FamilyIsIn(const SProductFamily& family_I, EModelGroup group_I) {
+    switch (group_I) {
+        case EModelGroup::ColorOffsetRedIsColorPreset: return family_I.colorPresets == EColorPresetCode::ColorOffsetRed;
+        case EModelGroup::ContinuousGammaDefaultMccs: return family_I.gamma == EGammaScale::FineScale;
+        case EModelGroup::FixedColorPresets: return family_I.fixedColorPresets;
+        case EModelGroup::ExtendedDisplayPresets: return family_I.extendedDisplayPresets;
+        case EModelGroup::NoFan: return family_I.noFan;
+        case EModelGroup::BatteryModeMissingZero: return family_I.batteryModeMissingZero;
+        case EModelGroup::BrightnessByBacklightControl: return family_I.brightness == EBrightnessControl::BacklightControl;
+        case EModelGroup::BrightnessByWhiteBacklightLevel: return family_I.brightness == EBrightnessControl::WhiteBacklightLevel;
+        case EModelGroup::ColorModeByDisplayPresets: return family_I.colorModeByDisplayPresets;
+        case EModelGroup::AspectRatioByMakerCode: return family_I.aspect == EAspectControl::MakerCode;
+        case EModelGroup::AspectRatioByDisplayScaling: return family_I.aspect == EAspectControl::DisplayScaling;
+        case EModelGroup::ScanModeFitsPicture: return family_I.aspect == EAspectControl::ScanMode;
+        case EModelGroup::GammaTwoChoices: return family_I.gamma == EGammaScale::TwoChoices;
+        case EModelGroup::GammaThreeChoices: return family_I.gamma == EGammaScale::ThreeChoices;
+        case EModelGroup::FixedPowerLed: return family_I.fixedPowerLed;
+        case EModelGroup::RestartsAfterFactoryReset: return family_I.restartsAfterFactoryReset;
+        case EModelGroup::DynamicContrastExcludesUniformity: return family_I.dynamicContrastExcludesUniformity;
+        case EModelGroup::CustomColorExcludesUniformity: return family_I.customColorExcludesUniformity;
+        case EModelGroup::TooDarkWhenAllChannelsBelow20: return family_I.tooDark == ETooDarkTest::AllChannelsBelow20;
+        case EModelGroup::TooDarkWhenBlackFrom50: return family_I.tooDark == ETooDarkTest::BlackFrom50;
+        case EModelGroup::TooDarkWhenBlackFrom60: return family_I.tooDark == ETooDarkTest::BlackFrom60;
+        case EModelGroup::TooDarkWhenBlackFrom75: return family_I.tooDark == ETooDarkTest::BlackFrom75;
+        case EModelGroup::HidPairedByModel: return family_I.hidPairedByModel;
+        case EModelGroup::LegacySerialPort: return family_I.legacyRoute == ELegacyRoute::SerialPort;
+        case EModelGroup::LegacyFtdiBridge: return family_I.legacyRoute == ELegacyRoute::FtdiBridge;
+        case EModelGroup::LegacyTiBridge: return family_I.legacyRoute == ELegacyRoute::TiBridge;
+        case EModelGroup::OsdLanguageSetByHost: return family_I.osdLanguageSetByHost;
+        case EModelGroup::PenComputerScreen: return family_I.penComputerScreen;
     }
-    return all;
-}
-
-#define VLR_GROUP(name) EModelGroup::name, #name
-
-// One row per group: which product families it holds, and why.
-const std::vector<SModelGroupRow>& Rows() {
-    // The product families, by series.
-    static const std::vector<uint16_t> kEarlySerialModels = {0x0304, 0x0333, 0x0325};
-    static const std::vector<uint16_t> kHdModels = {0x032B, 0x032A};
-    static const std::vector<uint16_t> kProModels = {0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352};
-    static const std::vector<uint16_t> kPenComputers = {0x034D, 0x034E, 0x0398, 0x0399};
-    static const std::vector<uint16_t> kTouchModels = {0x0390, 0x0396, 0x0391};
-    static const std::vector<uint16_t> kBatteryModels = {0x03AE, 0x03B0};
-    static const std::vector<uint16_t> kStudioModels = {0x03A6, 0x03BD};
-    static const std::vector<SModelGroupRow> rows = {
-        // The first serial-port models predate the manufacturer colour codes and keep their
-        // colour-temperature presets at 0xE4.
-        {VLR_GROUP(ColorOffsetRedIsColorPreset), kEarlySerialModels},
-        // The pro scaler exposes gamma as a fine scale and was released before it reported
-        // mccs_ver.
-        {VLR_GROUP(ContinuousGammaDefaultMccs), kProModels},
-        // These panels list more colour presets than they can show and settle slowly after
-        // a preset change.
-        {VLR_GROUP(FixedColorPresets), kHdModels},
-        // The pen computers choose their colour mode through 0xF0 and under-report its values.
-        {VLR_GROUP(ExtendedDisplayPresets), kPenComputers},
-        // Passively cooled panels whose firmware still lists Fan Speed.
-        {VLR_GROUP(NoFan), kTouchModels},
-        // The battery-powered models report Battery Mode 0 but leave it out of their list.
-        {VLR_GROUP(BatteryModeMissingZero), kBatteryModels},
-
-        // The touch models dim the backlight itself.
-        {VLR_GROUP(BrightnessByBacklightControl), kTouchModels},
-        {VLR_GROUP(BrightnessByWhiteBacklightLevel), Join({{0x03A6}, kBatteryModels, {0x03BD}})},
-        {VLR_GROUP(ColorModeByDisplayPresets), kPenComputers},
-        {VLR_GROUP(AspectRatioByMakerCode), kProModels},
-        {VLR_GROUP(AspectRatioByDisplayScaling), Join({kTouchModels, kHdModels})},
-        // The studio and battery models fit the picture through their scan mode.
-        {VLR_GROUP(ScanModeFitsPicture), {0x03A6, 0x03AE, 0x03B0, 0x03BD}},
-        {VLR_GROUP(GammaTwoChoices), kHdModels},
-        {VLR_GROUP(GammaThreeChoices), kPenComputers},
-        // The first studio model's LED has one brightness.
-        {VLR_GROUP(FixedPowerLed), {0x03A6}},
-        {VLR_GROUP(RestartsAfterFactoryReset), Join({kHdModels, kProModels, kPenComputers})},
-        {VLR_GROUP(DynamicContrastExcludesUniformity), {0x037C, 0x0351}},
-        {VLR_GROUP(CustomColorExcludesUniformity), kProModels},
-        {VLR_GROUP(TooDarkWhenAllChannelsBelow20), Join({kEarlySerialModels, {0x037C, 0x0351}})},
-        {VLR_GROUP(TooDarkWhenBlackFrom50), {0x034F, 0x0350, 0x03B2, 0x0352}},
-        {VLR_GROUP(TooDarkWhenBlackFrom60), Join({kHdModels, kTouchModels, kBatteryModels, kStudioModels})},
-        {VLR_GROUP(TooDarkWhenBlackFrom75), kPenComputers},
-
-        {VLR_GROUP(HidPairedByModel), {0x03A6, 0x03BD, 0x03AE, 0x03B0}},
-        {VLR_GROUP(LegacySerialPort), kEarlySerialModels},
-        // Tested in this order; the first family that holds the display decides.
-        {VLR_GROUP(LegacyFtdiBridge),
-         {0x032B, 0x032A, 0x034F, 0x0350, 0x03B2, 0x037C, 0x0351, 0x0352, 0x0398, 0x0399, 0x0390, 0x03AE,
-          0x0396, 0x03B0, 0x03A6, 0x03BD}},
-        {VLR_GROUP(LegacyTiBridge), {0x034D, 0x034E}},
-        // Earlier firmware starts its menu in English whatever the computer's language.
-        {VLR_GROUP(OsdLanguageSetByHost), Join({kHdModels, kProModels})},
-        {VLR_GROUP(PenComputerScreen), kPenComputers},
-    };
-    return rows;
-}
-
-#undef VLR_GROUP
-
-const SModelGroupRow& RowOf(EModelGroup group_I) {
-    for (const SModelGroupRow& row : Rows()) {
-        if (row.group == group_I) {
-            return row;
-        }
-    }
-    VLR_ASSERT_FAIL("unknown model group");
-    static const SModelGroupRow empty{group_I, "Unknown", {}};
-    return empty;
+    return false;
 }
 
 bool IsInFamilies(const std::vector<uint16_t>& productIds_I, uint16_t edidProductCode_I) {
@@ -111,15 +61,57 @@ bool IsInFamilies(const std::vector<uint16_t>& productIds_I, uint16_t edidProduc
 }  // namespace
 
 bool IsInModelGroup(EModelGroup group_I, uint16_t edidProductCode_I) {
-    return IsInFamilies(RowOf(group_I).productIds, edidProductCode_I);
+    const SProductFamily* family = ProductFamilyOf(edidProductCode_I);
+    return family != nullptr && FamilyIsIn(*family, group_I);
 }
 
 const std::vector<uint16_t>& ModelGroupProductIds(EModelGroup group_I) {
-    return RowOf(group_I).productIds;
+    static const std::array<std::vector<uint16_t>, kGroupCount> members = [] {
+        std::array<std::vector<uint16_t>, kGroupCount> all;
+        for (size_t group = 0; group < kGroupCount; ++group) {
+            for (const SProductFamily& family : ProductFamilies()) {
+                if (FamilyIsIn(family, static_cast<EModelGroup>(group))) {
+                    all[group].push_back(family.productId);
+                }
+            }
+        }
+        return all;
+    }();
+    return members[static_cast<size_t>(group_I)];
 }
 
 const char* ModelGroupName(EModelGroup group_I) {
-    return RowOf(group_I).name;
+    switch (group_I) {
+        case EModelGroup::ColorOffsetRedIsColorPreset: return "ColorOffsetRedIsColorPreset";
+        case EModelGroup::ContinuousGammaDefaultMccs: return "ContinuousGammaDefaultMccs";
+        case EModelGroup::FixedColorPresets: return "FixedColorPresets";
+        case EModelGroup::ExtendedDisplayPresets: return "ExtendedDisplayPresets";
+        case EModelGroup::NoFan: return "NoFan";
+        case EModelGroup::BatteryModeMissingZero: return "BatteryModeMissingZero";
+        case EModelGroup::BrightnessByBacklightControl: return "BrightnessByBacklightControl";
+        case EModelGroup::BrightnessByWhiteBacklightLevel: return "BrightnessByWhiteBacklightLevel";
+        case EModelGroup::ColorModeByDisplayPresets: return "ColorModeByDisplayPresets";
+        case EModelGroup::AspectRatioByMakerCode: return "AspectRatioByMakerCode";
+        case EModelGroup::AspectRatioByDisplayScaling: return "AspectRatioByDisplayScaling";
+        case EModelGroup::ScanModeFitsPicture: return "ScanModeFitsPicture";
+        case EModelGroup::GammaTwoChoices: return "GammaTwoChoices";
+        case EModelGroup::GammaThreeChoices: return "GammaThreeChoices";
+        case EModelGroup::FixedPowerLed: return "FixedPowerLed";
+        case EModelGroup::RestartsAfterFactoryReset: return "RestartsAfterFactoryReset";
+        case EModelGroup::DynamicContrastExcludesUniformity: return "DynamicContrastExcludesUniformity";
+        case EModelGroup::CustomColorExcludesUniformity: return "CustomColorExcludesUniformity";
+        case EModelGroup::TooDarkWhenAllChannelsBelow20: return "TooDarkWhenAllChannelsBelow20";
+        case EModelGroup::TooDarkWhenBlackFrom50: return "TooDarkWhenBlackFrom50";
+        case EModelGroup::TooDarkWhenBlackFrom60: return "TooDarkWhenBlackFrom60";
+        case EModelGroup::TooDarkWhenBlackFrom75: return "TooDarkWhenBlackFrom75";
+        case EModelGroup::HidPairedByModel: return "HidPairedByModel";
+        case EModelGroup::LegacySerialPort: return "LegacySerialPort";
+        case EModelGroup::LegacyFtdiBridge: return "LegacyFtdiBridge";
+        case EModelGroup::LegacyTiBridge: return "LegacyTiBridge";
+        case EModelGroup::OsdLanguageSetByHost: return "OsdLanguageSetByHost";
+        case EModelGroup::PenComputerScreen: return "PenComputerScreen";
+    }
+    return "Unknown";
 }
 
 bool IsInAnyFamily(std::initializer_list<uint16_t> productIds_I, uint16_t edidProductCode_I) {

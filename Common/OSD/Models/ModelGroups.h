@@ -1,10 +1,8 @@
 #pragma once
-// Per-model behaviour in one place. Each model group is named by what its members do
-// differently and holds the product families (named by the USB product id of the tablet
-// inside the display) that do it; a display belongs to a group when its EDID product code is
-// in one of the group's families. No other module names a product id, apart from the
-// per-family settings table (help pages); displays read their traits, made once from these
-// groups, and discovery asks the groups before a display exists.
+// Per-model behaviour asked as questions: each model group is named by what its members do
+// differently, and a display belongs to it when its product family's row (ProductFamilies)
+// says so. Displays read their traits, made once from the family rows; discovery asks the
+// groups before a display exists.
 
 #include <cstdint>
 #include <initializer_list>

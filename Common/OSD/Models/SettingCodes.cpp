@@ -149,27 +149,3 @@ int32_t ColorModeForDisplayPreset(int32_t presetValue_I) {
         default: return eColorModeTemperature;
     }
 }
-
-const char* HelpPageName(uint16_t edidProductCode_I) {
-    struct SHelpPage {
-        uint16_t productId;
-        const char* page;
-    };
-    // One page per family of the online help.
-    static const SHelpPage kPages[] = {
-        {0x0304, "canvas-12"},       {0x0333, "canvas-21"},       {0x0325, "canvas-24"},
-        {0x032B, "canvas-13-hd"},    {0x032A, "canvas-16-hd"},    {0x037C, "canvas-22-pro"},
-        {0x0352, "canvas-27-pro"},   {0x03B2, "canvas-32-pro"},   {0x034F, "canvas-pro"},
-        {0x0350, "canvas-pro"},      {0x0351, "canvas-pro"},      {0x034D, "slate-13"},
-        {0x034E, "slate-16"},        {0x0398, "slate-13-pro"},    {0x0399, "slate-16-pro"},
-        {0x0390, "canvas-24-touch"}, {0x0391, "canvas-32-touch"}, {0x0396, "canvas-27-touch"},
-        {0x03AE, "canvas-16-go"},    {0x03B0, "canvas-13-go"},    {0x03A6, "studio-24"},
-        {0x03BD, "studio-32"},
-    };
-    for (const SHelpPage& page : kPages) {
-        if (IsInAnyFamily({page.productId}, edidProductCode_I)) {
-            return page.page;
-        }
-    }
-    return "index";
-}

@@ -66,7 +66,3 @@ enum EColorSettingMode : int32_t {
 // The 0xF0 value that selects a mode, and back; 0 / eColorModeTemperature when there is none.
 int32_t DisplayPresetForColorMode(int32_t mode_I);
 int32_t ColorModeForDisplayPreset(int32_t presetValue_I);
-
-// The page of the online help that describes the display's family ("canvas-22-pro"); "index"
-// for a display of no known family. Displays keep the answer in their traits.
-const char* HelpPageName(uint16_t edidProductCode_I);

@@ -6,6 +6,7 @@
 
 #include "CEdidBuilder.h"
 #include "DisplayTraits.h"
+#include "ModelGroups.h"
 
 namespace {
 
@@ -93,5 +94,80 @@ TEST(FamilyTable, EveryFamilyHasTheTraitsItsRulesGiveIt) {
         EXPECT_EQ(traits.codeVariants.fineScaleGamma, row.fineGamma);
         EXPECT_EQ(traits.acceptsMissingMccsVersion, row.fineGamma);
         EXPECT_EQ(traits.customColorExcludesUniformity, row.fineGamma);  // the pro models
+    }
+}
+
+namespace {
+
+enum class ELegacy { None, Serial, Ftdi, Ti };
+
+struct SFamilyGroups {
+    uint16_t edid;
+    uint8_t aspectCode;
+    uint8_t colorTemperatureCode;
+    ELegacy legacy;
+    bool hidPairedByModel;
+    bool colorModeByPresets;
+    bool fixedColorPresets;
+    bool extendedDisplayPresets;
+    bool batteryMissingZero;
+    bool osdLanguageByHost;
+    bool penComputer;
+    const char* helpPage;
+};
+
+using Lg = ELegacy;
+
+const SFamilyGroups kFamilyGroups[] = {
+    // edid   aspect ctemp legacy     hidModel modeF0 fixed14 extF0  bat0   osd    penPC  help
+    {0x1040, 0x00, 0xE4, Lg::Serial, false, false, false, false, false, false, false, "canvas-12"},
+    {0x1046, 0x00, 0xE4, Lg::Serial, false, false, false, false, false, false, false, "canvas-21"},
+    {0x1042, 0x00, 0xE4, Lg::Serial, false, false, false, false, false, false, false, "canvas-24"},
+    {0x1043, 0x86, 0x14, Lg::Ftdi, false, false, true, false, false, true, false, "canvas-13-hd"},
+    {0x1044, 0x86, 0x14, Lg::Ftdi, false, false, true, false, false, true, false, "canvas-16-hd"},
+    {0x1060, 0xE2, 0x14, Lg::Ftdi, false, false, false, false, false, true, false, "canvas-22-pro"},
+    {kTestCode0351, 0xE2, 0x14, Lg::Ftdi, false, false, false, false, false, true, false, "canvas-pro"},
+    {0x1057, 0xE2, 0x14, Lg::Ftdi, false, false, false, false, false, true, false, "canvas-27-pro"},
+    {0x1073, 0xE2, 0x14, Lg::Ftdi, false, false, false, false, false, true, false, "canvas-32-pro"},
+    {kTestCode034F, 0xE2, 0x14, Lg::Ftdi, false, false, false, false, false, true, false, "canvas-pro"},
+    {kTestCode0350, 0xE2, 0x14, Lg::Ftdi, false, false, false, false, false, true, false, "canvas-pro"},
+    {0x1052, 0x00, 0x14, Lg::Ti, false, true, false, true, false, false, true, "slate-13"},
+    {0x1053, 0x00, 0x14, Lg::Ti, false, true, false, true, false, false, true, "slate-16"},
+    {0x1066, 0x00, 0x14, Lg::Ftdi, false, true, false, true, false, false, true, "slate-13-pro"},
+    {0x1067, 0x00, 0x14, Lg::Ftdi, false, true, false, true, false, false, true, "slate-16-pro"},
+    {0x1064, 0x86, 0x14, Lg::Ftdi, false, false, false, false, false, false, false, "canvas-24-touch"},
+    {0x1065, 0x86, 0x14, Lg::None, false, false, false, false, false, false, false, "canvas-32-touch"},
+    {0x1068, 0x86, 0x14, Lg::Ftdi, false, false, false, false, false, false, false, "canvas-27-touch"},
+    {0x1071, 0xDA, 0x14, Lg::Ftdi, true, false, false, false, true, false, false, "canvas-16-go"},
+    {0x1072, 0xDA, 0x14, Lg::Ftdi, true, false, false, false, true, false, false, "canvas-13-go"},
+    {0x1070, 0xDA, 0x14, Lg::Ftdi, true, false, false, false, false, false, false, "studio-24"},
+    {0x1075, 0xDA, 0x14, Lg::Ftdi, true, false, false, false, false, false, false, "studio-32"},
+    {0x2222, 0x00, 0x14, Lg::None, false, false, false, false, false, false, false, "index"},
+};
+
+}  // namespace
+
+TEST(FamilyTable, EveryFamilyIsInTheGroupsOfItsOptionsSettingsAndDiscovery) {
+    CEdidBuilder* builder = CEdidBuilder::Instance();
+    builder->Add(MakeTabletId(0x034F), kTestCode034F);
+    builder->Add(MakeTabletId(0x0350), kTestCode0350);
+    builder->Add(MakeTabletId(0x0351), kTestCode0351);
+    for (const SFamilyGroups& row : kFamilyGroups) {
+        SCOPED_TRACE(testing::Message() << "edid 0x" << std::hex << row.edid);
+        const SDisplayTraits traits = DisplayTraitsFor(row.edid);
+        EXPECT_EQ(traits.SettingCode(ESetting::AspectRatio), row.aspectCode);
+        EXPECT_EQ(traits.SettingCode(ESetting::ColorTemperature), row.colorTemperatureCode);
+        EXPECT_EQ(traits.codeVariants.colorOffsetRedIsColorPreset, row.colorTemperatureCode == 0xE4);
+        EXPECT_EQ(traits.SettingCode(ESetting::ColorSettingMode), row.colorModeByPresets ? 0xF0 : 0);
+        EXPECT_EQ(traits.fixedColorPresets, row.fixedColorPresets);
+        EXPECT_EQ(traits.extendedDisplayPresets, row.extendedDisplayPresets);
+        EXPECT_EQ(traits.batteryModeMissingZero, row.batteryMissingZero);
+        EXPECT_EQ(traits.osdLanguageSetByHost, row.osdLanguageByHost);
+        EXPECT_STREQ(traits.helpPage, row.helpPage);
+        EXPECT_EQ(IsInModelGroup(EModelGroup::LegacySerialPort, row.edid), row.legacy == Lg::Serial);
+        EXPECT_EQ(IsInModelGroup(EModelGroup::LegacyFtdiBridge, row.edid), row.legacy == Lg::Ftdi);
+        EXPECT_EQ(IsInModelGroup(EModelGroup::LegacyTiBridge, row.edid), row.legacy == Lg::Ti);
+        EXPECT_EQ(IsInModelGroup(EModelGroup::HidPairedByModel, row.edid), row.hidPairedByModel);
+        EXPECT_EQ(IsInModelGroup(EModelGroup::PenComputerScreen, row.edid), row.penComputer);
     }
 }
