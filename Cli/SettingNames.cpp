@@ -4,36 +4,10 @@
 #include <cctype>
 #include <charconv>
 
+#include "SettingTable.h"
 #include "StringIds.h"
 
 namespace {
-
-struct SName {
-    ESetting setting;
-    const char* name;
-    const char* alias;  // the American spelling, where it differs
-};
-
-constexpr SName kNames[] = {
-    {ESetting::Brightness, "brightness", nullptr},
-    {ESetting::Contrast, "contrast", nullptr},
-    {ESetting::ColorSettingMode, "colour-mode", "color-mode"},
-    {ESetting::ColorTemperature, "colour-temperature", "color-temperature"},
-    {ESetting::ColorSpace, "colour-space", "color-space"},
-    {ESetting::Gamma, "gamma", nullptr},
-    {ESetting::AspectRatio, "aspect-ratio", nullptr},
-    {ESetting::PowerLedBrightness, "led-brightness", nullptr},
-    {ESetting::Sharpness, "sharpness", nullptr},
-    {ESetting::UniformityCompensation, "uniformity", nullptr},
-    {ESetting::EnergySmart, "energy-smart", nullptr},
-    {ESetting::DynamicContrast, "dynamic-contrast", nullptr},
-    {ESetting::AutoPowerDown, "auto-power-down", nullptr},
-    {ESetting::FanSpeed, "fan", nullptr},
-    {ESetting::LcdConditioning, "lcd-conditioning", nullptr},
-    {ESetting::BatteryMode, "battery-mode", nullptr},
-    {ESetting::ScanMode, "scan-mode", nullptr},
-    {ESetting::OsdLanguage, "menu-language", nullptr},
-};
 
 struct SChoiceName {
     uint32_t stringId;
@@ -89,19 +63,14 @@ std::string Lower(std::string text_I) {
 }  // namespace
 
 const char* SettingName(ESetting setting_I) {
-    for (const SName& name : kNames) {
-        if (name.setting == setting_I) {
-            return name.name;
-        }
-    }
-    return "?";
+    return SettingRowOf(setting_I).name;
 }
 
 std::optional<ESetting> SettingByName(const std::string& name_I) {
     const std::string name = Lower(name_I);
-    for (const SName& entry : kNames) {
-        if (name == entry.name || (entry.alias != nullptr && name == entry.alias)) {
-            return entry.setting;
+    for (const SSettingRow& row : SettingRows()) {
+        if (name == row.name || (row.alias != nullptr && name == row.alias)) {
+            return row.setting;
         }
     }
     return std::nullopt;
@@ -109,8 +78,8 @@ std::optional<ESetting> SettingByName(const std::string& name_I) {
 
 std::vector<ESetting> AllSettings() {
     std::vector<ESetting> settings;
-    for (const SName& name : kNames) {
-        settings.push_back(name.setting);
+    for (const SSettingRow& row : SettingRows()) {
+        settings.push_back(row.setting);
     }
     return settings;
 }

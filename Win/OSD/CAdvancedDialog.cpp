@@ -8,6 +8,7 @@
 #include "CMainDialog.h"
 #include "DebugLog.h"
 #include "MessageWindows.h"
+#include "SettingTable.h"
 #include "UiDisplayDelegate.h"
 #include "WinStrings.h"
 #include "codes.h"
@@ -22,21 +23,12 @@ constexpr UINT kOn = 2214;
 
 using MessageWindows::SCaption;
 
-// Labels pass their access key on to the control after them; the Off/On pairs are reached
-// through their label, OK and Cancel through Enter and Esc.
+// Besides the settings' labels (from the settings table): labels pass their access key on to
+// the control after them; the Off/On pairs are reached through their label, OK and Cancel
+// through Enter and Esc.
 constexpr SCaption kCaptions[] = {
-    {IDC_ASPECT_LABEL, 2201, true},
-    {IDC_SHARPNESS_LABEL, 2205, true},
-    {IDC_LED_LABEL, 2220, true},
-    {IDC_UNIFORMITY_LABEL, 2207, true},
-    {IDC_ENERGY_SMART_LABEL, 2208, true},
-    {IDC_DYNAMIC_CONTRAST_LABEL, 2206, true},
-    {IDC_AUTO_POWER_DOWN_LABEL, 2216, true},
-    {IDC_FAN_LABEL, 2217, true},
-    {IDC_BATTERY_LABEL, 2221, true},
     {IDC_LCD_CONDITIONING_START, 2213, true},
     {IDC_FACTORY_RESET, 2212, true},
-    {IDC_LCD_CONDITIONING_LABEL, 2209},
     {IDC_PROGRAM_VERSION_LABEL, 2210},
     {IDC_FIRMWARE_VERSION_LABEL, 2211},
     {IDC_ADVANCED_OK, 2090},
@@ -55,29 +47,6 @@ constexpr ESetting kRestoredOnCancel[] = {ESetting::AspectRatio,       ESetting:
                                           ESetting::Sharpness,         ESetting::UniformityCompensation,
                                           ESetting::DynamicContrast,   ESetting::EnergySmart,
                                           ESetting::PowerLedBrightness};
-
-ESetting SettingOfCombo(int comboId_I) {
-    switch (comboId_I) {
-        case IDC_ASPECT_LIST: return ESetting::AspectRatio;
-        case IDC_LED_LIST: return ESetting::PowerLedBrightness;
-        case IDC_UNIFORMITY_LIST: return ESetting::UniformityCompensation;
-        case IDC_FAN_LIST: return ESetting::FanSpeed;
-        default: return ESetting::BatteryMode;
-    }
-}
-
-// The setting of an Off/On button, and whether the button is "On".
-ESetting SettingOfButton(int buttonId_I, bool& on_O) {
-    on_O = buttonId_I == IDC_ENERGY_SMART_ON || buttonId_I == IDC_DYNAMIC_CONTRAST_ON ||
-           buttonId_I == IDC_AUTO_POWER_DOWN_ON;
-    switch (buttonId_I) {
-        case IDC_ENERGY_SMART_OFF:
-        case IDC_ENERGY_SMART_ON: return ESetting::EnergySmart;
-        case IDC_DYNAMIC_CONTRAST_OFF:
-        case IDC_DYNAMIC_CONTRAST_ON: return ESetting::DynamicContrast;
-        default: return ESetting::AutoPowerDown;
-    }
-}
 
 void Show(HWND window_I, bool visible_I) {
     ShowWindow(window_I, visible_I ? SW_SHOW : SW_HIDE);
@@ -107,23 +76,54 @@ LRESULT CALLBACK PageKeys(int code_I, WPARAM wParam_I, LPARAM lParam_I) {
 
 }  // namespace
 
+// The layout's rows: one per setting, then the versions and the buttons.
+std::vector<CRowLayout::SRow> PageRows() {
+    std::vector<CRowLayout::SRow> rows;
+    for (const CAdvancedDialog::SSettingControls& controls : CAdvancedDialog::SettingControls()) {
+        CRowLayout::SRow row{{controls.label, controls.control}};
+        for (int extra : {controls.on, controls.state}) {
+            if (extra != 0) {
+                row.ids.push_back(extra);
+            }
+        }
+        rows.push_back(row);
+    }
+    rows.push_back({{IDC_PROGRAM_VERSION_LABEL, IDC_PROGRAM_VERSION}});
+    rows.push_back({{IDC_FIRMWARE_VERSION_LABEL, IDC_FIRMWARE_VERSION}});
+    rows.push_back({{IDC_FACTORY_RESET, IDC_ADVANCED_OK, IDC_ADVANCED_CANCEL}});
+    return rows;
+}
+
 CAdvancedDialog::CAdvancedDialog(CMainDialog& mainDlg_I, LANGID language_I)
-    : CDialogBase(IDD_ADVANCED),
-      mMainDlg(mainDlg_I),
-      mLanguage(language_I),
-      mRows({{{IDC_ASPECT_LABEL, IDC_ASPECT_LIST}},
-             {{IDC_LED_LABEL, IDC_LED_LIST}},
-             {{IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER}},
-             {{IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST}},
-             {{IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON}},
-             {{IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF, IDC_DYNAMIC_CONTRAST_ON}},
-             {{IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON}},
-             {{IDC_FAN_LABEL, IDC_FAN_LIST}},
-             {{IDC_LCD_CONDITIONING_LABEL, IDC_LCD_CONDITIONING_START, IDC_LCD_CONDITIONING_STATE}},
-             {{IDC_BATTERY_LABEL, IDC_BATTERY_LIST}},
-             {{IDC_PROGRAM_VERSION_LABEL, IDC_PROGRAM_VERSION}},
-             {{IDC_FIRMWARE_VERSION_LABEL, IDC_FIRMWARE_VERSION}},
-             {{IDC_FACTORY_RESET, IDC_ADVANCED_OK, IDC_ADVANCED_CANCEL}}}) {}
+    : CDialogBase(IDD_ADVANCED), mMainDlg(mainDlg_I), mLanguage(language_I), mRows(PageRows()) {}
+
+const std::vector<CAdvancedDialog::SSettingControls>& CAdvancedDialog::SettingControls() {
+    static const std::vector<SSettingControls> rows = {
+        {ESetting::AspectRatio, IDC_ASPECT_LABEL, IDC_ASPECT_LIST, 0, 0},
+        {ESetting::PowerLedBrightness, IDC_LED_LABEL, IDC_LED_LIST, 0, 0},
+        {ESetting::Sharpness, IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER, 0, 0},
+        {ESetting::UniformityCompensation, IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST, 0, 0},
+        {ESetting::EnergySmart, IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON, 0},
+        {ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF, IDC_DYNAMIC_CONTRAST_ON, 0},
+        {ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON, 0},
+        {ESetting::FanSpeed, IDC_FAN_LABEL, IDC_FAN_LIST, 0, 0},
+        {ESetting::LcdConditioning, IDC_LCD_CONDITIONING_LABEL, IDC_LCD_CONDITIONING_START, 0,
+         IDC_LCD_CONDITIONING_STATE},
+        {ESetting::BatteryMode, IDC_BATTERY_LABEL, IDC_BATTERY_LIST, 0, 0},
+    };
+    return rows;
+}
+
+std::optional<ESetting> CAdvancedDialog::SettingOfControl(int controlId_I, bool& on_O) {
+    on_O = false;
+    for (const SSettingControls& controls : SettingControls()) {
+        if (controlId_I != 0 && (controlId_I == controls.control || controlId_I == controls.on)) {
+            on_O = controlId_I == controls.on;
+            return controls.setting;
+        }
+    }
+    return std::nullopt;
+}
 
 UiDisplayDelegate* CAdvancedDialog::Delegate() const {
     return mMainDlg.Delegate();
@@ -201,7 +201,15 @@ LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
         SendMessageW(toolTip, TTM_ACTIVATE, TRUE, 0);
     }
     SetWindowTextW(m_hWnd, MessageWindows::Text(2000, mLanguage).c_str());
-    MessageWindows::SetCaptions(m_hWnd, kCaptions, mLanguage);
+    // The settings' labels first (the access keys go to them first), in the page's order.
+    std::vector<SCaption> captions;
+    for (const SSettingControls& controls : SettingControls()) {
+        const ESettingKind kind = SettingRowOf(controls.setting).kind;
+        // LCD conditioning's key is its Start button's.
+        captions.push_back({controls.label, SettingRowOf(controls.setting).captionId, kind != ESettingKind::Action});
+    }
+    captions.insert(captions.end(), std::begin(kCaptions), std::end(kCaptions));
+    MessageWindows::SetCaptions(m_hWnd, captions.data(), captions.size(), mLanguage);
     gKeyboardPage = m_hWnd;
     if (gPageKeysHook == nullptr) {
         gPageKeysHook = SetWindowsHookExW(WH_MSGFILTER, &PageKeys, nullptr, GetCurrentThreadId());
@@ -269,16 +277,15 @@ void CAdvancedDialog::Refresh() {
     if (!IsWindow() || delegate == nullptr) {
         return;
     }
-    FillChoice(ESetting::AspectRatio, IDC_ASPECT_LABEL, IDC_ASPECT_LIST);
-    FillChoice(ESetting::PowerLedBrightness, IDC_LED_LABEL, IDC_LED_LIST);
-    FillChoice(ESetting::UniformityCompensation, IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST);
-    FillChoice(ESetting::FanSpeed, IDC_FAN_LABEL, IDC_FAN_LIST);
-    FillChoice(ESetting::BatteryMode, IDC_BATTERY_LABEL, IDC_BATTERY_LIST);
-    FillOffOn(ESetting::EnergySmart, IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON);
-    FillOffOn(ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF,
-              IDC_DYNAMIC_CONTRAST_ON);
-    FillOffOn(ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF,
-              IDC_AUTO_POWER_DOWN_ON);
+    for (const SSettingControls& controls : SettingControls()) {
+        switch (SettingRowOf(controls.setting).kind) {
+            case ESettingKind::Choice: FillChoice(controls.setting, controls.label, controls.control); break;
+            case ESettingKind::OnOff:
+                FillOffOn(controls.setting, controls.label, controls.control, controls.on);
+                break;
+            default: break;  // the sharpness slider and LCD conditioning, below
+        }
+    }
 
     const SSettingState sharpness = delegate->GetSetting(ESetting::Sharpness);
     Show(GetDlgItem(IDC_SHARPNESS_LABEL), sharpness.supported);
@@ -352,29 +359,41 @@ LRESULT CAdvancedDialog::OnHScroll(UINT, WPARAM, LPARAM lParam_I, BOOL& handled_
     return 0;
 }
 
-LRESULT CAdvancedDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
-    UiDisplayDelegate* delegate = Delegate();
-    int32_t value = 0;
-    if (!SelectedComboValue(m_hWnd, id_I, mValues[id_I], value) || delegate == nullptr) {
-        return 0;
-    }
-    if (Checked(delegate->SetSetting(SettingOfCombo(id_I), value))) {
-        Refresh();
-        mMainDlg.UpdateButtons();
+LRESULT CAdvancedDialog::OnSettingCommand(UINT, WPARAM wParam_I, LPARAM, BOOL& handled_O) {
+    const int id = LOWORD(wParam_I);
+    const WORD code = HIWORD(wParam_I);
+    bool on = false;
+    const std::optional<ESetting> setting = SettingOfControl(id, on);
+    const ESettingKind kind = setting ? SettingRowOf(*setting).kind : ESettingKind::Hidden;
+    if (kind == ESettingKind::Choice && code == CBN_SELCHANGE) {
+        OnChoiceChanged(*setting, id);
+    } else if (kind == ESettingKind::OnOff && code == BN_CLICKED) {
+        OnOffOn(*setting, on);
+    } else {
+        handled_O = FALSE;  // not a setting's control, or a notification it does not act on
     }
     return 0;
 }
 
-LRESULT CAdvancedDialog::OnOffOn(WORD, WORD id_I, HWND, BOOL&) {
+void CAdvancedDialog::OnChoiceChanged(ESetting setting_I, int comboId_I) {
     UiDisplayDelegate* delegate = Delegate();
-    bool on = false;
-    const ESetting setting = SettingOfButton(id_I, on);
-    if (delegate == nullptr || !Checked(delegate->SetSetting(setting, on ? 1 : 0))) {
-        return 0;
+    int32_t value = 0;
+    if (!SelectedComboValue(m_hWnd, comboId_I, mValues[comboId_I], value) || delegate == nullptr) {
+        return;
+    }
+    if (Checked(delegate->SetSetting(setting_I, value))) {
+        Refresh();
+        mMainDlg.UpdateButtons();
+    }
+}
+
+void CAdvancedDialog::OnOffOn(ESetting setting_I, bool on_I) {
+    UiDisplayDelegate* delegate = Delegate();
+    if (delegate == nullptr || !Checked(delegate->SetSetting(setting_I, on_I ? 1 : 0))) {
+        return;
     }
     Refresh();
     mMainDlg.UpdateButtons();
-    return 0;
 }
 
 LRESULT CAdvancedDialog::OnLcdConditioning(WORD, WORD, HWND, BOOL&) {

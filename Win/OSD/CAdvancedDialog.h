@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,17 +40,7 @@ public:
     MESSAGE_HANDLER(WM_SHOWWINDOW, OnShowWindow)
     MESSAGE_HANDLER(WM_TIMER, OnTimer)
     MESSAGE_HANDLER(WM_HSCROLL, OnHScroll)
-    COMMAND_HANDLER(IDC_ASPECT_LIST, CBN_SELCHANGE, OnChoiceChanged)
-    COMMAND_HANDLER(IDC_LED_LIST, CBN_SELCHANGE, OnChoiceChanged)
-    COMMAND_HANDLER(IDC_UNIFORMITY_LIST, CBN_SELCHANGE, OnChoiceChanged)
-    COMMAND_HANDLER(IDC_FAN_LIST, CBN_SELCHANGE, OnChoiceChanged)
-    COMMAND_HANDLER(IDC_BATTERY_LIST, CBN_SELCHANGE, OnChoiceChanged)
-    COMMAND_ID_HANDLER(IDC_ENERGY_SMART_OFF, OnOffOn)
-    COMMAND_ID_HANDLER(IDC_ENERGY_SMART_ON, OnOffOn)
-    COMMAND_ID_HANDLER(IDC_DYNAMIC_CONTRAST_OFF, OnOffOn)
-    COMMAND_ID_HANDLER(IDC_DYNAMIC_CONTRAST_ON, OnOffOn)
-    COMMAND_ID_HANDLER(IDC_AUTO_POWER_DOWN_OFF, OnOffOn)
-    COMMAND_ID_HANDLER(IDC_AUTO_POWER_DOWN_ON, OnOffOn)
+    MESSAGE_HANDLER(WM_COMMAND, OnSettingCommand)
     COMMAND_ID_HANDLER(IDC_LCD_CONDITIONING_START, OnLcdConditioning)
     COMMAND_ID_HANDLER(IDC_FACTORY_RESET, OnFactoryReset)
     COMMAND_ID_HANDLER(IDC_ADVANCED_OK, OnClose)
@@ -60,14 +51,32 @@ public:
     // The program's version as its version resource states it ("6.4.3-1").
     static std::wstring ProgramVersion();
 
+    // The page's controls of a setting it shows: its label, its control (the list, the
+    // slider, the Off button, the Start button), the On button of an Off/On pair, and a state
+    // text.
+    struct SSettingControls {
+        ESetting setting;
+        int label;
+        int control;
+        int on;
+        int state;
+    };
+    // One row per setting the page shows, in the page's order.
+    static const std::vector<SSettingControls>& SettingControls();
+    // The setting a control of the page sets, and whether it is an "On" button; none for a
+    // control of no setting.
+    static std::optional<ESetting> SettingOfControl(int controlId_I, bool& on_O);
+
 private:
     LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled_O);
     LRESULT OnShowWindow(UINT, WPARAM wParam_I, LPARAM, BOOL&);
     LRESULT OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&);
     LRESULT OnHScroll(UINT, WPARAM, LPARAM lParam_I, BOOL& handled_O);
-    LRESULT OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&);
-    LRESULT OnOffOn(WORD, WORD id_I, HWND, BOOL&);
+    // A list's new choice or an Off/On click: the setting is found by the control's row.
+    LRESULT OnSettingCommand(UINT, WPARAM wParam_I, LPARAM, BOOL& handled_O);
+    void OnChoiceChanged(ESetting setting_I, int comboId_I);
+    void OnOffOn(ESetting setting_I, bool on_I);
     LRESULT OnLcdConditioning(WORD, WORD, HWND, BOOL&);
     LRESULT OnFactoryReset(WORD, WORD, HWND, BOOL&);
     LRESULT OnClose(WORD, WORD id_I, HWND, BOOL&);

@@ -15,6 +15,7 @@
 #include "LanguageProvider.h"
 #include "MessageWindows.h"
 #include "ScopedTimer.h"
+#include "SettingTable.h"
 #include "WinStrings.h"
 
 namespace {
@@ -51,17 +52,20 @@ using MessageWindows::SCaption;
 
 // In the order access keys are handed out: the most used first.
 constexpr SCaption kCaptions[] = {
-    {IDC_BRIGHTNESS_LABEL, 2002, true},       {IDC_CONTRAST_LABEL, 2003, true},
-    {IDC_SAVE_BUTTON, 2032, true},            {IDC_DISPLAY_LABEL, 2001, true},
-    {IDC_COLOR_SETTING_LABEL, 2004, true},    {IDC_COLOR_TEMPERATURE_LABEL, 2008, true},
-    {IDC_COLOR_SPACE_LABEL, 2015, true},      {IDC_GAMMA_LABEL, 2027, true},
-    {IDC_CUSTOM_COLOR_BUTTON, 2025, true},    {IDC_RESET_COLOR_BUTTON, 2036, true},
-    {IDC_ADVANCED_BUTTON, 2031, true},        {IDC_REVERT_BUTTON, 2033, true},
+    {IDC_BRIGHTNESS_LABEL, SettingCaptionId(ESetting::Brightness), true},
+    {IDC_CONTRAST_LABEL, SettingCaptionId(ESetting::Contrast), true},
+    {IDC_SAVE_BUTTON, 2032, true},
+    {IDC_DISPLAY_LABEL, 2001, true},
+    {IDC_COLOR_SETTING_LABEL, SettingCaptionId(ESetting::ColorSettingMode), true},
+    {IDC_COLOR_TEMPERATURE_LABEL, SettingCaptionId(ESetting::ColorTemperature), true},
+    {IDC_COLOR_SPACE_LABEL, SettingCaptionId(ESetting::ColorSpace), true},
+    {IDC_GAMMA_LABEL, SettingCaptionId(ESetting::Gamma), true},
+    {IDC_CUSTOM_COLOR_BUTTON, 2025, true},
+    {IDC_RESET_COLOR_BUTTON, 2036, true},
+    {IDC_ADVANCED_BUTTON, 2031, true},
+    {IDC_REVERT_BUTTON, 2033, true},
     {IDC_CUSTOM_COLOR_LABEL, 2026},
 };
-
-constexpr int kCombos[] = {IDC_COLOR_SETTING_LIST, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LIST,
-                           IDC_GAMMA_LIST};
 
 std::atomic<bool> gSkipStaleDragPositions{true};
 
@@ -84,13 +88,21 @@ std::wstring ProgramFolder() {
 // The running main dialog, for the thread procedures that take no argument.
 std::atomic<CMainDialog*> gMainDialog{nullptr};
 
-ESetting SettingOfCombo(int comboId_I) {
-    switch (comboId_I) {
-        case IDC_COLOR_SETTING_LIST: return ESetting::ColorSettingMode;
-        case IDC_COLOR_TEMPERATURE_LIST: return ESetting::ColorTemperature;
-        case IDC_COLOR_SPACE_LIST: return ESetting::ColorSpace;
-        default: return ESetting::Gamma;
+// The main dialog's lists and the setting each sets.
+constexpr std::pair<int, ESetting> kSettingLists[] = {
+    {IDC_COLOR_SETTING_LIST, ESetting::ColorSettingMode},
+    {IDC_COLOR_TEMPERATURE_LIST, ESetting::ColorTemperature},
+    {IDC_COLOR_SPACE_LIST, ESetting::ColorSpace},
+    {IDC_GAMMA_LIST, ESetting::Gamma},
+};
+
+std::optional<ESetting> SettingOfList(int listId_I) {
+    for (const auto& [list, setting] : kSettingLists) {
+        if (list == listId_I) {
+            return setting;
+        }
     }
+    return std::nullopt;
 }
 
 void Show(HWND window_I, bool visible_I) {
@@ -402,9 +414,9 @@ void CMainDialog::FillDisplayList() {
 }
 
 void CMainDialog::ClearCombos() {
-    for (int combo : kCombos) {
-        SendDlgItemMessageW(m_hWnd, combo, CB_RESETCONTENT, 0, 0);
-        mValues.erase(combo);
+    for (const auto& list : kSettingLists) {
+        SendDlgItemMessageW(m_hWnd, list.first, CB_RESETCONTENT, 0, 0);
+        mValues.erase(list.first);
     }
 }
 
@@ -881,9 +893,13 @@ LRESULT CMainDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
     if (!SelectedComboValue(m_hWnd, id_I, mValues[id_I], value) || delegate == nullptr) {
         return 0;
     }
-    const ESetting setting = SettingOfCombo(id_I);
-    Check(delegate->SetSetting(setting, value));
-    if (setting == ESetting::Gamma) {
+    const std::optional<ESetting> setting = SettingOfList(id_I);
+    if (!setting) {
+        VLR_ASSERT_FAIL("a list of no setting");
+        return 0;
+    }
+    Check(delegate->SetSetting(*setting, value));
+    if (*setting == ESetting::Gamma) {
         UpdateButtons();
     } else {
         InitControls();

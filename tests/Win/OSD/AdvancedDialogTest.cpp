@@ -7,9 +7,14 @@
 // windows.h first: commctrl.h needs its types.
 #include <commctrl.h>
 
+#include <optional>
+#include <set>
+
+#include "CAdvancedDialog.h"
 #include "DialogIds.h"
 #include "LogCapture.h"
 #include "ProgramDriver.h"
+#include "SettingTable.h"
 #include "VirtualDisplayPresets.h"
 #include "codes.h"
 
@@ -269,4 +274,48 @@ TEST(AdvancedDialog, EveryFamilyShowsItsPagesWithoutABadValue) {
         EXPECT_FALSE(log.Contains("Oops - bad combo value"));
         EXPECT_FALSE(log.Contains("idx < mValues.size()"));
     }
+}
+
+TEST(AdvancedDialog, EveryControlOfTheWindowThatSetsSomethingHasItsSettingsRow) {
+    SAdvancedPage program;
+    ASSERT_NE(program.page, nullptr);
+    // Each list, slider and Off/On button of the real window maps to the setting of its kind,
+    // and the On buttons say so; a control that maps to nothing would set nothing (or, as it
+    // once did, another setting).
+    int lists = 0;
+    int offOn = 0;
+    for (HWND child = GetWindow(program.page, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        wchar_t type[64] = {};
+        GetClassNameW(child, type, 64);
+        const int id = GetDlgCtrlID(child);
+        const LONG style = GetWindowLongW(child, GWL_STYLE);
+        bool on = false;
+        const std::optional<ESetting> setting = CAdvancedDialog::SettingOfControl(id, on);
+        SCOPED_TRACE(testing::Message() << "control " << id);
+        if (_wcsicmp(type, L"ComboBox") == 0) {
+            ASSERT_TRUE(setting.has_value());
+            EXPECT_EQ(SettingRowOf(*setting).kind, ESettingKind::Choice);
+            ++lists;
+        } else if (_wcsicmp(type, TRACKBAR_CLASSW) == 0) {
+            ASSERT_TRUE(setting.has_value());
+            EXPECT_EQ(*setting, ESetting::Sharpness);
+        } else if (_wcsicmp(type, L"Button") == 0 && (style & BS_PUSHLIKE) != 0) {
+            ASSERT_TRUE(setting.has_value());
+            EXPECT_EQ(SettingRowOf(*setting).kind, ESettingKind::OnOff);
+            EXPECT_EQ(on, id == IDC_ENERGY_SMART_ON || id == IDC_DYNAMIC_CONTRAST_ON || id == IDC_AUTO_POWER_DOWN_ON);
+            ++offOn;
+        } else if (_wcsicmp(type, L"Static") == 0) {
+            EXPECT_FALSE(setting.has_value());  // labels set nothing
+        }
+    }
+    EXPECT_EQ(lists, 5);  // aspect, LED, uniformity, fan, battery
+    EXPECT_EQ(offOn, 6);
+    // Each setting the page shows has one row, with its caption on its label.
+    std::set<ESetting> seen;
+    for (const CAdvancedDialog::SSettingControls& controls : CAdvancedDialog::SettingControls()) {
+        EXPECT_TRUE(seen.insert(controls.setting).second);
+        EXPECT_NE(SettingRowOf(controls.setting).kind, ESettingKind::Hidden);
+    }
+    EXPECT_EQ(TextOf(program.PageItem(IDC_FAN_LABEL)), L"&Fan Speed:");
+    EXPECT_EQ(TextOf(program.PageItem(IDC_LCD_CONDITIONING_LABEL)), L"LCD Conditioning:");
 }
