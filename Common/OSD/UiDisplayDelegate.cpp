@@ -25,18 +25,18 @@ constexpr int32_t kFineGammaHighest = 40;
 UiDisplayDelegate::UiDisplayDelegate(std::shared_ptr<Connector> connector_I, uint16_t edidNumber_I)
     : CDisplay(std::move(connector_I), edidNumber_I) {}
 
-UiDisplayDelegate::COperation::COperation(UiDisplayDelegate& delegate_I) : mDelegate(delegate_I) {
+UiDisplayDelegate::CFailureScope::CFailureScope(UiDisplayDelegate& delegate_I) : mDelegate(delegate_I) {
     if (mDelegate.mOperationDepth++ == 0) {
         mDelegate.ClearLastFailure();
     }
 }
 
-UiDisplayDelegate::COperation::~COperation() {
+UiDisplayDelegate::CFailureScope::~CFailureScope() {
     --mDelegate.mOperationDepth;
 }
 
 bool UiDisplayDelegate::Write(uint8_t vcpCode_I, int32_t value_I) {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     if (vcpCode_I == 0 || !HasOption(vcpCode_I)) {
         NoteFailure(vcpCode_I == 0 ? std::string("Setting") : VCPCodeName(vcpCode_I), "not offered by this display");
         return false;
@@ -56,13 +56,13 @@ bool UiDisplayDelegate::Write(uint8_t vcpCode_I, int32_t value_I) {
 // ---- save, revert, reset ----
 
 bool UiDisplayDelegate::Save() {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     mSavedColorMode = mColorMode;
     return CDisplay::Save();
 }
 
 bool UiDisplayDelegate::Revert() {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     const bool written = CDisplay::Revert();
     mColorMode = mSavedColorMode;
     return written;
@@ -75,7 +75,7 @@ void UiDisplayDelegate::ResetData(bool allOptions_I) {
 }
 
 bool UiDisplayDelegate::FactoryReset() {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     if (!SetVCPValue(vcpC_RestoreFactoryDefaults, 1)) {
         return false;
     }
@@ -87,7 +87,7 @@ bool UiDisplayDelegate::FactoryReset() {
 }
 
 bool UiDisplayDelegate::ResetColor() {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     const SVCPValue restore = GetVCPValue(vcpC_RestoreFactoryColorDefaults, true);
     if (!restore.valid) {
         NoteFailure(VCPCodeName(vcpC_RestoreFactoryColorDefaults),
@@ -140,7 +140,7 @@ bool UiDisplayDelegate::SetUniformityCompensation(int32_t value_I) {
 }
 
 bool UiDisplayDelegate::SetDynamicContrast(int32_t on_I) {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     if (on_I != 0 && mTraits.dynamicContrastExcludesUniformity) {
         // Best effort: if uniformity stays on, the firmware refuses dynamic contrast and the
         // write below reports it.
@@ -179,7 +179,7 @@ bool UiDisplayDelegate::SetFanSpeed(int32_t fanSpeed_I) {
 }
 
 bool UiDisplayDelegate::SetBatteryMode(int32_t choice_I) {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     const SVCPValue current = GetVCPValue(vcpC_BatteryMode, false);
     if (!current.valid) {
         NoteFailure(VCPCodeName(vcpC_BatteryMode),
@@ -219,7 +219,7 @@ int32_t UiDisplayDelegate::ColorSettingMode() {
 }
 
 bool UiDisplayDelegate::SetColorSettingMode(int32_t mode_I) {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     if (mode_I != eColorModeTemperature && mode_I != eColorModeSpace && mode_I != eColorModeCustom) {
         return false;
     }
@@ -238,7 +238,7 @@ bool UiDisplayDelegate::SetColorSettingMode(int32_t mode_I) {
 }
 
 bool UiDisplayDelegate::SetColorTemperature(int32_t value_I) {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     if (!SelectModePreset(eColorModeTemperature) || !Write(CodeOf(ESetting::ColorTemperature), value_I)) {
         return false;
     }
@@ -247,7 +247,7 @@ bool UiDisplayDelegate::SetColorTemperature(int32_t value_I) {
 }
 
 bool UiDisplayDelegate::SetColorSpace(int32_t value_I) {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     if (!SelectModePreset(eColorModeSpace) || !Write(CodeOf(ESetting::ColorSpace), value_I)) {
         return false;
     }
@@ -386,7 +386,7 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
 }
 
 bool UiDisplayDelegate::SetSetting(ESetting setting_I, int32_t value_I) {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     switch (setting_I) {
         case ESetting::Brightness: return SetBrightness(value_I);
         case ESetting::Contrast: return SetContrast(value_I);
@@ -500,7 +500,7 @@ CColor UiDisplayDelegate::GetCustomRGBColorMod(uint32_t type_I, bool readMode_I)
 }
 
 bool UiDisplayDelegate::SetCustomRGBColorMod(uint32_t type_I, const CColor& color_I) {
-    COperation operation(*this);
+    CFailureScope scope(*this);
     if (!AllowsRawColorValues()) {
         VLR_ASSERT_AS(color_I.Red() <= MAX_COLOR_RGB_PERCENT,
                       "color_I.Red() >= 0 && color_I.Red() <= MAX_COLOR_RGB_PERCENT");

@@ -91,14 +91,14 @@ public:
     bool IsColorTooDark(const CColor& color_I, uint32_t type_I) const;
 
 private:
-    // Marks one delegate operation: the outermost one clears the last failure's detail, so
-    // that an error box never shows an older failure.
-    class COperation {
+    // The scope of one delegate operation's failure: the outermost scope clears the last
+    // failure's detail, so that an error box never shows an older failure.
+    class CFailureScope {
     public:
-        explicit COperation(UiDisplayDelegate& delegate_I);
-        ~COperation();
-        COperation(const COperation&) = delete;
-        COperation& operator=(const COperation&) = delete;
+        explicit CFailureScope(UiDisplayDelegate& delegate_I);
+        ~CFailureScope();
+        CFailureScope(const CFailureScope&) = delete;
+        CFailureScope& operator=(const CFailureScope&) = delete;
 
     private:
         UiDisplayDelegate& mDelegate;

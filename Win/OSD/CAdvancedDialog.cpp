@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "Assert.h"
-#include "CMainDialog.h"
 #include "DebugLog.h"
 #include "MessageWindows.h"
 #include "SettingTable.h"
@@ -47,10 +46,6 @@ constexpr ESetting kRestoredOnCancel[] = {ESetting::AspectRatio,       ESetting:
                                           ESetting::Sharpness,         ESetting::UniformityCompensation,
                                           ESetting::DynamicContrast,   ESetting::EnergySmart,
                                           ESetting::PowerLedBrightness};
-
-void Show(HWND window_I, bool visible_I) {
-    ShowWindow(window_I, visible_I ? SW_SHOW : SW_HIDE);
-}
 
 // The page is modeless inside the main dialog's modal loop, which hands keys to the main
 // dialog alone. Every dialog loop offers each message to the thread's message filter first
@@ -94,8 +89,8 @@ std::vector<CRowLayout::SRow> PageRows() {
     return rows;
 }
 
-CAdvancedDialog::CAdvancedDialog(CMainDialog& mainDlg_I, LANGID language_I)
-    : CDialogBase(IDD_ADVANCED), mMainDlg(mainDlg_I), mLanguage(language_I), mRows(PageRows()) {}
+CAdvancedDialog::CAdvancedDialog(IDialogHost& host_I, LANGID language_I)
+    : CDialogBase(IDD_ADVANCED), mHost(host_I), mLanguage(language_I), mRows(PageRows()) {}
 
 const std::vector<CAdvancedDialog::SSettingControls>& CAdvancedDialog::SettingControls() {
     static const std::vector<SSettingControls> rows = {
@@ -126,7 +121,7 @@ std::optional<ESetting> CAdvancedDialog::SettingOfControl(int controlId_I, bool&
 }
 
 UiDisplayDelegate* CAdvancedDialog::Delegate() const {
-    return mMainDlg.Delegate();
+    return mHost.Delegate();
 }
 
 std::wstring CAdvancedDialog::ProgramVersion() {
@@ -149,11 +144,11 @@ std::wstring CAdvancedDialog::ProgramVersion() {
     return std::wstring(text, wcsnlen(text, length));
 }
 
-bool CAdvancedDialog::Checked(bool ok_I) {
+bool CAdvancedDialog::ReportWrite(bool ok_I) {
     if (!ok_I) {
         // A failed write here ends the program: its settings may leave the display half-set.
-        mMainDlg.NoteFatalFailure();
-        MessageWindows::ShowCommunicationError(mMainDlg.m_hWnd, Delegate(), true, mLanguage);
+        mHost.NoteFatalFailure();
+        MessageWindows::ShowCommunicationError(mHost.Window(), Delegate(), true, mLanguage);
     }
     return ok_I;
 }
@@ -174,7 +169,7 @@ void CAdvancedDialog::Open(HWND owner_I) {
     }
     Refresh();
     RECT mainRect{};
-    GetWindowRect(mMainDlg.m_hWnd, &mainRect);
+    GetWindowRect(mHost.Window(), &mainRect);
     Follow(mainRect);
     ShowWindow(m_hWnd, SW_SHOW);
 }
@@ -233,39 +228,23 @@ void CAdvancedDialog::FillChoice(ESetting setting_I, int labelId_I, int comboId_
     UiDisplayDelegate* delegate = Delegate();
     const SSettingState state = delegate->GetSetting(setting_I);
     const bool shown = state.supported && !state.entries.empty();
-    Show(GetDlgItem(labelId_I), shown);
-    Show(GetDlgItem(comboId_I), shown);
+    ShowControl(GetDlgItem(labelId_I), shown);
+    ShowControl(GetDlgItem(comboId_I), shown);
     EnableWindow(GetDlgItem(comboId_I), shown && state.writable);
     HWND combo = GetDlgItem(comboId_I);
-    SendMessageW(combo, CB_RESETCONTENT, 0, 0);
     std::vector<int32_t>& values = mValues[comboId_I];
-    values.clear();
-    if (!shown) {
-        return;
-    }
-    for (const SEntry& entry : state.entries) {
-        SendMessageW(combo, CB_ADDSTRING, 0,
-                     reinterpret_cast<LPARAM>(MessageWindows::Text(entry.stringId, mLanguage).c_str()));
-        values.push_back(entry.value);
-    }
-    const auto it = std::find(values.begin(), values.end(), state.value);
-    if (state.value == kNoChoice) {
-        // The delegate's "none of the choices" (battery firmware reports 0 when on mains).
-        SendMessageW(combo, CB_SETCURSEL, WPARAM(-1), 0);
-        return;
-    }
-    if (it == values.end()) {
+    FillChoiceCombo(combo, shown ? state.entries : std::vector<SEntry>{}, mLanguage, values);
+    // The delegate's "none of the choices" (battery firmware reports 0 when on mains) selects
+    // nothing; any other value missing from the list is a fault.
+    if (shown && !SelectChoice(combo, values, state.value) && state.value != kNoChoice) {
         VLR_ASSERT_FAIL("\"Oops - bad combo value\"");
-        SendMessageW(combo, CB_SETCURSEL, WPARAM(-1), 0);
-        return;
     }
-    SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(it - values.begin()), 0);
 }
 
 void CAdvancedDialog::FillOffOn(ESetting setting_I, int labelId_I, int offId_I, int onId_I) {
     const SSettingState state = Delegate()->GetSetting(setting_I);
     for (int id : {labelId_I, offId_I, onId_I}) {
-        Show(GetDlgItem(id), state.supported);
+        ShowControl(GetDlgItem(id), state.supported);
         EnableWindow(GetDlgItem(id), state.supported && state.writable);
     }
     CheckDlgButton(m_hWnd, offId_I, state.supported && state.value == 0 ? BST_CHECKED : BST_UNCHECKED);
@@ -288,8 +267,8 @@ void CAdvancedDialog::Refresh() {
     }
 
     const SSettingState sharpness = delegate->GetSetting(ESetting::Sharpness);
-    Show(GetDlgItem(IDC_SHARPNESS_LABEL), sharpness.supported);
-    Show(GetDlgItem(IDC_SHARPNESS_SLIDER), sharpness.supported);
+    ShowControl(GetDlgItem(IDC_SHARPNESS_LABEL), sharpness.supported);
+    ShowControl(GetDlgItem(IDC_SHARPNESS_SLIDER), sharpness.supported);
     if (sharpness.supported) {
         HWND slider = GetDlgItem(IDC_SHARPNESS_SLIDER);
         SendMessageW(slider, TBM_SETRANGE, TRUE,
@@ -297,11 +276,11 @@ void CAdvancedDialog::Refresh() {
         SendMessageW(slider, TBM_SETPOS, TRUE, sharpness.value);
     }
     const bool lcd = delegate->GetSetting(ESetting::LcdConditioning).supported;
-    Show(GetDlgItem(IDC_LCD_CONDITIONING_LABEL), lcd);
-    Show(GetDlgItem(IDC_LCD_CONDITIONING_START), lcd);
+    ShowControl(GetDlgItem(IDC_LCD_CONDITIONING_LABEL), lcd);
+    ShowControl(GetDlgItem(IDC_LCD_CONDITIONING_START), lcd);
     // The display does not report the run's end: it shows as running while the page is open.
     EnableWindow(GetDlgItem(IDC_LCD_CONDITIONING_START), lcd && !mConditioningStarted);
-    Show(GetDlgItem(IDC_LCD_CONDITIONING_STATE), lcd && mConditioningStarted);
+    ShowControl(GetDlgItem(IDC_LCD_CONDITIONING_STATE), lcd && mConditioningStarted);
 
     SetDlgItemTextW(m_hWnd, IDC_PROGRAM_VERSION, ProgramVersion().c_str());
     SetDlgItemTextW(m_hWnd, IDC_FIRMWARE_VERSION, Widen(delegate->FirmwareVersionText()).c_str());
@@ -330,8 +309,8 @@ bool CAdvancedDialog::WritePendingSharpness() {
     if (delegate == nullptr) {
         return true;
     }
-    const bool ok = Checked(delegate->SetSharpness(position));
-    mMainDlg.UpdateButtons();
+    const bool ok = ReportWrite(delegate->SetSharpness(position));
+    mHost.UpdateButtons();
     return ok;
 }
 
@@ -343,7 +322,7 @@ void CAdvancedDialog::LeaveDisplay() {
 
 LRESULT CAdvancedDialog::OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
     // While a long operation uses the display, the write waits for a later tick.
-    if (wParam_I == kSharpnessTimer && !mMainDlg.OperationRunning()) {
+    if (wParam_I == kSharpnessTimer && !mHost.OperationRunning()) {
         WritePendingSharpness();
     }
     return 0;
@@ -381,19 +360,19 @@ void CAdvancedDialog::OnChoiceChanged(ESetting setting_I, int comboId_I) {
     if (!SelectedComboValue(m_hWnd, comboId_I, mValues[comboId_I], value) || delegate == nullptr) {
         return;
     }
-    if (Checked(delegate->SetSetting(setting_I, value))) {
+    if (ReportWrite(delegate->SetSetting(setting_I, value))) {
         Refresh();
-        mMainDlg.UpdateButtons();
+        mHost.UpdateButtons();
     }
 }
 
 void CAdvancedDialog::OnOffOn(ESetting setting_I, bool on_I) {
     UiDisplayDelegate* delegate = Delegate();
-    if (delegate == nullptr || !Checked(delegate->SetSetting(setting_I, on_I ? 1 : 0))) {
+    if (delegate == nullptr || !ReportWrite(delegate->SetSetting(setting_I, on_I ? 1 : 0))) {
         return;
     }
     Refresh();
-    mMainDlg.UpdateButtons();
+    mHost.UpdateButtons();
 }
 
 LRESULT CAdvancedDialog::OnLcdConditioning(WORD, WORD, HWND, BOOL&) {
@@ -409,11 +388,11 @@ LRESULT CAdvancedDialog::OnLcdConditioning(WORD, WORD, HWND, BOOL&) {
     }
     delegate->Revert();
     delegate->ResetOptionData(vcpC_LCDConditioning);
-    if (Checked(delegate->SetLCDConditioning(1))) {
+    if (ReportWrite(delegate->SetLCDConditioning(1))) {
         mConditioningStarted = true;
         // The unsaved changes were dropped for the conditioning run: the main dialog shows the
         // display's values again.
-        mMainDlg.RefreshControls();
+        mHost.RefreshControls();
         Refresh();
     }
     return 0;
@@ -422,8 +401,8 @@ LRESULT CAdvancedDialog::OnLcdConditioning(WORD, WORD, HWND, BOOL&) {
 LRESULT CAdvancedDialog::OnFactoryReset(WORD, WORD, HWND, BOOL&) {
     UiDisplayDelegate* delegate = Delegate();
     const std::wstring name = delegate != nullptr ? Widen(delegate->SupportedName()) : std::wstring();
-    if (MessageWindows::ConfirmFactoryReset(mMainDlg.m_hWnd, name, mLanguage)) {
-        mMainDlg.FactoryReset();
+    if (MessageWindows::ConfirmFactoryReset(mHost.Window(), name, mLanguage)) {
+        mHost.FactoryReset();
     }
     return 0;
 }
@@ -434,11 +413,11 @@ LRESULT CAdvancedDialog::OnClose(WORD, WORD id_I, HWND, BOOL&) {
     if (delegate != nullptr && id_I != IDC_ADVANCED_OK) {
         for (const auto& [setting, value] : mOpeningValues) {
             const SSettingState now = delegate->GetSetting(setting);
-            if (now.valid && now.value != value && !Checked(delegate->SetSetting(setting, value))) {
+            if (now.valid && now.value != value && !ReportWrite(delegate->SetSetting(setting, value))) {
                 return 0;
             }
         }
-        mMainDlg.UpdateButtons();
+        mHost.UpdateButtons();
     }
     // OK keeps a sharpness the timer has not written yet.
     if (delegate != nullptr && id_I == IDC_ADVANCED_OK && !WritePendingSharpness()) {

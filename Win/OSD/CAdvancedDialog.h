@@ -12,16 +12,16 @@
 #include <vector>
 
 #include "DialogIds.h"
+#include "DialogHost.h"
 #include "DialogImpl.h"
 #include "DialogLayout.h"
 #include "SettingCodes.h"
 
-class CMainDialog;
 class UiDisplayDelegate;
 
 class CAdvancedDialog : public CDialogBase {
 public:
-    CAdvancedDialog(CMainDialog& mainDlg_I, LANGID language_I);
+    CAdvancedDialog(IDialogHost& host_I, LANGID language_I);
 
     // Creates the window the first time, shows it, and notes the values Cancel puts back.
     void Open(HWND owner_I);
@@ -85,11 +85,11 @@ private:
     void FillChoice(ESetting setting_I, int labelId_I, int comboId_I);
     void FillOffOn(ESetting setting_I, int labelId_I, int offId_I, int onId_I);
     // A write of this page: true when it worked; otherwise the program ends.
-    bool Checked(bool ok_I);
+    bool ReportWrite(bool ok_I);
     // Writes the trackbar's sharpness when it changed since the last write.
     bool WritePendingSharpness();
 
-    CMainDialog& mMainDlg;
+    IDialogHost& mHost;
     LANGID mLanguage;
     std::map<int, std::vector<int32_t>> mValues;
     bool mSharpnessChanged = false;

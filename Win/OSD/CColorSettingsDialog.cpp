@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "CMainDialog.h"
 #include "MessageWindows.h"
 #include "UiDisplayDelegate.h"
 
@@ -41,8 +40,8 @@ uint8_t ScreenLevel(uint8_t percent_I) {
 
 }  // namespace
 
-CColorSettingsDialog::CColorSettingsDialog(CMainDialog& mainDlg_I, LANGID language_I)
-    : CDialogBase(IDD_CUSTOM_COLOR), mMainDlg(mainDlg_I), mLanguage(language_I) {}
+CColorSettingsDialog::CColorSettingsDialog(IDialogHost& host_I, LANGID language_I)
+    : CDialogBase(IDD_CUSTOM_COLOR), mHost(host_I), mLanguage(language_I) {}
 
 CColorSettingsDialog::~CColorSettingsDialog() {
     if (mSwatchBrush != nullptr) {
@@ -51,7 +50,7 @@ CColorSettingsDialog::~CColorSettingsDialog() {
 }
 
 UiDisplayDelegate* CColorSettingsDialog::Delegate() const {
-    return mMainDlg.Delegate();
+    return mHost.Delegate();
 }
 
 CColor CColorSettingsDialog::Shown(int adjustment_I) const {
@@ -105,7 +104,7 @@ LRESULT CColorSettingsDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     // Centred over the main dialog.
     RECT parent{};
     RECT own{};
-    GetWindowRect(mMainDlg.m_hWnd, &parent);
+    GetWindowRect(mHost.Window(), &parent);
     GetWindowRect(m_hWnd, &own);
     SetWindowPos(m_hWnd, HWND_TOPMOST,
                  parent.left + (parent.right - parent.left - (own.right - own.left)) / 2,

@@ -12,9 +12,9 @@
 
 #include "CustomColor.h"
 #include "DialogIds.h"
+#include "DialogHost.h"
 #include "DialogImpl.h"
 
-class CMainDialog;
 class UiDisplayDelegate;
 
 class CColorSettingsDialog : public CDialogBase {
@@ -22,7 +22,7 @@ public:
     static constexpr int kAdjustments = 4;  // EColorModType
     static constexpr int kChannels = 3;     // red, green, blue
 
-    CColorSettingsDialog(CMainDialog& mainDlg_I, LANGID language_I);
+    CColorSettingsDialog(IDialogHost& host_I, LANGID language_I);
     ~CColorSettingsDialog() override;
 
     BEGIN_MSG_MAP(CColorSettingsDialog)
@@ -49,7 +49,7 @@ private:
     void UpdateSwatch();
     void Cancel();
 
-    CMainDialog& mMainDlg;
+    IDialogHost& mHost;
     LANGID mLanguage;
     std::array<bool, kAdjustments> mSupported{};
     std::array<CColor, kAdjustments> mOpening{};

@@ -85,9 +85,6 @@ std::wstring ProgramFolder() {
     return folder.substr(0, folder.find_last_of(L"\\/") + 1);
 }
 
-// The running main dialog, for the thread procedures that take no argument.
-std::atomic<CMainDialog*> gMainDialog{nullptr};
-
 // The main dialog's lists and the setting each sets.
 constexpr std::pair<int, ESetting> kSettingLists[] = {
     {IDC_COLOR_SETTING_LIST, ESetting::ColorSettingMode},
@@ -105,9 +102,6 @@ std::optional<ESetting> SettingOfList(int listId_I) {
     return std::nullopt;
 }
 
-void Show(HWND window_I, bool visible_I) {
-    ShowWindow(window_I, visible_I ? SW_SHOW : SW_HIDE);
-}
 
 }  // namespace
 
@@ -128,8 +122,6 @@ CMainDialog::CMainDialog(const SStartupOptions& options_I, LANGID language_I)
 
 CMainDialog::~CMainDialog() {
     mThread.JoinAndClose();
-    CMainDialog* self = this;
-    gMainDialog.compare_exchange_strong(self, nullptr);
 }
 
 UiDisplayDelegate* CMainDialog::Delegate() const {
@@ -147,7 +139,7 @@ std::vector<int32_t> CMainDialog::Values(int comboId_I) const {
     return it != mValues.end() ? it->second : std::vector<int32_t>();
 }
 
-bool CMainDialog::Check(bool ok_I) {
+bool CMainDialog::ReportWrite(bool ok_I) {
     if (!ok_I) {
         UiDisplayDelegate* delegate = Delegate();
         if (mOptions.exitOnError) {
@@ -198,18 +190,18 @@ DWORD WINAPI CMainDialog::DisplayConfigThread(LPVOID pClass_I) {
     return 1;
 }
 
-DWORD WINAPI CMainDialog::FactoryResetThread(LPVOID) {
+DWORD WINAPI CMainDialog::FactoryResetThread(LPVOID pClass_I) {
     CScopedTimer timer("FactoryReset");
-    CMainDialog* self = gMainDialog.load();
+    auto* self = static_cast<CMainDialog*>(pClass_I);
     if (UiDisplayDelegate* delegate = self != nullptr ? self->Delegate() : nullptr) {
         delegate->FactoryReset();
     }
     return 1;
 }
 
-DWORD WINAPI CMainDialog::ResetColorThread(LPVOID) {
+DWORD WINAPI CMainDialog::ResetColorThread(LPVOID pClass_I) {
     CScopedTimer timer("ResetColor");
-    CMainDialog* self = gMainDialog.load();
+    auto* self = static_cast<CMainDialog*>(pClass_I);
     if (UiDisplayDelegate* delegate = self != nullptr ? self->Delegate() : nullptr) {
         delegate->ResetColor();
     }
@@ -300,7 +292,6 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
 
 LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     CScopedTimer timer("CMainDialog::OnInitDialog");
-    gMainDialog.store(this);
     // Discovery starts before any window is shown.
     VLR_START_THREAD(mThread, CMainDialog::DisplayConfigThread, this);
 
@@ -422,33 +413,54 @@ void CMainDialog::ClearCombos() {
 
 // ---- Controls ----
 
-void CMainDialog::InitSlider(ESetting setting_I, int labelId_I, int editId_I, int sliderId_I,
-                             int32_t& accepted_O) {
+const CMainDialog::SSlider* CMainDialog::SliderOf(int controlId_I) {
+    static constexpr SSlider kSliders[] = {
+        {ESetting::Brightness, IDC_BRIGHTNESS_LABEL, IDC_BRIGHTNESS_EDIT, IDC_BRIGHTNESS_SLIDER},
+        {ESetting::Contrast, IDC_CONTRAST_LABEL, IDC_CONTRAST_EDIT, IDC_CONTRAST_SLIDER},
+    };
+    for (const SSlider& slider : kSliders) {
+        if (controlId_I == slider.slider || controlId_I == slider.edit) {
+            return &slider;
+        }
+    }
+    return nullptr;
+}
+
+int32_t& CMainDialog::Accepted(const SSlider& slider_I) {
+    return slider_I.setting == ESetting::Brightness ? mAcceptedBrightness : mAcceptedContrast;
+}
+
+std::pair<int32_t, int32_t> CMainDialog::PictureWith(const SSlider& slider_I, int32_t value_I) const {
+    return slider_I.setting == ESetting::Brightness ? std::make_pair(value_I, mAcceptedContrast)
+                                                    : std::make_pair(mAcceptedBrightness, value_I);
+}
+
+void CMainDialog::InitSlider(const SSlider& slider_I) {
     UiDisplayDelegate* delegate = Delegate();
-    SSettingState res = delegate->GetSetting(setting_I);
+    SSettingState res = delegate->GetSetting(slider_I.setting);
     const bool shown = res.supported;
-    for (int id : {labelId_I, editId_I, sliderId_I}) {
-        Show(GetDlgItem(id), shown);
+    for (int id : {slider_I.label, slider_I.edit, slider_I.slider}) {
+        ShowControl(GetDlgItem(id), shown);
         EnableWindow(GetDlgItem(id), shown && res.writable);
     }
     if (!shown) {
         return;
     }
     VLR_ASSERT(res.valid);
-    HWND slider = GetDlgItem(sliderId_I);
+    HWND slider = GetDlgItem(slider_I.slider);
     SendMessageW(slider, TBM_SETRANGE, TRUE, MAKELPARAM(res.range.minimum, res.range.maximum));
     SendMessageW(slider, TBM_SETPOS, TRUE, res.value);
-    SendDlgItemMessageW(m_hWnd, editId_I, EM_LIMITTEXT, kEditDigits, 0);
-    SetDlgItemInt(m_hWnd, editId_I, static_cast<UINT>(res.value), FALSE);
-    accepted_O = res.value;
+    SendDlgItemMessageW(m_hWnd, slider_I.edit, EM_LIMITTEXT, kEditDigits, 0);
+    SetDlgItemInt(m_hWnd, slider_I.edit, static_cast<UINT>(res.value), FALSE);
+    Accepted(slider_I) = res.value;
 }
 
 void CMainDialog::InitChoice(ESetting setting_I, int labelId_I, int comboId_I, bool visible_I) {
     UiDisplayDelegate* delegate = Delegate();
     SSettingState state = delegate->GetSetting(setting_I);
     const bool shown = visible_I && state.supported && !state.entries.empty();
-    Show(GetDlgItem(labelId_I), shown);
-    Show(GetDlgItem(comboId_I), shown);
+    ShowControl(GetDlgItem(labelId_I), shown);
+    ShowControl(GetDlgItem(comboId_I), shown);
     EnableWindow(GetDlgItem(labelId_I), shown && state.writable);
     EnableWindow(GetDlgItem(comboId_I), shown && state.writable);
     if (!state.supported) {
@@ -459,17 +471,11 @@ void CMainDialog::InitChoice(ESetting setting_I, int labelId_I, int comboId_I, b
     }
     HWND combo = GetDlgItem(comboId_I);
     std::vector<int32_t>& values = mValues[comboId_I];
+    // Filled once per display (ClearCombos empties them when another is chosen).
     if (SendMessageW(combo, CB_GETCOUNT, 0, 0) == 0) {
-        values.clear();
-        for (const SEntry& entry : state.entries) {
-            SendMessageW(combo, CB_ADDSTRING, 0,
-                         reinterpret_cast<LPARAM>(MessageWindows::Text(entry.stringId, mLanguage).c_str()));
-            values.push_back(entry.value);
-        }
+        FillChoiceCombo(combo, state.entries, mLanguage, values);
     }
-    const auto it = std::find(values.begin(), values.end(), state.value);
-    SendMessageW(combo, CB_SETCURSEL,
-                 it != values.end() ? static_cast<WPARAM>(it - values.begin()) : WPARAM(-1), 0);
+    SelectChoice(combo, values, state.value);
 }
 
 void CMainDialog::ShowCustomColorText() {
@@ -485,10 +491,8 @@ void CMainDialog::InitControls() {
         return;
     }
     LoadCaptions();
-    InitSlider(ESetting::Brightness, IDC_BRIGHTNESS_LABEL, IDC_BRIGHTNESS_EDIT, IDC_BRIGHTNESS_SLIDER,
-               mCurrentBrightness);
-    InitSlider(ESetting::Contrast, IDC_CONTRAST_LABEL, IDC_CONTRAST_EDIT, IDC_CONTRAST_SLIDER,
-               mCurrentContrast);
+    InitSlider(*SliderOf(IDC_BRIGHTNESS_SLIDER));
+    InitSlider(*SliderOf(IDC_CONTRAST_SLIDER));
 
     const SSettingState mode = delegate->GetSetting(ESetting::ColorSettingMode);
     InitChoice(ESetting::ColorSettingMode, IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, true);
@@ -498,13 +502,13 @@ void CMainDialog::InitControls() {
     InitChoice(ESetting::ColorTemperature, IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST,
                temperature);
     InitChoice(ESetting::ColorSpace, IDC_COLOR_SPACE_LABEL, IDC_COLOR_SPACE_LIST, space);
-    Show(GetDlgItem(IDC_CUSTOM_COLOR_LABEL), custom);
-    Show(GetDlgItem(IDC_CUSTOM_COLOR_BUTTON), custom);
+    ShowControl(GetDlgItem(IDC_CUSTOM_COLOR_LABEL), custom);
+    ShowControl(GetDlgItem(IDC_CUSTOM_COLOR_BUTTON), custom);
     if (custom) {
         ShowCustomColorText();
     }
-    Show(GetDlgItem(IDC_COLOR_GROUP), mode.supported);
-    Show(GetDlgItem(IDC_RESET_COLOR_BUTTON), mode.supported);
+    ShowControl(GetDlgItem(IDC_COLOR_GROUP), mode.supported);
+    ShowControl(GetDlgItem(IDC_RESET_COLOR_BUTTON), mode.supported);
     InitChoice(ESetting::Gamma, IDC_GAMMA_LABEL, IDC_GAMMA_LIST, true);
     UpdateButtons();
     mRows.Apply(m_hWnd);  // no gaps where the display offers nothing
@@ -513,7 +517,7 @@ void CMainDialog::InitControls() {
 
 void CMainDialog::UpdateButtons() {
     UiDisplayDelegate* delegate = Delegate();
-    Show(GetDlgItem(IDC_ADVANCED_BUTTON), true);
+    ShowControl(GetDlgItem(IDC_ADVANCED_BUTTON), true);
     EnableWindow(GetDlgItem(IDC_ADVANCED_BUTTON), TRUE);
     EnableWindow(GetDlgItem(IDC_SAVE_BUTTON), delegate != nullptr && delegate->HasUnsavedChanges());
 }
@@ -710,74 +714,64 @@ bool CMainDialog::NewerPositionWaiting(HWND slider_I) const {
            reinterpret_cast<HWND>(pending.lParam) == slider_I && LOWORD(pending.wParam) == TB_THUMBTRACK;
 }
 
-void CMainDialog::SendSliderValue(int sliderId_I, int32_t value_I) {
+void CMainDialog::SendSliderValue(const SSlider& slider_I, int32_t value_I) {
     UiDisplayDelegate* delegate = Delegate();
     if (delegate == nullptr) {
         return;
     }
-    if (sliderId_I == IDC_BRIGHTNESS_SLIDER) {
-        SetDlgItemInt(m_hWnd, IDC_BRIGHTNESS_EDIT, static_cast<UINT>(value_I), FALSE);
-        Check(delegate->SetBrightness(value_I));
-    } else if (sliderId_I == IDC_CONTRAST_SLIDER) {
-        SetDlgItemInt(m_hWnd, IDC_CONTRAST_EDIT, static_cast<UINT>(value_I), FALSE);
-        Check(delegate->SetContrast(value_I));
-    } else {
-        VLR_ASSERT_FAIL("Unknown slider");
-    }
+    SetDlgItemInt(m_hWnd, slider_I.edit, static_cast<UINT>(value_I), FALSE);
+    ReportWrite(slider_I.setting == ESetting::Brightness ? delegate->SetBrightness(value_I)
+                                                   : delegate->SetContrast(value_I));
 }
 
-void CMainDialog::CommitSliderValue(int sliderId_I, int32_t value_I) {
-    int32_t& accepted = sliderId_I == IDC_BRIGHTNESS_SLIDER ? mCurrentBrightness : mCurrentContrast;
+void CMainDialog::CommitSliderValue(const SSlider& slider_I, int32_t value_I) {
+    int32_t& accepted = Accepted(slider_I);
     if (value_I == accepted || mBusy) {
         return;
     }
     mBusy = true;
-    SendSliderValue(sliderId_I, value_I);
-    const int32_t brightness = sliderId_I == IDC_BRIGHTNESS_SLIDER ? value_I : mCurrentBrightness;
-    const int32_t contrast = sliderId_I == IDC_CONTRAST_SLIDER ? value_I : mCurrentContrast;
+    SendSliderValue(slider_I, value_I);
+    const auto [brightness, contrast] = PictureWith(slider_I, value_I);
     UiDisplayDelegate* delegate = Delegate();
     if (delegate != nullptr &&
         MessageWindows::ConfirmPictureNotTooDark(m_hWnd, *delegate, brightness, contrast, mLanguage)) {
         accepted = value_I;
         UpdateButtons();
     } else {
-        SendMessageW(GetDlgItem(sliderId_I), TBM_SETPOS, TRUE, accepted);
-        SendSliderValue(sliderId_I, accepted);
+        SendMessageW(GetDlgItem(slider_I.slider), TBM_SETPOS, TRUE, accepted);
+        SendSliderValue(slider_I, accepted);
     }
     mBusy = false;
 }
 
 LRESULT CMainDialog::OnHScroll(UINT, WPARAM wParam_I, LPARAM lParam_I, BOOL& handled_O) {
     HWND slider = reinterpret_cast<HWND>(lParam_I);
-    const int sliderId = GetDlgCtrlID(slider);
+    const SSlider* controls = SliderOf(GetDlgCtrlID(slider));
     const int code = LOWORD(wParam_I);
-    if ((sliderId != IDC_BRIGHTNESS_SLIDER && sliderId != IDC_CONTRAST_SLIDER) || code > TB_ENDTRACK) {
+    if (controls == nullptr || GetDlgCtrlID(slider) != controls->slider || code > TB_ENDTRACK) {
         handled_O = FALSE;
         return 0;
     }
     const int32_t position = static_cast<int32_t>(SendMessageW(slider, TBM_GETPOS, 0, 0));
     const int32_t carried = static_cast<int16_t>(HIWORD(wParam_I));
-    const int32_t accepted = sliderId == IDC_BRIGHTNESS_SLIDER ? mCurrentBrightness : mCurrentContrast;
     switch (code) {
         case TB_LINEUP:
         case TB_LINEDOWN:
         case TB_PAGEUP:
-        case TB_PAGEDOWN: SendSliderValue(sliderId, position); break;
+        case TB_PAGEDOWN: SendSliderValue(*controls, position); break;
         case TB_THUMBTRACK:
             if (NewerPositionWaiting(slider)) {
-                SetDlgItemInt(m_hWnd,
-                              sliderId == IDC_BRIGHTNESS_SLIDER ? IDC_BRIGHTNESS_EDIT : IDC_CONTRAST_EDIT,
-                              static_cast<UINT>(carried), FALSE);
+                SetDlgItemInt(m_hWnd, controls->edit, static_cast<UINT>(carried), FALSE);
             } else {
-                SendSliderValue(sliderId, carried);
+                SendSliderValue(*controls, carried);
             }
             break;
-        case TB_THUMBPOSITION: CommitSliderValue(sliderId, carried); break;
-        case TB_ENDTRACK: CommitSliderValue(sliderId, position); break;
+        case TB_THUMBPOSITION: CommitSliderValue(*controls, carried); break;
+        case TB_ENDTRACK: CommitSliderValue(*controls, position); break;
         case TB_TOP:
         case TB_BOTTOM:
             // Home and End are refused: one key would jump a display to full or no light.
-            SendMessageW(slider, TBM_SETPOS, TRUE, accepted);
+            SendMessageW(slider, TBM_SETPOS, TRUE, Accepted(*controls));
             break;
         default: break;
     }
@@ -789,9 +783,12 @@ void CMainDialog::ApplyTypedValue(int editId_I) {
     if (delegate == nullptr) {
         return;
     }
-    const bool brightness = editId_I == IDC_BRIGHTNESS_EDIT;
-    const int sliderId = brightness ? IDC_BRIGHTNESS_SLIDER : IDC_CONTRAST_SLIDER;
-    SSettingState res = delegate->GetSetting(brightness ? ESetting::Brightness : ESetting::Contrast);
+    const SSlider* controls = SliderOf(editId_I);
+    if (controls == nullptr) {
+        VLR_ASSERT_FAIL("Unknown slider");
+        return;
+    }
+    SSettingState res = delegate->GetSetting(controls->setting);
     VLR_ASSERT(res.valid);
     if (!res.valid) {
         return;
@@ -807,8 +804,8 @@ void CMainDialog::ApplyTypedValue(int editId_I) {
         SetDlgItemInt(m_hWnd, editId_I, static_cast<UINT>(clamped), FALSE);
     }
     value = clamped;
-    int32_t& accepted = brightness ? mCurrentBrightness : mCurrentContrast;
-    SendMessageW(GetDlgItem(sliderId), TBM_SETPOS, TRUE, value);
+    int32_t& accepted = Accepted(*controls);
+    SendMessageW(GetDlgItem(controls->slider), TBM_SETPOS, TRUE, value);
     if (value == accepted) {
         // Nothing changed (the focus merely left the edit, or Enter came again): the display
         // already has it, and the question was asked, if at all, when it changed.
@@ -816,14 +813,13 @@ void CMainDialog::ApplyTypedValue(int editId_I) {
     }
     // The question takes the focus from the edit: its kill-focus must not ask again.
     mBusy = true;
-    SendSliderValue(sliderId, value);
-    const int32_t b = brightness ? value : mCurrentBrightness;
-    const int32_t c = brightness ? mCurrentContrast : value;
-    if (MessageWindows::ConfirmPictureNotTooDark(m_hWnd, *delegate, b, c, mLanguage)) {
+    SendSliderValue(*controls, value);
+    const auto [brightness, contrast] = PictureWith(*controls, value);
+    if (MessageWindows::ConfirmPictureNotTooDark(m_hWnd, *delegate, brightness, contrast, mLanguage)) {
         accepted = value;
     } else {
-        SendMessageW(GetDlgItem(sliderId), TBM_SETPOS, TRUE, accepted);
-        SendSliderValue(sliderId, accepted);
+        SendMessageW(GetDlgItem(controls->slider), TBM_SETPOS, TRUE, accepted);
+        SendSliderValue(*controls, accepted);
     }
     mBusy = false;
     UpdateButtons();
@@ -898,7 +894,7 @@ LRESULT CMainDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
         VLR_ASSERT_FAIL("a list of no setting");
         return 0;
     }
-    Check(delegate->SetSetting(*setting, value));
+    ReportWrite(delegate->SetSetting(*setting, value));
     if (*setting == ESetting::Gamma) {
         UpdateButtons();
     } else {
@@ -945,14 +941,14 @@ LRESULT CMainDialog::OnSave(WORD, WORD, HWND, BOOL&) {
             }
         }
     }
-    Check(delegate->Save());
+    ReportWrite(delegate->Save());
     UpdateButtons();
     return 0;
 }
 
 LRESULT CMainDialog::OnRevert(WORD, WORD, HWND, BOOL&) {
     if (UiDisplayDelegate* delegate = Delegate()) {
-        Check(delegate->Revert());
+        ReportWrite(delegate->Revert());
     }
     InitControls();
     if (mAdvancedDialog && mAdvancedDialog->IsShown()) {

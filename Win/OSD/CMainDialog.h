@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "AppRegistry.h"
@@ -19,13 +20,14 @@
 #include "CPowerWarningDialog.h"
 #include "CWinDisplayConfigInterface.h"
 #include "DialogIds.h"
+#include "DialogHost.h"
 #include "DialogImpl.h"
 #include "DialogLayout.h"
 #include "SignalThread.h"
 #include "StartupOptions.h"
 #include "UiDisplayDelegate.h"
 
-class CMainDialog : public CDialogBase {
+class CMainDialog : public CDialogBase, public IDialogHost {
 public:
     // How a run of the dialog ended, for the entry point to act on.
     enum class EOutcome { Closed, AlreadyRunning, NoDevice, Error, CommunicationFailure };
@@ -38,32 +40,34 @@ public:
     EOutcome Outcome() const { return mOutcome; }
     const std::wstring& ErrorText() const { return mErrorText; }
     const std::shared_ptr<CWinDisplayConfigInterface>& DisplayConfig() const { return mDisplayConfigIF; }
+    HWND Window() const override { return m_hWnd; }
     // The selected display's delegate; null when there is none.
-    UiDisplayDelegate* Delegate() const;
+    UiDisplayDelegate* Delegate() const override;
     // The values behind a combo's items, in item order.
     std::vector<int32_t> Values(int comboId_I) const;
 
     // Worker thread procedures; each returns 1.
     static DWORD WINAPI DisplayConfigThread(LPVOID pClass_I);
-    static DWORD WINAPI FactoryResetThread(LPVOID);
-    static DWORD WINAPI ResetColorThread(LPVOID);
+    // Each worker is given the dialog it was started for.
+    static DWORD WINAPI FactoryResetThread(LPVOID pClass_I);
+    static DWORD WINAPI ResetColorThread(LPVOID pClass_I);
     static DWORD WINAPI ResetColorConfigThread(LPVOID pClass_I);
 
     // While a slider is dragged, positions that a newer one of the same slider already follows
     // in the queue are shown but not sent (on by default; off only to measure the difference).
     static void SetSkipStaleDragPositions(bool on_I);
 
-    // Used by the advanced dialog.
-    void UpdateButtons();
-    void RefreshControls() { InitControls(); }
+    // What the pages are given (IDialogHost).
+    void UpdateButtons() override;
+    void RefreshControls() override { InitControls(); }
     // Factory reset of the selected display behind the wait window, then a fresh search.
-    void FactoryReset();
+    void FactoryReset() override;
     // A long operation (search, colour or factory reset) runs: the dialogs take no input
     // that could start another, and nothing else may use the displays meanwhile.
-    bool OperationRunning() const { return mOperationRunning; }
+    bool OperationRunning() const override { return mOperationRunning; }
     CAdvancedDialog& AdvancedDialog() { return *mAdvancedDialog; }
     // A failed write that ends the program (the advanced page's, or any with /exitOnError).
-    void NoteFatalFailure() { mOutcome = EOutcome::CommunicationFailure; }
+    void NoteFatalFailure() override { mOutcome = EOutcome::CommunicationFailure; }
 
     // The help page of the selected display: on the deployment's own site when the registry
     // names one, otherwise the page shipped beside the program (Help\<page>.html).
@@ -144,19 +148,33 @@ private:
     void FillDisplayList();
     // Every control from the selected display's settings.
     void InitControls();
-    void InitSlider(ESetting setting_I, int labelId_I, int editId_I, int sliderId_I, int32_t& accepted_O);
+    // The two sliders, each with its caption and number box.
+    struct SSlider {
+        ESetting setting;
+        int label;
+        int edit;
+        int slider;
+    };
+    // The slider whose slider or number box this is; null for any other control.
+    static const SSlider* SliderOf(int controlId_I);
+    void InitSlider(const SSlider& slider_I);
+    // The value of the slider's setting that the user last accepted (asked about, if at all).
+    int32_t& Accepted(const SSlider& slider_I);
+    // Brightness and contrast as they would be with this value of the slider's setting.
+    std::pair<int32_t, int32_t> PictureWith(const SSlider& slider_I, int32_t value_I) const;
     void InitChoice(ESetting setting_I, int labelId_I, int comboId_I, bool visible_I);
     void ShowCustomColorText();
     void PlaceWindow();
     void ClearCombos();
 
     // The live and commit paths of the two sliders.
-    void SendSliderValue(int sliderId_I, int32_t value_I);
-    void CommitSliderValue(int sliderId_I, int32_t value_I);
+    void SendSliderValue(const SSlider& slider_I, int32_t value_I);
+    void CommitSliderValue(const SSlider& slider_I, int32_t value_I);
     void ApplyTypedValue(int editId_I);
     bool NewerPositionWaiting(HWND slider_I) const;
-    // Shows the error when a delegate call failed; returns ok_I.
-    bool Check(bool ok_I);
+    // A write's outcome: a failure shows the error (and, when the display went away, a new
+    // search follows); returns ok_I. The advanced page's ReportWrite ends the program instead.
+    bool ReportWrite(bool ok_I);
 
     SStartupOptions mOptions;
     LANGID mLanguage;
@@ -167,8 +185,8 @@ private:
     WinUtils::CSignalThread mThread;
     HWND mToolTip = nullptr;
     HWND mWaitWindow = nullptr;
-    int32_t mCurrentBrightness = 0;
-    int32_t mCurrentContrast = 0;
+    int32_t mAcceptedBrightness = 0;
+    int32_t mAcceptedContrast = 0;
     bool mBusy = false;
     bool mOperationRunning = false;
     bool mSearching = false;  // a search thread runs: the display list is being rebuilt

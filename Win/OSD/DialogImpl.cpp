@@ -1,6 +1,9 @@
 #include "DialogImpl.h"
 
+#include <algorithm>
+
 #include "Assert.h"
+#include "MessageWindows.h"
 
 namespace {
 
@@ -71,4 +74,26 @@ bool SelectedComboValue(HWND dialog_I, int comboId_I, const std::vector<int32_t>
         value_O = values_I[static_cast<size_t>(idx)];
     }
     return valid;
+}
+
+void ShowControl(HWND control_I, bool visible_I) {
+    ShowWindow(control_I, visible_I ? SW_SHOW : SW_HIDE);
+}
+
+void FillChoiceCombo(HWND combo_I, const std::vector<SEntry>& entries_I, LANGID language_I,
+                     std::vector<int32_t>& values_O) {
+    SendMessageW(combo_I, CB_RESETCONTENT, 0, 0);
+    values_O.clear();
+    for (const SEntry& entry : entries_I) {
+        SendMessageW(combo_I, CB_ADDSTRING, 0,
+                     reinterpret_cast<LPARAM>(MessageWindows::Text(entry.stringId, language_I).c_str()));
+        values_O.push_back(entry.value);
+    }
+}
+
+bool SelectChoice(HWND combo_I, const std::vector<int32_t>& values_I, int32_t value_I) {
+    const auto it = std::find(values_I.begin(), values_I.end(), value_I);
+    const bool found = it != values_I.end();
+    SendMessageW(combo_I, CB_SETCURSEL, found ? static_cast<WPARAM>(it - values_I.begin()) : WPARAM(-1), 0);
+    return found;
 }

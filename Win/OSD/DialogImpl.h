@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "SettingCodes.h"
+
 class CDialogBase {
 public:
     explicit CDialogBase(UINT templateId_I) : mTemplateId(templateId_I) {}
@@ -49,6 +51,15 @@ private:
 // The value behind the selected item of a combo whose items stand for values_I, in order;
 // false (and an assertion) when the selection has no value.
 bool SelectedComboValue(HWND dialog_I, int comboId_I, const std::vector<int32_t>& values_I, int32_t& value_O);
+
+// Shows or hides a control.
+void ShowControl(HWND control_I, bool visible_I);
+// Fills a combo with a setting's labelled choices in the interface language; values_O gets
+// the value behind each item, in order.
+void FillChoiceCombo(HWND combo_I, const std::vector<SEntry>& entries_I, LANGID language_I,
+                     std::vector<int32_t>& values_O);
+// Selects the item whose value is given, or none; false when no item has the value.
+bool SelectChoice(HWND combo_I, const std::vector<int32_t>& values_I, int32_t value_I);
 
 #define BEGIN_MSG_MAP(theClass)                                                                     \
     BOOL ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult) \
