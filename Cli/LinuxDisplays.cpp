@@ -76,21 +76,13 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
         std::string route;
         // HID first: by the display's own serial number, then, for the models any control
         // interface serves, by model; then DDC/CI over the connector's bus.
-        for (int pass = 0; pass < 2 && !connector; ++pass) {
-            for (SHidCandidate& candidate : hid) {
-                if (candidate.taken) {
-                    continue;
-                }
-                const bool chosen =
-                    pass == 0 ? Discovery::SameSerialNumber(candidate.connector->SerialNumber(-1), serial)
-                              : Discovery::HidServesByModel(productCode);
-                if (chosen) {
-                    candidate.taken = true;
-                    connector = candidate.connector;
-                    route = candidate.node;
-                    break;
-                }
-            }
+        if (const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
+                hid.size(), [&](size_t i_I) { return !hid[i_I].taken; },
+                [&](size_t i_I) { return hid[i_I].connector->SerialNumber(-1); }, serial,
+                Discovery::HidServesByModel(productCode))) {
+            hid[*chosen].taken = true;
+            connector = hid[*chosen].connector;
+            route = hid[*chosen].node;
         }
         // The models reached over a serial line: the port that reads the display's serial number
         // from it, then, as on Windows, any free port by model.
@@ -105,18 +97,13 @@ std::vector<SCliDisplay>& CLinuxDisplays::Displays() {
                     }
                 }
             }
-            for (int pass = 0; pass < 2 && !connector; ++pass) {
-                for (SSerialCandidate& port : serialPorts) {
-                    if (port.taken || !port.connector->IsOpen()) {
-                        continue;
-                    }
-                    if (pass == 1 || Discovery::SameSerialNumber(port.connector->SerialNumber(-1), serial)) {
-                        port.taken = true;
-                        connector = port.connector;
-                        route = port.node;
-                        break;
-                    }
-                }
+            if (const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
+                    serialPorts.size(),
+                    [&](size_t i_I) { return !serialPorts[i_I].taken && serialPorts[i_I].connector->IsOpen(); },
+                    [&](size_t i_I) { return serialPorts[i_I].connector->SerialNumber(-1); }, serial, true)) {
+                serialPorts[*chosen].taken = true;
+                connector = serialPorts[*chosen].connector;
+                route = serialPorts[*chosen].node;
             }
         }
         if (!connector && !drm.i2cDevice.empty()) {

@@ -210,20 +210,13 @@ void CWinDisplayConfigInterface::ServeByHid(SDisplayInfo& info_I) {
     const bool byModel = mMatchByModel && Discovery::HidServesByModel(info_I.productCode);
     // The interface that reports the display's own serial number first, so that two displays
     // of one family each get their own; only then any interface by model.
-    std::shared_ptr<Connector> chosen;
-    for (int pass = 0; pass < 2 && !chosen; ++pass) {
-        for (const std::shared_ptr<Connector>& connector : mConnectorList) {
-            if (connector->GetType() != eConnectorHID || IsTaken(connector)) {
-                continue;
-            }
-            if (pass == 0 ? Discovery::SameSerialNumber(connector->SerialNumber(-1), serial) : byModel) {
-                chosen = connector;
-                break;
-            }
-        }
-    }
+    const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
+        mConnectorList.size(),
+        [&](size_t i_I) { return mConnectorList[i_I]->GetType() == eConnectorHID && !IsTaken(mConnectorList[i_I]); },
+        [&](size_t i_I) { return mConnectorList[i_I]->SerialNumber(-1); }, serial, byModel);
     if (chosen) {
-        info_I.display = CreateDisplay(info_I.productCode, info_I.monitorName, info_I.supportedName, chosen);
+        info_I.display = CreateDisplay(info_I.productCode, info_I.monitorName, info_I.supportedName,
+                                       mConnectorList[*chosen]);
     }
 }
 

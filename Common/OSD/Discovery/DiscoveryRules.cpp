@@ -74,6 +74,22 @@ bool SameSerialNumber(const std::string& connector_I, const std::string& record_
     return !connector_I.empty() && connector_I == record_I;
 }
 
+std::optional<size_t> PairBySerialThenByModel(size_t count_I, const std::function<bool(size_t)>& free_I,
+                                              const std::function<std::string(size_t)>& serialOf_I,
+                                              const std::string& displaySerial_I, bool byModel_I) {
+    for (int pass = 0; pass < 2; ++pass) {
+        for (size_t i = 0; i < count_I; ++i) {
+            if (!free_I(i)) {
+                continue;
+            }
+            if (pass == 0 ? SameSerialNumber(serialOf_I(i), displaySerial_I) : byModel_I) {
+                return i;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 std::string ShortNameFromHardwareId(const std::string& hardwareId_I) {
     if (hardwareId_I.size() < kMakerTagSize) {
         return {};

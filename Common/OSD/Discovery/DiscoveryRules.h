@@ -5,7 +5,10 @@
 // the text shown when the graphics driver cannot reach a display. The Windows discovery asks
 // these; tests check them natively.
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "Connector.h"
@@ -38,6 +41,15 @@ unsigned ExpectedLegacyConnectorType(uint16_t productCode_I);
 // Connector serial numbers equal record serial numbers byte for byte; an empty one never
 // pairs.
 bool SameSerialNumber(const std::string& connector_I, const std::string& record_I);
+
+// Pairs a display with one of count_I candidate channels in two passes: first the free one
+// that reports the display's own serial number (so that two displays of one family each get
+// their own), then, when byModel_I, the first free one. The index of the one chosen; none when
+// no candidate fits. Windows and Linux discovery pair HID interfaces this way, Linux also its
+// serial ports.
+std::optional<size_t> PairBySerialThenByModel(size_t count_I, const std::function<bool(size_t)>& free_I,
+                                              const std::function<std::string(size_t)>& serialOf_I,
+                                              const std::string& displaySerial_I, bool byModel_I);
 
 // The seven characters "VLR" and the product code's digits that follow the first backslash
 // that starts "\VLR" in a hardware id; empty when there is none.

@@ -100,3 +100,22 @@ TEST(DiscoveryRules, MenuLanguagesAndTheErrorText) {
     EXPECT_EQ(DisplayPortErrorText(0x0A, "", ""),
               "Display: VLR0A  []\n    Could not connect through Display Port API\n    ");
 }
+
+TEST(DiscoveryRules, PairingTakesTheOwnSerialNumberFirstThenAnyFreeChannelByModel) {
+    // Two interfaces of one family: the second display's own comes first although it is listed
+    // second; by model only a free one serves, and only where the model allows it.
+    const std::vector<std::string> serials = {"VC1070A00001", "VC1070A00002", ""};
+    std::vector<bool> taken = {false, false, false};
+    auto pair = [&](const std::string& display, bool byModel) {
+        return Discovery::PairBySerialThenByModel(
+            serials.size(), [&](size_t i) { return !taken[i]; }, [&](size_t i) { return serials[i]; }, display,
+            byModel);
+    };
+    EXPECT_EQ(pair("VC1070A00002", true), std::optional<size_t>(1));
+    taken[1] = true;
+    EXPECT_EQ(pair("VC1070A00002", true), std::optional<size_t>(0));  // its own is taken: by model
+    EXPECT_EQ(pair("VC1070A00002", false), std::nullopt);
+    EXPECT_EQ(pair("", false), std::nullopt);  // an empty serial number pairs with nothing
+    taken = {true, true, true};
+    EXPECT_EQ(pair("VC1070A00001", true), std::nullopt);
+}
