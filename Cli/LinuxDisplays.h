@@ -1,31 +1,21 @@
 #pragma once
-// The displays of this Linux system: each DRM connector whose EDID names the maker, reached over
-// the maker's HID control interface (/dev/hidrawN) when one pairs with it, as on Windows, over a
-// USB serial port for the models reached that way, or else by DDC/CI over the connector's DDC
-// bus (/dev/i2c-N).
+// The tool's displays on Linux: what the Linux discovery finds, as the tool lists them.
 
 #include "CliDisplays.h"
-#include "LinuxSystem.h"
+#include "LinuxDisplayDiscovery.h"
 
 class CLinuxDisplays : public IDisplaySource {
 public:
     explicit CLinuxDisplays(ILinuxSystem& system_I, std::string sysfsDrm_I = "/sys/class/drm",
                             std::string sysfsHidraw_I = "/sys/class/hidraw",
                             std::string sysfsTty_I = "/sys/class/tty")
-        : mSystem(system_I),
-          mSysfsDrm(std::move(sysfsDrm_I)),
-          mSysfsHidraw(std::move(sysfsHidraw_I)),
-          mSysfsTty(std::move(sysfsTty_I)) {}
+        : mDiscovery(system_I, std::move(sysfsDrm_I), std::move(sysfsHidraw_I), std::move(sysfsTty_I)) {}
 
     std::vector<SCliDisplay>& Displays() override;
-    std::vector<std::string> Notes() const override { return mNotes; }
+    std::vector<std::string> Notes() const override { return mDiscovery.Notes(); }
 
 private:
-    ILinuxSystem& mSystem;
-    std::string mSysfsDrm;
-    std::string mSysfsHidraw;
-    std::string mSysfsTty;
+    CLinuxDisplayDiscovery mDiscovery;
     bool mSearched = false;
     std::vector<SCliDisplay> mDisplays;
-    std::vector<std::string> mNotes;
 };

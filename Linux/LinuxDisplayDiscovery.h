@@ -1,0 +1,42 @@
+#pragma once
+// The displays of this Linux system: each DRM connector whose EDID names the maker, reached over
+// the maker's HID control interface (/dev/hidrawN) when one pairs with it, as on Windows, over a
+// USB serial port for the models reached that way, or else by DDC/CI over the connector's DDC
+// bus (/dev/i2c-N). Pairing follows the portable discovery rules.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "LinuxSystem.h"
+#include "UiDisplayDelegate.h"
+
+struct SLinuxDisplay {
+    std::string model;   // the EDID's monitor name, or the connector's name
+    std::string serial;  // the EDID's serial number
+    std::string route;   // the device node it is reached by
+    std::shared_ptr<UiDisplayDelegate> display;
+};
+
+class CLinuxDisplayDiscovery {
+public:
+    explicit CLinuxDisplayDiscovery(ILinuxSystem& system_I, std::string sysfsDrm_I = "/sys/class/drm",
+                                    std::string sysfsHidraw_I = "/sys/class/hidraw",
+                                    std::string sysfsTty_I = "/sys/class/tty")
+        : mSystem(system_I),
+          mSysfsDrm(std::move(sysfsDrm_I)),
+          mSysfsHidraw(std::move(sysfsHidraw_I)),
+          mSysfsTty(std::move(sysfsTty_I)) {}
+
+    // Searches the system once; the displays found, in the DRM connectors' order.
+    std::vector<SLinuxDisplay> Find();
+    // What the user can do about nodes that did not open.
+    const std::vector<std::string>& Notes() const { return mNotes; }
+
+private:
+    ILinuxSystem& mSystem;
+    std::string mSysfsDrm;
+    std::string mSysfsHidraw;
+    std::string mSysfsTty;
+    std::vector<std::string> mNotes;
+};
