@@ -6,6 +6,7 @@
 #include "Assert.h"
 #include "Clock.h"
 #include "DebugLog.h"
+#include "SettingTable.h"
 #include "StringIds.h"
 #include "StringUtilities.h"
 #include "codes.h"
@@ -348,11 +349,8 @@ SSettingState UiDisplayDelegate::ColorModeState() {
 }
 
 SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
+    // The settings with rules of their own; the rest as their row's kind says.
     switch (setting_I) {
-        case ESetting::Brightness:
-        case ESetting::Contrast:
-        case ESetting::Sharpness:
-        case ESetting::OsdLanguage: return ContinuousState(CodeOf(setting_I));
         case ESetting::ColorSettingMode: return ColorModeState();
         case ESetting::ColorTemperature: return ChoiceState(CodeOf(setting_I), ColorTemperatureLabels());
         case ESetting::ColorSpace: return ChoiceState(CodeOf(setting_I), ColorSpaceLabels());
@@ -365,12 +363,8 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
             }
             return ChoiceState(CodeOf(setting_I), PowerLedLabels());
         case ESetting::UniformityCompensation: return ChoiceState(CodeOf(setting_I), UniformityLabels());
-        case ESetting::EnergySmart:
-        case ESetting::DynamicContrast:
-        case ESetting::AutoPowerDown:
         case ESetting::ScanMode: return ChoiceState(CodeOf(setting_I), OffOnLabels());
         case ESetting::FanSpeed: return ChoiceState(CodeOf(setting_I), FanSpeedLabels());
-        case ESetting::LcdConditioning: return ContinuousState(CodeOf(setting_I));
         case ESetting::BatteryMode: {
             SSettingState state = ContinuousState(CodeOf(setting_I));
             if (state.supported) {
@@ -381,34 +375,35 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
             }
             return state;
         }
+        default: break;
     }
+    switch (SettingRowOf(setting_I).kind) {
+        case ESettingKind::OnOff: return ChoiceState(CodeOf(setting_I), OffOnLabels());
+        case ESettingKind::Slider:
+        case ESettingKind::Action:
+        case ESettingKind::Hidden: return ContinuousState(CodeOf(setting_I));
+        case ESettingKind::Choice: break;
+    }
+    VLR_ASSERT_FAIL("a choice without its labels");
     return {};
 }
 
 bool UiDisplayDelegate::SetSetting(ESetting setting_I, int32_t value_I) {
     CFailureScope scope(*this);
+    // The settings with rules of their own; the rest write the value to the family's code.
     switch (setting_I) {
-        case ESetting::Brightness: return SetBrightness(value_I);
-        case ESetting::Contrast: return SetContrast(value_I);
         case ESetting::ColorSettingMode: return SetColorSettingMode(value_I);
         case ESetting::ColorTemperature: return SetColorTemperature(value_I);
         case ESetting::ColorSpace: return SetColorSpace(value_I);
         case ESetting::Gamma:
             return mTraits.gammaScale == EGammaScale::FineScale ? SetGammaValue(value_I) : SetGamma(value_I);
-        case ESetting::AspectRatio: return SetAspectRatio(value_I);
         case ESetting::PowerLedBrightness: return SetPowerLEDBrightness(value_I);
-        case ESetting::Sharpness: return SetSharpness(value_I);
-        case ESetting::UniformityCompensation: return SetUniformityCompensation(value_I);
-        case ESetting::EnergySmart: return SetEnergySmart(value_I);
         case ESetting::DynamicContrast: return SetDynamicContrast(value_I);
-        case ESetting::AutoPowerDown: return SetAutoPowerDown(value_I);
         case ESetting::FanSpeed: return SetFanSpeed(value_I);
-        case ESetting::LcdConditioning: return SetLCDConditioning(value_I);
         case ESetting::BatteryMode: return SetBatteryMode(value_I);
         case ESetting::ScanMode: return SetScanMode(value_I);
-        case ESetting::OsdLanguage: return SetOSDLanguage(value_I);
+        default: return Write(CodeOf(setting_I), value_I);
     }
-    return false;
 }
 
 std::string UiDisplayDelegate::CustomColorText() {

@@ -35,7 +35,7 @@ enum ddcCommandCodes : uint8_t {
     ddcCC_CapabilitiesRequest = 0xF3,
 };
 
-#define VLR_VALUE_ENUMERATOR(value, enumerator, text, labelId, labelOrder) enumerator = value,
+#define VLR_VALUE_ENUMERATOR(value, enumerator, text) enumerator = value,
 enum colorPresetCode : uint8_t { VLR_COLOR_PRESET_VALUES(VLR_VALUE_ENUMERATOR) };
 enum colorSpaceCode : uint8_t { VLR_COLOR_SPACE_VALUES(VLR_VALUE_ENUMERATOR) };
 enum displayPresetCode : uint8_t { VLR_DISPLAY_PRESET_VALUES(VLR_VALUE_ENUMERATOR) };

@@ -46,22 +46,6 @@ const std::vector<SSettingRow>& Rows() {
     return rows;
 }
 
-// The labelled values of an enumeration, in the order the dialogs list them.
-std::vector<SEntry> LabelsOf(EValueNames values_I) {
-    std::vector<const SValueNameRow*> labelled;
-    for (const SValueNameRow& row : ValueNameRows(values_I)) {
-        if (row.labelOrder != 0) {
-            labelled.push_back(&row);
-        }
-    }
-    std::sort(labelled.begin(), labelled.end(),
-              [](const SValueNameRow* a, const SValueNameRow* b) { return a->labelOrder < b->labelOrder; });
-    std::vector<SEntry> labels;
-    for (const SValueNameRow* row : labelled) {
-        labels.push_back({row->labelId, row->value});
-    }
-    return labels;
-}
 
 }  // namespace
 
@@ -77,13 +61,30 @@ uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I) {
     return 0;
 }
 
+// What the dialogs call the values of each enumerated setting, in the order they list them.
+// 5700 K comes second although its value (11) is last.
 const std::vector<SEntry>& ColorTemperatureLabels() {
-    static const std::vector<SEntry> labels = LabelsOf(EValueNames::ColorPreset);
+    static const std::vector<SEntry> labels = {
+        {StringId::k5000K, cpc_5000K}, {StringId::k5700K, cpc_5700K},  {StringId::k6500K, cpc_6500K},
+        {StringId::k7500K, cpc_7500K}, {StringId::k9300K, cpc_9300K}, {StringId::k10000K, cpc_10000K},
+    };
     return labels;
 }
 
+// The combined sRGB/Rec 709 entry is labelled sRGB on displays that do not also offer plain sRGB.
 const std::vector<SEntry>& ColorSpaceLabels() {
-    static const std::vector<SEntry> labels = LabelsOf(EValueNames::ColorSpace);
+    static const std::vector<SEntry> labels = {
+        {StringId::kSpaceNative, csc_Native},
+        {StringId::kSpaceAdobeRGB, csc_AdobeRGB},
+        {StringId::kSpaceSRGB, csc_sRGB},
+        {StringId::kSpaceSRGB, csc_sRGBRec709},
+        {StringId::kSpaceRec709, csc_Rec709},
+        {StringId::kSpaceDCIP3, csc_DCI},
+        {StringId::kSpaceRec2020, csc_Rec2020},
+        {StringId::kSpaceEBU, csc_EBU},
+        {StringId::kSpaceColorManager1, csc_XRite1},
+        {StringId::kSpaceColorManager2, csc_XRite2},
+    };
     return labels;
 }
 
@@ -93,16 +94,24 @@ std::vector<SEntry> AspectRatioLabels(uint8_t vcpCode_I) {
         return {{StringId::kAspectFullScreen, 0}, {StringId::kAspectKeepRatio, 1}};
     }
     // 0x86 and 0xE2 share the display-scaling values.
-    return LabelsOf(EValueNames::DisplayScaling);
+    return {{StringId::kAspectFullScreen, dsc_MaxImage},
+            {StringId::kAspectKeepRatio, dsc_MaxVerticalImageWithAR},
+            {StringId::kAspectOneToOne, dsc_NoScaling}};
 }
 
 const std::vector<SEntry>& PowerLedLabels() {
-    static const std::vector<SEntry> labels = LabelsOf(EValueNames::LedBrightness);
+    static const std::vector<SEntry> labels = {{StringId::kOff, lbc_Off},
+                                               {StringId::kLevelLow, lbc_Low},
+                                               {StringId::kLevelMedium, lbc_Medium},
+                                               {StringId::kLevelHigh, lbc_High}};
     return labels;
 }
 
 const std::vector<SEntry>& UniformityLabels() {
-    static const std::vector<SEntry> labels = LabelsOf(EValueNames::UniformityComp);
+    static const std::vector<SEntry> labels = {{StringId::kOff, ucc_None},
+                                               {StringId::kOn, ucc_Table1},
+                                               {StringId::kUniformityMode2, ucc_Table2},
+                                               {StringId::kUniformityMode3, ucc_Table3}};
     return labels;
 }
 

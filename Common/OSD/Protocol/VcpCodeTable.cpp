@@ -3,7 +3,6 @@
 #include <array>
 #include <vector>
 
-#include "StringIds.h"
 
 namespace {
 
@@ -66,7 +65,7 @@ const std::vector<SVariantRow>& VariantRows() {
     return rows;
 }
 
-#define VLR_VALUE_ROW(value, enumerator, text, labelId, labelOrder) {value, text, labelId, labelOrder},
+#define VLR_VALUE_ROW(value, enumerator, text) {value, text},
 constexpr SValueNameRow kColorPresetValues[] = {VLR_COLOR_PRESET_VALUES(VLR_VALUE_ROW)};
 constexpr SValueNameRow kColorSpaceValues[] = {VLR_COLOR_SPACE_VALUES(VLR_VALUE_ROW)};
 constexpr SValueNameRow kDisplayPresetValues[] = {VLR_DISPLAY_PRESET_VALUES(VLR_VALUE_ROW)};

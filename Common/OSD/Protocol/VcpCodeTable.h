@@ -207,84 +207,83 @@ enum class EValueNames : uint8_t {
     X(ColorOffsetRedIsColorPreset, 0xE4, RW, NC, 4, 2, ColorPreset)
 
 // Value names of the enumerated codes. Columns: value, enumerator, printed text (nullptr:
-// none), the string id of the label the dialogs show (0: not offered), and the label's place
-// in the dialog's list (0: not offered).
+// none). What the dialogs call the values, and in which order, is the settings' (SettingCodes).
 // VCP 0x14. Value 11 is 5700 K on these displays although MCCS reserves it for a user preset;
 // it stays last, out of order, as the firmware's list has it.
 #define VLR_COLOR_PRESET_VALUES(X) \
-    X(0, cpc_Reserved, "Reserved", 0, 0) \
-    X(1, cpc_sRGB, "sRGB", 0, 0) \
-    X(2, cpc_DisplayNative, "Display Native", 0, 0) \
-    X(4, cpc_5000K, "5000k", StringId::k5000K, 1) \
-    X(5, cpc_6500K, "6500k", StringId::k6500K, 3) \
-    X(6, cpc_7500K, "7500k", StringId::k7500K, 4) \
-    X(8, cpc_9300K, "9300k", StringId::k9300K, 5) \
-    X(9, cpc_10000K, "10000k", StringId::k10000K, 6) \
-    X(11, cpc_5700K, "5700k", StringId::k5700K, 2)
+    X(0, cpc_Reserved, "Reserved") \
+    X(1, cpc_sRGB, "sRGB") \
+    X(2, cpc_DisplayNative, "Display Native") \
+    X(4, cpc_5000K, "5000k") \
+    X(5, cpc_6500K, "6500k") \
+    X(6, cpc_7500K, "7500k") \
+    X(8, cpc_9300K, "9300k") \
+    X(9, cpc_10000K, "10000k") \
+    X(11, cpc_5700K, "5700k")
 
 // VCP 0xE3. 5 and 6 are the firmware's Rec 2020 and EBU, which have no printed text; the
 // combined sRGB/Rec 709 entry is labelled sRGB on displays that do not also offer plain sRGB.
 #define VLR_COLOR_SPACE_VALUES(X) \
-    X(0, csc_sRGB, "sRGB", StringId::kSpaceSRGB, 3) \
-    X(1, csc_AdobeRGB, "AdobeRGB", StringId::kSpaceAdobeRGB, 2) \
-    X(2, csc_sRGBRec709, "sRGB/Rec 709", StringId::kSpaceSRGB, 4) \
-    X(3, csc_Rec709, "Rec 709", StringId::kSpaceRec709, 5) \
-    X(4, csc_DCI, "DCI", StringId::kSpaceDCIP3, 6) \
-    X(5, csc_Rec2020, nullptr, StringId::kSpaceRec2020, 7) \
-    X(6, csc_EBU, nullptr, StringId::kSpaceEBU, 8) \
-    X(7, csc_Native, "Native", StringId::kSpaceNative, 1) \
-    X(8, csc_XRite1, "XRite1", StringId::kSpaceColorManager1, 9) \
-    X(9, csc_XRite2, "Xrite2", StringId::kSpaceColorManager2, 10)
+    X(0, csc_sRGB, "sRGB") \
+    X(1, csc_AdobeRGB, "AdobeRGB") \
+    X(2, csc_sRGBRec709, "sRGB/Rec 709") \
+    X(3, csc_Rec709, "Rec 709") \
+    X(4, csc_DCI, "DCI") \
+    X(5, csc_Rec2020, nullptr) \
+    X(6, csc_EBU, nullptr) \
+    X(7, csc_Native, "Native") \
+    X(8, csc_XRite1, "XRite1") \
+    X(9, csc_XRite2, "Xrite2")
 
 // VCP 0xF0.
 #define VLR_DISPLAY_PRESET_VALUES(X) \
-    X(0, dpc_Native, "Native", 0, 0) \
-    X(1, dpc_Standard, "Standard", 0, 0) \
-    X(2, dpc_Multimedia, "Multimedia", 0, 0) \
-    X(3, dpc_Movie, "Movie", 0, 0) \
-    X(4, dpc_Game, "Game", 0, 0) \
-    X(5, dpc_XRitePreset1, "XRite Preset 1", 0, 0) \
-    X(6, dpc_XRitePreset2, "XRite Preset 2", 0, 0) \
-    X(7, dpc_ColorTemp, "Color Temp", 0, 0) \
-    X(8, dpc_ColorSpace, "Color Space", 0, 0) \
-    X(9, dpc_CustomColor, "Custom Color", 0, 0) \
-    X(11, dpc_XRite1_bj, "XRite1_bj", 0, 0) \
-    X(12, dpc_XRite2_bj, "XRite2_bj", 0, 0)
+    X(0, dpc_Native, "Native") \
+    X(1, dpc_Standard, "Standard") \
+    X(2, dpc_Multimedia, "Multimedia") \
+    X(3, dpc_Movie, "Movie") \
+    X(4, dpc_Game, "Game") \
+    X(5, dpc_XRitePreset1, "XRite Preset 1") \
+    X(6, dpc_XRitePreset2, "XRite Preset 2") \
+    X(7, dpc_ColorTemp, "Color Temp") \
+    X(8, dpc_ColorSpace, "Color Space") \
+    X(9, dpc_CustomColor, "Custom Color") \
+    X(11, dpc_XRite1_bj, "XRite1_bj") \
+    X(12, dpc_XRite2_bj, "XRite2_bj")
 
 // VCP 0x86, and 0xE2, which shares its values.
 #define VLR_DISPLAY_SCALING_VALUES(X) \
-    X(0, dsc_Reserved, "Reserved", 0, 0) \
-    X(1, dsc_NoScaling, "No Scaling/Full Image/1 to 1", StringId::kAspectOneToOne, 3) \
-    X(2, dsc_MaxImage, "Max Image/1 to 1", StringId::kAspectFullScreen, 1) \
-    X(3, dsc_MaxVerticalImageNoAR, "Max Vertical Image No AR/Aspect Mode", 0, 0) \
-    X(4, dsc_MaxHorizontalImageNoAR, "Max Horizontal Image No AR", 0, 0) \
-    X(5, dsc_MaxVerticalImageWithAR, "Max Vertical Image with AR", StringId::kAspectKeepRatio, 2) \
-    X(6, dsc_MaxHorizontalImageWithAR, "Max Horizontal Image with AR", 0, 0) \
-    X(7, dsc_FullMode, "Full Mode", 0, 0) \
-    X(8, dsc_ZoomMode, "Zoom Mode", 0, 0) \
-    X(9, dsc_SqueezeMode, "Squeeze Mode", 0, 0) \
-    X(10, dsc_Variable, "Variable", 0, 0)
+    X(0, dsc_Reserved, "Reserved") \
+    X(1, dsc_NoScaling, "No Scaling/Full Image/1 to 1") \
+    X(2, dsc_MaxImage, "Max Image/1 to 1") \
+    X(3, dsc_MaxVerticalImageNoAR, "Max Vertical Image No AR/Aspect Mode") \
+    X(4, dsc_MaxHorizontalImageNoAR, "Max Horizontal Image No AR") \
+    X(5, dsc_MaxVerticalImageWithAR, "Max Vertical Image with AR") \
+    X(6, dsc_MaxHorizontalImageWithAR, "Max Horizontal Image with AR") \
+    X(7, dsc_FullMode, "Full Mode") \
+    X(8, dsc_ZoomMode, "Zoom Mode") \
+    X(9, dsc_SqueezeMode, "Squeeze Mode") \
+    X(10, dsc_Variable, "Variable")
 
 // VCP 0x72. The dialogs label gamma by the family's scale, not by these values.
 #define VLR_GAMMA_VALUES(X) \
-    X(0, gc_1_9, "1.9", 0, 0) \
-    X(1, gc_2_2, "2.2/1.9", 0, 0) \
-    X(2, gc_2_4, "2.4/2.2", 0, 0) \
-    X(3, gc_FollowColorSpace, "Follow Color Space/2.4", 0, 0)
+    X(0, gc_1_9, "1.9") \
+    X(1, gc_2_2, "2.2/1.9") \
+    X(2, gc_2_4, "2.4/2.2") \
+    X(3, gc_FollowColorSpace, "Follow Color Space/2.4")
 
 // VCP 0xEF.
 #define VLR_LED_BRIGHTNESS_VALUES(X) \
-    X(0, lbc_Off, "LED Brightness off", StringId::kOff, 1) \
-    X(1, lbc_Low, "LED Brightness low", StringId::kLevelLow, 2) \
-    X(2, lbc_Medium, "LED Brightness medium", StringId::kLevelMedium, 3) \
-    X(3, lbc_High, "LED Brightness high", StringId::kLevelHigh, 4)
+    X(0, lbc_Off, "LED Brightness off") \
+    X(1, lbc_Low, "LED Brightness low") \
+    X(2, lbc_Medium, "LED Brightness medium") \
+    X(3, lbc_High, "LED Brightness high")
 
 // VCP 0xE0.
 #define VLR_UNIFORMITY_COMP_VALUES(X) \
-    X(0, ucc_None, "None", StringId::kOff, 1) \
-    X(1, ucc_Table1, "Uniformity Table 1", StringId::kOn, 2) \
-    X(2, ucc_Table2, "Uniformity Table 2", StringId::kUniformityMode2, 3) \
-    X(3, ucc_Table3, "Uniformity Table 3", StringId::kUniformityMode3, 4)
+    X(0, ucc_None, "None") \
+    X(1, ucc_Table1, "Uniformity Table 1") \
+    X(2, ucc_Table2, "Uniformity Table 2") \
+    X(3, ucc_Table3, "Uniformity Table 3")
 // clang-format on
 
 // One row of the code table, as the program reads it.
@@ -314,8 +313,6 @@ const SVcpCodeRow* FindVcpCodeRow(uint8_t code_I, const SCodeVariants& variants_
 struct SValueNameRow {
     uint8_t value = 0;
     const char* text = nullptr;  // nullptr: no printed text
-    uint32_t labelId = 0;        // 0: not offered by the dialogs
-    uint8_t labelOrder = 0;
 };
 std::span<const SValueNameRow> ValueNameRows(EValueNames values_I);
 // The enumeration's type name as log lines print it ("colorPresetCode").

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 
+#include "SettingCodes.h"
+#include "StringIds.h"
 #include "VcpCodeTable.h"
 
 TEST(VcpCodeTable, OneRowPerCodeAndVariantsReplaceOnlyTheirCode) {
@@ -27,17 +30,23 @@ TEST(VcpCodeTable, OneRowPerCodeAndVariantsReplaceOnlyTheirCode) {
     EXPECT_EQ(FindVcpCodeRow(0x07), nullptr);
 }
 
-TEST(VcpCodeTable, LabelOrdersAreAListWithoutGaps) {
-    for (EValueNames values : {EValueNames::ColorPreset, EValueNames::ColorSpace, EValueNames::DisplayScaling,
-                               EValueNames::LedBrightness, EValueNames::UniformityComp}) {
-        std::set<int> orders;
-        for (const SValueNameRow& row : ValueNameRows(values)) {
-            EXPECT_EQ(row.labelOrder != 0, row.labelId != 0) << ValueNamesTypeName(values) << int(row.value);
-            if (row.labelOrder != 0) {
-                EXPECT_TRUE(orders.insert(row.labelOrder).second) << ValueNamesTypeName(values);
-            }
+TEST(VcpCodeTable, EveryValueTheDialogsLabelIsOneTheCodeNames) {
+    const std::pair<EValueNames, std::vector<SEntry>> lists[] = {
+        {EValueNames::ColorPreset, ColorTemperatureLabels()},
+        {EValueNames::ColorSpace, ColorSpaceLabels()},
+        {EValueNames::DisplayScaling, AspectRatioLabels(0x86)},
+        {EValueNames::LedBrightness, PowerLedLabels()},
+        {EValueNames::UniformityComp, UniformityLabels()},
+    };
+    for (const auto& [values, labels] : lists) {
+        ASSERT_FALSE(labels.empty());
+        for (const SEntry& label : labels) {
+            const auto rows = ValueNameRows(values);
+            EXPECT_TRUE(std::any_of(rows.begin(), rows.end(),
+                                    [&](const SValueNameRow& row) { return row.value == label.value; }))
+                << ValueNamesTypeName(values) << " " << label.value;
         }
-        ASSERT_FALSE(orders.empty());
-        EXPECT_EQ(*orders.rbegin(), static_cast<int>(orders.size())) << ValueNamesTypeName(values);
     }
+    // The order the user reads: 5700 K second although its value is last.
+    EXPECT_EQ(ColorTemperatureLabels()[1], (SEntry{StringId::k5700K, 11}));
 }
