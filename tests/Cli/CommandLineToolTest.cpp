@@ -11,6 +11,8 @@
 #include "CVirtualDisplayConnector.h"
 #include "CommandLineTool.h"
 #include "DemoDisplays.h"
+#include "SettingNames.h"
+#include "SettingTable.h"
 #include "VirtualClock.h"
 
 namespace {
@@ -303,4 +305,19 @@ TEST(CommandLineTool, RevertUndoesTheUnsavedChangesOfEarlierRuns) {
     EXPECT_EQ(run({"revert", "0"}).second, "nothing to revert: no unsaved changes made with this tool\n");
     EXPECT_EQ(canvas->Value(0x12), 25);
     std::remove(changes.c_str());
+}
+
+TEST(CommandLineTool, EverySettingsRowIsANameScriptsCanWriteBothWays) {
+    for (const SSettingRow& row : SettingRows()) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(SettingByName(row.name), std::optional<ESetting>(row.setting));
+        EXPECT_STREQ(SettingName(row.setting), row.name);
+        if (row.alias != nullptr) {
+            EXPECT_EQ(SettingByName(row.alias), std::optional<ESetting>(row.setting));
+        }
+    }
+    EXPECT_EQ(AllSettings().size(), kSettingCount);
+    // Any letter case; a name of no row is none, never another setting.
+    EXPECT_EQ(SettingByName("Color-Temperature"), std::optional<ESetting>(ESetting::ColorTemperature));
+    EXPECT_EQ(SettingByName("colour"), std::nullopt);
 }
