@@ -14,8 +14,6 @@
 namespace {
 
 // Battery mode choices and the 0xF4 values that carry them.
-constexpr int32_t kBatteryValueStandard = 2;
-constexpr int32_t kBatteryValueSaver = 3;
 
 // The fine gamma scale runs from 0.5 to 4.0.
 constexpr int32_t kFineGammaLowest = 5;
@@ -187,11 +185,12 @@ bool UiDisplayDelegate::SetBatteryMode(int32_t choice_I) {
                     current.error.empty() ? "not readable on this display" : current.error);
         return false;
     }
-    switch (choice_I) {
-        case 0: return Write(vcpC_BatteryMode, kBatteryValueStandard);
-        case 1: return Write(vcpC_BatteryMode, kBatteryValueSaver);
-        default: NoteFailure(VCPCodeName(vcpC_BatteryMode), "no such choice"); return false;
+    const std::optional<int32_t> wire = WireValueOf(ESetting::BatteryMode, choice_I);
+    if (!wire) {
+        NoteFailure(VCPCodeName(vcpC_BatteryMode), "no such choice");
+        return false;
     }
+    return Write(vcpC_BatteryMode, *wire);
 }
 
 bool UiDisplayDelegate::SetOSDLanguage(int32_t value_I) {
@@ -369,9 +368,7 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
             SSettingState state = ContinuousState(CodeOf(setting_I));
             if (state.supported) {
                 state.entries = BatteryModeLabels();
-                state.value = state.value == kBatteryValueStandard ? 0
-                              : state.value == kBatteryValueSaver  ? 1
-                                                                   : -1;
+                state.value = ChoiceOfWireValue(ESetting::BatteryMode, state.value).value_or(-1);
             }
             return state;
         }

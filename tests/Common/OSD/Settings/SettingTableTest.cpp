@@ -36,6 +36,13 @@ TEST(SettingTable, EverySettingHasOneRowOneNameAndACaptionWhereADialogShowsIt) {
     EXPECT_EQ(SettingCaptionId(ESetting::BatteryMode), 2221u);
     EXPECT_STREQ(SettingRowOf(ESetting::ColorTemperature).alias, "color-temperature");
     EXPECT_STREQ(SettingRowOf(ESetting::FanSpeed).name, "fan");
+    // Battery mode's choices are 2 and 3 on the display; 0 (on mains) is no choice.
+    EXPECT_EQ(WireValueOf(ESetting::BatteryMode, 0), std::optional<int32_t>(2));
+    EXPECT_EQ(WireValueOf(ESetting::BatteryMode, 1), std::optional<int32_t>(3));
+    EXPECT_EQ(WireValueOf(ESetting::BatteryMode, 2), std::nullopt);
+    EXPECT_EQ(ChoiceOfWireValue(ESetting::BatteryMode, 3), std::optional<int32_t>(1));
+    EXPECT_EQ(ChoiceOfWireValue(ESetting::BatteryMode, 0), std::nullopt);
+    EXPECT_EQ(WireValueOf(ESetting::EnergySmart, 1), std::optional<int32_t>(1));
 }
 
 TEST(SettingTable, EachRowsKindIsWhatTheDelegateOffersForItOnEveryFamily) {
