@@ -102,7 +102,6 @@ std::optional<ESetting> SettingOfList(int listId_I) {
     return std::nullopt;
 }
 
-
 }  // namespace
 
 CMainDialog::CMainDialog(const SStartupOptions& options_I, LANGID language_I)

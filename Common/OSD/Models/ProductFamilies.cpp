@@ -10,17 +10,14 @@ using G = EGammaScale;
 using T = ETooDarkTest;
 using R = ELegacyRoute;
 
-// The series: what their families share, every trait named (a trait left out does not
-// compile). Each row below starts from its series.
-
-// The first serial-port models predate the maker's colour codes and keep their
-// colour-temperature presets at 0xE4.
-SProductFamily EarlySerial(uint16_t productId_I, const char* helpPage_I) {
+// A family without quirks: every trait named (a trait added to the record and left out here
+// does not compile). Each series below changes only what its families do differently.
+SProductFamily Plain(uint16_t productId_I, const char* series_I, const char* helpPage_I) {
     return {
         .productId = productId_I,
-        .series = "early serial",
+        .series = series_I,
         .helpPage = helpPage_I,
-        .colorPresets = EColorPresetCode::ColorOffsetRed,
+        .colorPresets = EColorPresetCode::SelectColorPreset,
         .fixedColorPresets = false,
         .extendedDisplayPresets = false,
         .noFan = false,
@@ -29,183 +26,103 @@ SProductFamily EarlySerial(uint16_t productId_I, const char* helpPage_I) {
         .colorModeByDisplayPresets = false,
         .aspect = A::None,
         .gamma = G::None,
-        .tooDark = T::AllChannelsBelow20,
+        .tooDark = T::None,
         .fixedPowerLed = false,
         .restartsAfterFactoryReset = false,
         .dynamicContrastExcludesUniformity = false,
         .customColorExcludesUniformity = false,
         .osdLanguageSetByHost = false,
         .hidPairedByModel = false,
-        .legacyRoute = R::SerialPort,
+        .legacyRoute = R::None,
         .penComputerScreen = false,
     };
+}
+
+// The first serial-port models predate the maker's colour codes and keep their
+// colour-temperature presets at 0xE4.
+SProductFamily EarlySerial(uint16_t productId_I, const char* helpPage_I) {
+    SProductFamily family = Plain(productId_I, "early serial", helpPage_I);
+    family.colorPresets = EColorPresetCode::ColorOffsetRed;
+    family.tooDark = T::AllChannelsBelow20;
+    family.legacyRoute = R::SerialPort;
+    return family;
 }
 
 // These panels list more colour presets than they can show and settle slowly after a preset
 // change; earlier firmware starts its menu in English whatever the computer's language.
 SProductFamily Hd(uint16_t productId_I, const char* helpPage_I) {
-    return {
-        .productId = productId_I,
-        .series = "HD",
-        .helpPage = helpPage_I,
-        .colorPresets = EColorPresetCode::SelectColorPreset,
-        .fixedColorPresets = true,
-        .extendedDisplayPresets = false,
-        .noFan = false,
-        .batteryModeMissingZero = false,
-        .brightness = B::Luminance,
-        .colorModeByDisplayPresets = false,
-        .aspect = A::DisplayScaling,
-        .gamma = G::TwoChoices,
-        .tooDark = T::BlackFrom60,
-        .fixedPowerLed = false,
-        .restartsAfterFactoryReset = true,
-        .dynamicContrastExcludesUniformity = false,
-        .customColorExcludesUniformity = false,
-        .osdLanguageSetByHost = true,
-        .hidPairedByModel = false,
-        .legacyRoute = R::FtdiBridge,
-        .penComputerScreen = false,
-    };
+    SProductFamily family = Plain(productId_I, "HD", helpPage_I);
+    family.fixedColorPresets = true;
+    family.aspect = A::DisplayScaling;
+    family.gamma = G::TwoChoices;
+    family.tooDark = T::BlackFrom60;
+    family.restartsAfterFactoryReset = true;
+    family.osdLanguageSetByHost = true;
+    family.legacyRoute = R::FtdiBridge;
+    return family;
 }
 
 // The pro scaler exposes gamma as a fine scale and was released before it reported mccs_ver;
 // its uniformity tables are calibrated for the presets, not for custom gains.
 SProductFamily Pro(uint16_t productId_I, const char* helpPage_I, ETooDarkTest tooDark_I,
                    bool dynamicContrastExcludesUniformity_I) {
-    return {
-        .productId = productId_I,
-        .series = "pro",
-        .helpPage = helpPage_I,
-        .colorPresets = EColorPresetCode::SelectColorPreset,
-        .fixedColorPresets = false,
-        .extendedDisplayPresets = false,
-        .noFan = false,
-        .batteryModeMissingZero = false,
-        .brightness = B::Luminance,
-        .colorModeByDisplayPresets = false,
-        .aspect = A::MakerCode,
-        .gamma = G::FineScale,
-        .tooDark = tooDark_I,
-        .fixedPowerLed = false,
-        .restartsAfterFactoryReset = true,
-        .dynamicContrastExcludesUniformity = dynamicContrastExcludesUniformity_I,
-        .customColorExcludesUniformity = true,
-        .osdLanguageSetByHost = true,
-        .hidPairedByModel = false,
-        .legacyRoute = R::FtdiBridge,
-        .penComputerScreen = false,
-    };
+    SProductFamily family = Plain(productId_I, "pro", helpPage_I);
+    family.aspect = A::MakerCode;
+    family.gamma = G::FineScale;
+    family.tooDark = tooDark_I;
+    family.restartsAfterFactoryReset = true;
+    family.dynamicContrastExcludesUniformity = dynamicContrastExcludesUniformity_I;
+    family.customColorExcludesUniformity = true;
+    family.osdLanguageSetByHost = true;
+    family.legacyRoute = R::FtdiBridge;
+    return family;
 }
 
 // The pen computers' built-in screens choose their colour mode through 0xF0 and under-report
 // its values.
 SProductFamily PenComputer(uint16_t productId_I, const char* helpPage_I, ELegacyRoute route_I) {
-    return {
-        .productId = productId_I,
-        .series = "pen computer",
-        .helpPage = helpPage_I,
-        .colorPresets = EColorPresetCode::SelectColorPreset,
-        .fixedColorPresets = false,
-        .extendedDisplayPresets = true,
-        .noFan = false,
-        .batteryModeMissingZero = false,
-        .brightness = B::Luminance,
-        .colorModeByDisplayPresets = true,
-        .aspect = A::None,
-        .gamma = G::ThreeChoices,
-        .tooDark = T::BlackFrom75,
-        .fixedPowerLed = false,
-        .restartsAfterFactoryReset = true,
-        .dynamicContrastExcludesUniformity = false,
-        .customColorExcludesUniformity = false,
-        .osdLanguageSetByHost = false,
-        .hidPairedByModel = false,
-        .legacyRoute = route_I,
-        .penComputerScreen = true,
-    };
+    SProductFamily family = Plain(productId_I, "pen computer", helpPage_I);
+    family.extendedDisplayPresets = true;
+    family.colorModeByDisplayPresets = true;
+    family.gamma = G::ThreeChoices;
+    family.tooDark = T::BlackFrom75;
+    family.restartsAfterFactoryReset = true;
+    family.legacyRoute = route_I;
+    family.penComputerScreen = true;
+    return family;
 }
 
 // Passively cooled panels whose firmware still lists Fan Speed; they dim the backlight itself.
 SProductFamily Touch(uint16_t productId_I, const char* helpPage_I, ELegacyRoute route_I) {
-    return {
-        .productId = productId_I,
-        .series = "touch",
-        .helpPage = helpPage_I,
-        .colorPresets = EColorPresetCode::SelectColorPreset,
-        .fixedColorPresets = false,
-        .extendedDisplayPresets = false,
-        .noFan = true,
-        .batteryModeMissingZero = false,
-        .brightness = B::BacklightControl,
-        .colorModeByDisplayPresets = false,
-        .aspect = A::DisplayScaling,
-        .gamma = G::None,
-        .tooDark = T::BlackFrom60,
-        .fixedPowerLed = false,
-        .restartsAfterFactoryReset = false,
-        .dynamicContrastExcludesUniformity = false,
-        .customColorExcludesUniformity = false,
-        .osdLanguageSetByHost = false,
-        .hidPairedByModel = false,
-        .legacyRoute = route_I,
-        .penComputerScreen = false,
-    };
+    SProductFamily family = Plain(productId_I, "touch", helpPage_I);
+    family.noFan = true;
+    family.brightness = B::BacklightControl;
+    family.aspect = A::DisplayScaling;
+    family.tooDark = T::BlackFrom60;
+    family.legacyRoute = route_I;
+    return family;
 }
 
-// The battery-powered models report Battery Mode 0 but leave it out of their list. Their USB
-// serial number is the tablet's, not the panel's, so any control interface may serve them.
-SProductFamily Battery(uint16_t productId_I, const char* helpPage_I) {
-    return {
-        .productId = productId_I,
-        .series = "battery",
-        .helpPage = helpPage_I,
-        .colorPresets = EColorPresetCode::SelectColorPreset,
-        .fixedColorPresets = false,
-        .extendedDisplayPresets = false,
-        .noFan = false,
-        .batteryModeMissingZero = true,
-        .brightness = B::WhiteBacklightLevel,
-        .colorModeByDisplayPresets = false,
-        .aspect = A::ScanMode,
-        .gamma = G::None,
-        .tooDark = T::BlackFrom60,
-        .fixedPowerLed = false,
-        .restartsAfterFactoryReset = false,
-        .dynamicContrastExcludesUniformity = false,
-        .customColorExcludesUniformity = false,
-        .osdLanguageSetByHost = false,
-        .hidPairedByModel = true,
-        .legacyRoute = R::FtdiBridge,
-        .penComputerScreen = false,
-    };
-}
-
-// The studio models fit the picture through their scan mode, like the battery models.
+// The studio and battery models fit the picture through their scan mode; their USB serial
+// number is the tablet's, not the panel's, so any control interface may serve them.
 SProductFamily Studio(uint16_t productId_I, const char* helpPage_I, bool fixedPowerLed_I) {
-    return {
-        .productId = productId_I,
-        .series = "studio",
-        .helpPage = helpPage_I,
-        .colorPresets = EColorPresetCode::SelectColorPreset,
-        .fixedColorPresets = false,
-        .extendedDisplayPresets = false,
-        .noFan = false,
-        .batteryModeMissingZero = false,
-        .brightness = B::WhiteBacklightLevel,
-        .colorModeByDisplayPresets = false,
-        .aspect = A::ScanMode,
-        .gamma = G::None,
-        .tooDark = T::BlackFrom60,
-        .fixedPowerLed = fixedPowerLed_I,
-        .restartsAfterFactoryReset = false,
-        .dynamicContrastExcludesUniformity = false,
-        .customColorExcludesUniformity = false,
-        .osdLanguageSetByHost = false,
-        .hidPairedByModel = true,
-        .legacyRoute = R::FtdiBridge,
-        .penComputerScreen = false,
-    };
+    SProductFamily family = Plain(productId_I, "studio", helpPage_I);
+    family.brightness = B::WhiteBacklightLevel;
+    family.aspect = A::ScanMode;
+    family.tooDark = T::BlackFrom60;
+    family.fixedPowerLed = fixedPowerLed_I;
+    family.hidPairedByModel = true;
+    family.legacyRoute = R::FtdiBridge;
+    return family;
+}
+
+// The battery-powered models are studio models that report Battery Mode 0 but leave it out
+// of their list.
+SProductFamily Battery(uint16_t productId_I, const char* helpPage_I) {
+    SProductFamily family = Studio(productId_I, helpPage_I, false);
+    family.series = "battery";
+    family.batteryModeMissingZero = true;
+    return family;
 }
 
 }  // namespace
