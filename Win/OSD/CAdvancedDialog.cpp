@@ -394,15 +394,29 @@ LRESULT CAdvancedDialog::OnLcdConditioning(WORD, WORD, HWND, BOOL&) {
         // display's values again.
         mHost.RefreshControls();
         Refresh();
+        // Placing the main dialog again activated it, and Start is off now: the user goes on
+        // in the page.
+        GoOnAt(IDC_ADVANCED_OK);
     }
     return 0;
+}
+
+void CAdvancedDialog::GoOnAt(int controlId_I) {
+    if (IsWindow() && IsWindowVisible(m_hWnd)) {
+        ::SetActiveWindow(m_hWnd);
+        ::SetFocus(GetDlgItem(controlId_I));
+    }
 }
 
 LRESULT CAdvancedDialog::OnFactoryReset(WORD, WORD, HWND, BOOL&) {
     UiDisplayDelegate* delegate = Delegate();
     const std::wstring name = delegate != nullptr ? Widen(delegate->SupportedName()) : std::wstring();
+    // The question is the main dialog's own (it must be), so its closing activates the main
+    // dialog: a user who said no goes on where the question was asked.
     if (MessageWindows::ConfirmFactoryReset(mHost.Window(), name, mLanguage)) {
         mHost.FactoryReset();
+    } else {
+        GoOnAt(IDC_FACTORY_RESET);
     }
     return 0;
 }

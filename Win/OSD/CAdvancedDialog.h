@@ -86,6 +86,8 @@ private:
     void FillOffOn(ESetting setting_I, int labelId_I, int offId_I, int onId_I);
     // A write of this page: true when it worked; otherwise the program ends.
     bool ReportWrite(bool ok_I);
+    // Makes the page the active window again with the focus on this control.
+    void GoOnAt(int controlId_I);
     // Writes the trackbar's sharpness when it changed since the last write.
     bool WritePendingSharpness();
 

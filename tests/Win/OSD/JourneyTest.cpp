@@ -280,8 +280,10 @@ TEST(Journey, LcdConditioningAsksFirstKeepsUnsavedChangesOnNoAndShowsThatItRuns)
     EXPECT_TRUE(IsWindowVisible(GetDlgItem(page, IDC_LCD_CONDITIONING_STATE)));
     EXPECT_EQ(TextOf(GetDlgItem(page, IDC_LCD_CONDITIONING_STATE)), L"Running");
     EXPECT_FALSE(IsWindowEnabled(start));
-    // Space again starts nothing: the button is off while it runs.
-    PressKey(VK_SPACE);
+    // The user goes on in the page, at its OK button, not in the main dialog.
+    EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_ADVANCED_OK));
+    // A click on Start again starts nothing: the button is off while it runs.
+    ClickOn(start);
     Pause(300);
     EXPECT_TRUE(WindowsAre({program.dialog, page}));
     EXPECT_EQ(SetsOf(*canvas, vcpC_LCDConditioning).size(), 1u);
@@ -306,6 +308,8 @@ TEST(Journey, TheFactoryResetQuestionNamesTheDisplay) {
         EXPECT_TRUE(SetsOf(*display, vcpC_RestoreFactoryDefaults).empty());
     }
     EXPECT_TRUE(WindowsAre({program.dialog, page}));
+    // The user goes on in the page: its keys are the page's again.
+    EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_FACTORY_RESET));
 }
 
 namespace {
