@@ -32,20 +32,8 @@ constexpr SCaption kCaptions[] = {
     {IDC_FIRMWARE_VERSION_LABEL, 2211},
     {IDC_ADVANCED_OK, 2090},
     {IDC_ADVANCED_CANCEL, 2091},
-    {IDC_ENERGY_SMART_OFF, kOff},
-    {IDC_ENERGY_SMART_ON, kOn},
-    {IDC_DYNAMIC_CONTRAST_OFF, kOff},
-    {IDC_DYNAMIC_CONTRAST_ON, kOn},
-    {IDC_AUTO_POWER_DOWN_OFF, kOff},
-    {IDC_AUTO_POWER_DOWN_ON, kOn},
     {IDC_LCD_CONDITIONING_STATE, 2230},
 };
-
-// What Cancel puts back; fan speed and the On/Off-free rest are not among them.
-constexpr ESetting kRestoredOnCancel[] = {ESetting::AspectRatio,       ESetting::BatteryMode,
-                                          ESetting::Sharpness,         ESetting::UniformityCompensation,
-                                          ESetting::DynamicContrast,   ESetting::EnergySmart,
-                                          ESetting::PowerLedBrightness};
 
 // The page is modeless inside the main dialog's modal loop, which hands keys to the main
 // dialog alone. Every dialog loop offers each message to the thread's message filter first
@@ -93,18 +81,22 @@ CAdvancedDialog::CAdvancedDialog(IDialogHost& host_I, LANGID language_I)
     : CDialogBase(IDD_ADVANCED), mHost(host_I), mLanguage(language_I), mRows(PageRows()) {}
 
 const std::vector<CAdvancedDialog::SSettingControls>& CAdvancedDialog::SettingControls() {
+    // Cancel puts back what it changed of the settings marked so; fan speed, auto power down
+    // and LCD conditioning stay as set.
     static const std::vector<SSettingControls> rows = {
-        {ESetting::AspectRatio, IDC_ASPECT_LABEL, IDC_ASPECT_LIST, 0, 0},
-        {ESetting::PowerLedBrightness, IDC_LED_LABEL, IDC_LED_LIST, 0, 0},
-        {ESetting::Sharpness, IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER, 0, 0},
-        {ESetting::UniformityCompensation, IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST, 0, 0},
-        {ESetting::EnergySmart, IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON, 0},
-        {ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF, IDC_DYNAMIC_CONTRAST_ON, 0},
-        {ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON, 0},
-        {ESetting::FanSpeed, IDC_FAN_LABEL, IDC_FAN_LIST, 0, 0},
+        {ESetting::AspectRatio, IDC_ASPECT_LABEL, IDC_ASPECT_LIST, 0, 0, true},
+        {ESetting::PowerLedBrightness, IDC_LED_LABEL, IDC_LED_LIST, 0, 0, true},
+        {ESetting::Sharpness, IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER, 0, 0, true},
+        {ESetting::UniformityCompensation, IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST, 0, 0, true},
+        {ESetting::EnergySmart, IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON, 0, true},
+        {ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF, IDC_DYNAMIC_CONTRAST_ON, 0,
+         true},
+        {ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON, 0,
+         false},
+        {ESetting::FanSpeed, IDC_FAN_LABEL, IDC_FAN_LIST, 0, 0, false},
         {ESetting::LcdConditioning, IDC_LCD_CONDITIONING_LABEL, IDC_LCD_CONDITIONING_START, 0,
-         IDC_LCD_CONDITIONING_STATE},
-        {ESetting::BatteryMode, IDC_BATTERY_LABEL, IDC_BATTERY_LIST, 0, 0},
+         IDC_LCD_CONDITIONING_STATE, false},
+        {ESetting::BatteryMode, IDC_BATTERY_LABEL, IDC_BATTERY_LIST, 0, 0, true},
     };
     return rows;
 }
@@ -160,10 +152,10 @@ void CAdvancedDialog::Open(HWND owner_I) {
     mConditioningStarted = false;
     if (UiDisplayDelegate* delegate = Delegate()) {
         mOpeningValues.clear();
-        for (ESetting setting : kRestoredOnCancel) {
-            const SSettingState state = delegate->GetSetting(setting);
-            if (state.supported && state.valid) {
-                mOpeningValues[setting] = state.value;
+        for (const SSettingControls& controls : SettingControls()) {
+            const SSettingState state = delegate->GetSetting(controls.setting);
+            if (controls.restoredOnCancel && state.supported && state.valid) {
+                mOpeningValues[controls.setting] = state.value;
             }
         }
     }
@@ -204,6 +196,12 @@ LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
         captions.push_back({controls.label, SettingRowOf(controls.setting).captionId, kind != ESettingKind::Action});
     }
     captions.insert(captions.end(), std::begin(kCaptions), std::end(kCaptions));
+    for (const SSettingControls& controls : SettingControls()) {
+        if (SettingRowOf(controls.setting).kind == ESettingKind::OnOff) {
+            captions.push_back({controls.control, kOff});
+            captions.push_back({controls.on, kOn});
+        }
+    }
     MessageWindows::SetCaptions(m_hWnd, captions.data(), captions.size(), mLanguage);
     gKeyboardPage = m_hWnd;
     if (gPageKeysHook == nullptr) {

@@ -58,8 +58,9 @@ public:
         ESetting setting;
         int label;
         int control;
-        int on;
-        int state;
+        int on;                 // the On button of an Off/On pair (control is its Off)
+        int state;              // a text beside the control
+        bool restoredOnCancel;  // Cancel puts back the value the page opened with
     };
     // One row per setting the page shows, in the page's order.
     static const std::vector<SSettingControls>& SettingControls();

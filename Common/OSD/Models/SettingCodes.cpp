@@ -1,7 +1,6 @@
 #include "SettingCodes.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "ModelGroups.h"
 #include "StringIds.h"
@@ -9,56 +8,35 @@
 
 namespace {
 
-// A row applies to the displays of its model group, or to every display when it names none.
-// The first row of a setting that applies decides.
-struct SSettingRow {
+// The families that carry a setting on another code than its row's, as rules by model group.
+// The first rule of a setting whose group the display is in decides; a display in none of
+// them uses the row's code. Colour mode, aspect ratio and scan mode have no code of their own.
+struct SCodeRule {
     ESetting setting;
-    std::optional<EModelGroup> group;
+    EModelGroup group;
     uint8_t vcpCode;
 };
 
-const std::vector<SSettingRow>& Rows() {
-    static const std::vector<SSettingRow> rows = {
-        {ESetting::Brightness, EModelGroup::BrightnessByBacklightControl, vcpC_BacklightControl},
-        {ESetting::Brightness, EModelGroup::BrightnessByWhiteBacklightLevel, vcpC_BacklightLevelWhite},
-        {ESetting::Brightness, {}, vcpC_Luminance},
-        {ESetting::Contrast, {}, vcpC_Contrast},
-        {ESetting::ColorSettingMode, EModelGroup::ColorModeByDisplayPresets, vcpC_DisplayPresets},
-        {ESetting::ColorTemperature, EModelGroup::ColorOffsetRedIsColorPreset, vcpC_ColorOffsetRed},
-        {ESetting::ColorTemperature, {}, vcpC_SelectColorPreset},
-        {ESetting::ColorSpace, {}, vcpC_ColorSpace},
-        {ESetting::Gamma, {}, vcpC_Gamma},
-        {ESetting::AspectRatio, EModelGroup::AspectRatioByMakerCode, vcpC_AspectRatio},
-        {ESetting::AspectRatio, EModelGroup::AspectRatioByDisplayScaling, vcpC_DisplayScaling},
-        {ESetting::AspectRatio, EModelGroup::ScanModeFitsPicture, vcpC_ScanMode},
-        {ESetting::PowerLedBrightness, {}, vcpC_LedBrightness},
-        {ESetting::Sharpness, {}, vcpC_Sharpness},
-        {ESetting::UniformityCompensation, {}, vcpC_UniformityCompensation},
-        {ESetting::EnergySmart, {}, vcpC_EnergySmart},
-        {ESetting::DynamicContrast, {}, vcpC_DynamicContrast},
-        {ESetting::AutoPowerDown, {}, vcpC_AutoPowerDown},
-        {ESetting::FanSpeed, {}, vcpC_FanSpeed},
-        {ESetting::LcdConditioning, {}, vcpC_LCDConditioning},
-        {ESetting::BatteryMode, {}, vcpC_BatteryMode},
-        {ESetting::ScanMode, EModelGroup::ScanModeFitsPicture, vcpC_ScanMode},
-        {ESetting::OsdLanguage, {}, vcpC_OSDLanguage},
-    };
-    return rows;
-}
-
+constexpr SCodeRule kCodeRules[] = {
+    {ESetting::Brightness, EModelGroup::BrightnessByBacklightControl, vcpC_BacklightControl},
+    {ESetting::Brightness, EModelGroup::BrightnessByWhiteBacklightLevel, vcpC_BacklightLevelWhite},
+    {ESetting::ColorSettingMode, EModelGroup::ColorModeByDisplayPresets, vcpC_DisplayPresets},
+    {ESetting::ColorTemperature, EModelGroup::ColorOffsetRedIsColorPreset, vcpC_ColorOffsetRed},
+    {ESetting::AspectRatio, EModelGroup::AspectRatioByMakerCode, vcpC_AspectRatio},
+    {ESetting::AspectRatio, EModelGroup::AspectRatioByDisplayScaling, vcpC_DisplayScaling},
+    {ESetting::AspectRatio, EModelGroup::ScanModeFitsPicture, vcpC_ScanMode},
+    {ESetting::ScanMode, EModelGroup::ScanModeFitsPicture, vcpC_ScanMode},
+};
 
 }  // namespace
 
 uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I) {
-    for (const SSettingRow& row : Rows()) {
-        if (row.setting != setting_I) {
-            continue;
-        }
-        if (!row.group || IsInModelGroup(*row.group, edidProductCode_I)) {
-            return row.vcpCode;
+    for (const SCodeRule& rule : kCodeRules) {
+        if (rule.setting == setting_I && IsInModelGroup(rule.group, edidProductCode_I)) {
+            return rule.vcpCode;
         }
     }
-    return 0;
+    return SettingRowOf(setting_I).code;
 }
 
 // What the dialogs call the values of each enumerated setting, in the order they list them.

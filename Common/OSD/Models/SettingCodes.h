@@ -1,33 +1,13 @@
 #pragma once
-// Which VCP code, and which values, carry each user-level setting on each product family: the
-// per-family settings table. Display traits are made from it; the labels of enumerated values
-// come from the code table's value rows.
+// Which VCP code carries each setting on each product family (its row's code, unless the
+// family's model group carries it on another), and the labels of the values of enumerated
+// settings. Display traits are made from it.
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-enum class ESetting {
-    Brightness,
-    Contrast,
-    ColorSettingMode,
-    ColorTemperature,
-    ColorSpace,
-    Gamma,
-    AspectRatio,
-    PowerLedBrightness,
-    Sharpness,
-    UniformityCompensation,
-    EnergySmart,
-    DynamicContrast,
-    AutoPowerDown,
-    FanSpeed,
-    LcdConditioning,
-    BatteryMode,
-    ScanMode,
-    OsdLanguage,
-};
-constexpr size_t kSettingCount = static_cast<size_t>(ESetting::OsdLanguage) + 1;
+#include "SettingTable.h"
 
 // The VCP code of the setting on the display with this EDID product code; 0 when the family
 // has no code for it. Displays keep the answer in their traits.

@@ -1,16 +1,42 @@
 #pragma once
 // One row per setting the user sees: what kind of control it is, its name on the command line
 // and in profiles (and another accepted spelling), the string id of its caption in the
-// dialogs, and the display's value for each choice where the two differ. The command-line names, the dialogs' captions and the tests that walk every
-// setting read these rows; which VCP code carries a setting on a family is the family's
+// dialogs, the VCP code that carries it on families without a rule of their own, and the
+// display's value for each choice where the two differ. The command-line names, the dialogs'
+// captions and controls, the delegate's generic get and set and the tests that walk every
+// setting read these rows; the families that use another code are the family table's
 // (SettingCodes, ProductFamilies).
 
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <optional>
 #include <span>
 
-#include "SettingCodes.h"
+#include "codes.h"
+
+// Every setting the user sees, in the dialogs' order; each has one row below.
+enum class ESetting {
+    Brightness,
+    Contrast,
+    ColorSettingMode,
+    ColorTemperature,
+    ColorSpace,
+    Gamma,
+    AspectRatio,
+    PowerLedBrightness,
+    Sharpness,
+    UniformityCompensation,
+    EnergySmart,
+    DynamicContrast,
+    AutoPowerDown,
+    FanSpeed,
+    LcdConditioning,
+    BatteryMode,
+    ScanMode,
+    OsdLanguage,
+};
+constexpr size_t kSettingCount = static_cast<size_t>(ESetting::OsdLanguage) + 1;
 
 enum class ESettingKind {
     Slider,  // a range (brightness, contrast, sharpness)
@@ -32,6 +58,7 @@ struct SSettingRow {
     const char* name;    // "colour-temperature"
     const char* alias;   // "color-temperature"; null when there is none
     uint32_t captionId;  // the caption's string id; 0 when no dialog shows one
+    uint8_t code;        // the VCP code on families without a rule of their own; 0: none
     // The display's value for each choice; empty: the choice is the display's value.
     std::span<const SWireValue> wireValues;
 };
@@ -41,24 +68,24 @@ using K = ESettingKind;
 // Battery mode: standard and saver are 2 and 3 on the display.
 inline constexpr SWireValue kBatteryModeWire[] = {{0, 2}, {1, 3}};
 inline constexpr SSettingRow kRows[] = {
-    {ESetting::Brightness, K::Slider, "brightness", nullptr, 2002, {}},
-    {ESetting::Contrast, K::Slider, "contrast", nullptr, 2003, {}},
-    {ESetting::ColorSettingMode, K::Choice, "colour-mode", "color-mode", 2004, {}},
-    {ESetting::ColorTemperature, K::Choice, "colour-temperature", "color-temperature", 2008, {}},
-    {ESetting::ColorSpace, K::Choice, "colour-space", "color-space", 2015, {}},
-    {ESetting::Gamma, K::Choice, "gamma", nullptr, 2027, {}},
-    {ESetting::AspectRatio, K::Choice, "aspect-ratio", nullptr, 2201, {}},
-    {ESetting::PowerLedBrightness, K::Choice, "led-brightness", nullptr, 2220, {}},
-    {ESetting::Sharpness, K::Slider, "sharpness", nullptr, 2205, {}},
-    {ESetting::UniformityCompensation, K::Choice, "uniformity", nullptr, 2207, {}},
-    {ESetting::EnergySmart, K::OnOff, "energy-smart", nullptr, 2208, {}},
-    {ESetting::DynamicContrast, K::OnOff, "dynamic-contrast", nullptr, 2206, {}},
-    {ESetting::AutoPowerDown, K::OnOff, "auto-power-down", nullptr, 2216, {}},
-    {ESetting::FanSpeed, K::Choice, "fan", nullptr, 2217, {}},
-    {ESetting::LcdConditioning, K::Action, "lcd-conditioning", nullptr, 2209, {}},
-    {ESetting::BatteryMode, K::Choice, "battery-mode", nullptr, 2221, kBatteryModeWire},
-    {ESetting::ScanMode, K::Hidden, "scan-mode", nullptr, 0, {}},
-    {ESetting::OsdLanguage, K::Hidden, "menu-language", nullptr, 0, {}},
+    {ESetting::Brightness, K::Slider, "brightness", nullptr, 2002, vcpC_Luminance, {}},
+    {ESetting::Contrast, K::Slider, "contrast", nullptr, 2003, vcpC_Contrast, {}},
+    {ESetting::ColorSettingMode, K::Choice, "colour-mode", "color-mode", 2004, 0, {}},
+    {ESetting::ColorTemperature, K::Choice, "colour-temperature", "color-temperature", 2008, vcpC_SelectColorPreset, {}},
+    {ESetting::ColorSpace, K::Choice, "colour-space", "color-space", 2015, vcpC_ColorSpace, {}},
+    {ESetting::Gamma, K::Choice, "gamma", nullptr, 2027, vcpC_Gamma, {}},
+    {ESetting::AspectRatio, K::Choice, "aspect-ratio", nullptr, 2201, 0, {}},
+    {ESetting::PowerLedBrightness, K::Choice, "led-brightness", nullptr, 2220, vcpC_LedBrightness, {}},
+    {ESetting::Sharpness, K::Slider, "sharpness", nullptr, 2205, vcpC_Sharpness, {}},
+    {ESetting::UniformityCompensation, K::Choice, "uniformity", nullptr, 2207, vcpC_UniformityCompensation, {}},
+    {ESetting::EnergySmart, K::OnOff, "energy-smart", nullptr, 2208, vcpC_EnergySmart, {}},
+    {ESetting::DynamicContrast, K::OnOff, "dynamic-contrast", nullptr, 2206, vcpC_DynamicContrast, {}},
+    {ESetting::AutoPowerDown, K::OnOff, "auto-power-down", nullptr, 2216, vcpC_AutoPowerDown, {}},
+    {ESetting::FanSpeed, K::Choice, "fan", nullptr, 2217, vcpC_FanSpeed, {}},
+    {ESetting::LcdConditioning, K::Action, "lcd-conditioning", nullptr, 2209, vcpC_LCDConditioning, {}},
+    {ESetting::BatteryMode, K::Choice, "battery-mode", nullptr, 2221, vcpC_BatteryMode, kBatteryModeWire},
+    {ESetting::ScanMode, K::Hidden, "scan-mode", nullptr, 0, 0, {}},
+    {ESetting::OsdLanguage, K::Hidden, "menu-language", nullptr, 0, vcpC_OSDLanguage, {}},
 };
 static_assert(std::size(kRows) == kSettingCount, "one row per setting");
 }  // namespace SettingTableData
