@@ -13,8 +13,8 @@ int main(int argc, char** argv) {
     const bool demo = std::find(args.begin(), args.end(), "--demo") != args.end();
     if (demo) {
         CDemoDisplays displays(CDemoDisplays::DefaultStateFile());
-        return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(true));
+        return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(true), DefaultKeptFile(true));
     }
     CLinuxDisplays displays(RealLinuxSystem());
-    return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(false));
+    return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(false), DefaultKeptFile(false));
 }

@@ -11,6 +11,8 @@
 
 #include "DemoDisplays.h"
 #include "DisplayNames.h"
+#include "KeptProfiles.h"
+#include "Profile.h"
 #include "SettingNames.h"
 #include "codes.h"
 
@@ -20,8 +22,13 @@ using nlohmann::json;
 
 class CTool {
 public:
-    CTool(IDisplaySource& source_I, std::ostream& out_I, std::ostream& err_I, std::string changesFile_I)
-        : mSource(source_I), mOut(out_I), mErr(err_I), mChangesFile(std::move(changesFile_I)) {}
+    CTool(IDisplaySource& source_I, std::ostream& out_I, std::ostream& err_I, std::string changesFile_I,
+          std::string keptFile_I)
+        : mSource(source_I),
+          mOut(out_I),
+          mErr(err_I),
+          mChangesFile(std::move(changesFile_I)),
+          mKeptFile(std::move(keptFile_I)) {}
 
     int List(bool json_I);
 
@@ -41,12 +48,26 @@ public:
     int Revert(SCliDisplay& found_I);
     int Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I);
     int ProfileSave(SCliDisplay& found_I, const std::string& file_I);
-    int ProfileApply(SCliDisplay& found_I, const std::string& file_I);
+    int ProfileApply(SCliDisplay& found_I, const std::string& file_I, bool json_I);
+    int Check(SCliDisplay& found_I, const std::string& file_I, bool json_I);
+    // Names the profile a display keeps, stops keeping one, or lists them.
+    int Keep(const std::string& display_I, const std::string& file_I, bool off_I, bool list_I);
+    // For each display found that keeps a profile (or the one named): reads, writes what
+    // drifted, verifies, reports.
+    int Restore(const std::string& display_I, bool json_I);
 
 private:
     // The display by index ("0") or serial number, initialised; null (and the message, and
     // exitCode_O) when there is none or it does not answer.
     SCliDisplay* Find(const std::string& display_I, int& exitCode_O);
+    // The same without initialising it: keeping a profile needs only its model and serial.
+    SCliDisplay* FindListed(const std::string& display_I, int& exitCode_O);
+    std::optional<SProfile> ReadProfile(const std::string& file_I);
+    bool LoadKept(CKeptProfiles& kept_O);
+    // A report's lines: drift on the output, failures on errors; the exit code it stands for.
+    int PrintReport(SCliDisplay& found_I, const SProfileReport& report_I, bool json_I);
+    json ReportJson(SCliDisplay& found_I, const SProfileReport& report_I);
+    std::string ShownValue(SCliDisplay& found_I, const std::string& name_I, int32_t value_I);
     // What kept the search from displays, on standard error so that scripts' output stays clean.
     void PrintNotes() {
         for (const std::string& note : mSource.Notes()) {
@@ -75,6 +96,7 @@ private:
     std::ostream& mOut;
     std::ostream& mErr;
     std::string mChangesFile;
+    std::string mKeptFile;
 };
 
 json CTool::LoadChanges() const {
@@ -130,15 +152,10 @@ bool CTool::Ready(SCliDisplay& display_I) {
     return display_I.ready;
 }
 
-SCliDisplay* CTool::Find(const std::string& display_I, int& exitCode_O) {
+SCliDisplay* CTool::FindListed(const std::string& display_I, int& exitCode_O) {
     std::vector<SCliDisplay>& displays = mSource.Displays();
     for (size_t i = 0; i < displays.size(); ++i) {
         if (display_I == std::to_string(i) || display_I == displays[i].serial) {
-            if (!Ready(displays[i])) {
-                mErr << "display " << display_I << " (" << displays[i].model << ") does not answer\n";
-                exitCode_O = CliExit::kCommunicationFailure;
-                return nullptr;
-            }
             return &displays[i];
         }
     }
@@ -146,6 +163,16 @@ SCliDisplay* CTool::Find(const std::string& display_I, int& exitCode_O) {
     PrintNotes();
     exitCode_O = CliExit::kNoSuchDisplay;
     return nullptr;
+}
+
+SCliDisplay* CTool::Find(const std::string& display_I, int& exitCode_O) {
+    SCliDisplay* found = FindListed(display_I, exitCode_O);
+    if (found != nullptr && !Ready(*found)) {
+        mErr << "display " << display_I << " (" << found->model << ") does not answer\n";
+        exitCode_O = CliExit::kCommunicationFailure;
+        return nullptr;
+    }
+    return found;
 }
 
 std::optional<STarget> CTool::Target(UiDisplayDelegate& display_I, const std::string& name_I) {
@@ -487,78 +514,234 @@ int CTool::Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I) {
 }
 
 int CTool::ProfileSave(SCliDisplay& found_I, const std::string& file_I) {
-    json settings = json::object();
-    for (ESetting setting : AllSettings()) {
-        const SSettingState state = found_I.display->GetSetting(setting);
-        // An action, not a setting.
-        if (setting == ESetting::LcdConditioning || !state.supported || !state.writable || !state.valid) {
-            continue;
-        }
-        settings[SettingName(setting)] = state.value;
-    }
-    const json profile = {{"model", found_I.model}, {"serial", found_I.serial}, {"settings", settings}};
-    std::ofstream out(file_I);
-    out << profile.dump(2) << "\n";
-    if (!out) {
-        mErr << file_I << ": cannot be written\n";
+    std::string problem;
+    if (!WriteProfileFile(file_I, CaptureProfile(*found_I.display, found_I.model, found_I.serial), problem)) {
+        mErr << problem << "\n";
         return CliExit::kBadUsage;
     }
     return CliExit::kDone;
 }
 
-int CTool::ProfileApply(SCliDisplay& found_I, const std::string& file_I) {
-    UiDisplayDelegate& display = *found_I.display;
-    std::ifstream in(file_I);
-    if (!in.is_open()) {
-        mErr << file_I << ": cannot be read\n";
+std::optional<SProfile> CTool::ReadProfile(const std::string& file_I) {
+    std::string problem;
+    std::optional<SProfile> profile = ReadProfileFile(file_I, problem);
+    if (!profile) {
+        mErr << problem << "\n";
+    }
+    return profile;
+}
+
+std::string CTool::ShownValue(SCliDisplay& found_I, const std::string& name_I, int32_t value_I) {
+    const std::optional<ESetting> setting = SettingByName(name_I);
+    if (!setting) {
+        return std::to_string(value_I);  // a custom colour channel
+    }
+    const STarget target{setting, found_I.display->Traits().SettingCode(*setting), name_I};
+    return Shown(*found_I.display, target, value_I);
+}
+
+json CTool::ReportJson(SCliDisplay& found_I, const SProfileReport& report_I) {
+    json items = json::array();
+    for (const SProfileItem& item : report_I.items) {
+        json entry = {{"setting", item.name}, {"outcome", ProfileOutcomeName(item.outcome)}};
+        if (item.expected) {
+            entry["expected"] = *item.expected;
+        }
+        if (item.actual) {
+            entry["actual"] = *item.actual;
+        }
+        if (!item.detail.empty()) {
+            entry["detail"] = item.detail;
+        }
+        items.push_back(entry);
+    }
+    return {{"model", found_I.model}, {"serial", found_I.serial}, {"matches", report_I.Matches()}, {"items", items}};
+}
+
+int CTool::PrintReport(SCliDisplay& found_I, const SProfileReport& report_I, bool json_I) {
+    int result = CliExit::kDone;
+    for (const SProfileItem& item : report_I.items) {
+        const std::string expected = item.expected ? ShownValue(found_I, item.name, *item.expected) : "";
+        const std::string actual = item.actual ? ShownValue(found_I, item.name, *item.actual) : "";
+        switch (item.outcome) {
+            case EProfileOutcome::Matched: break;
+            case EProfileOutcome::Drifted:
+                result = std::max(result, CliExit::kDrifted);
+                if (!json_I) {
+                    mOut << item.name << ": expected " << expected << ", has " << actual << "\n";
+                }
+                break;
+            case EProfileOutcome::Restored:
+                if (!json_I) {
+                    mOut << item.name << ": " << actual << " -> " << expected << "\n";
+                }
+                break;
+            case EProfileOutcome::Skipped:
+                if (!json_I) {
+                    mOut << item.name << ": skipped (" << item.detail << ")\n";
+                }
+                break;
+            case EProfileOutcome::Invalid:
+                if (result == CliExit::kDone) {
+                    result = CliExit::kBadUsage;
+                }
+                mErr << item.name << ": skipped (" << item.detail << ")\n";
+                break;
+            case EProfileOutcome::Failed:
+                result = CliExit::kCommunicationFailure;
+                mErr << item.name << ": " << item.detail << "\n";
+                break;
+        }
+    }
+    return result;
+}
+
+int CTool::ProfileApply(SCliDisplay& found_I, const std::string& file_I, bool json_I) {
+    const std::optional<SProfile> profile = ReadProfile(file_I);
+    if (!profile) {
         return CliExit::kBadUsage;
     }
-    const json profile = json::parse(in, nullptr, false);
-    if (profile.is_discarded() || !profile.contains("settings") || !profile["settings"].is_object()) {
-        mErr << file_I << ": not a profile (a JSON object with \"settings\")\n";
+    const SProfileReport report =
+        ApplyProfile(*found_I.display, *profile, [&](uint8_t code_I) { Remember(found_I, code_I); });
+    if (json_I) {
+        mOut << ReportJson(found_I, report).dump(2) << "\n";
+    }
+    return PrintReport(found_I, report, json_I);
+}
+
+int CTool::Check(SCliDisplay& found_I, const std::string& file_I, bool json_I) {
+    const std::optional<SProfile> profile = ReadProfile(file_I);
+    if (!profile) {
         return CliExit::kBadUsage;
+    }
+    const SProfileReport report = CheckProfile(*found_I.display, *profile);
+    if (json_I) {
+        mOut << ReportJson(found_I, report).dump(2) << "\n";
+    } else if (report.Matches()) {
+        mOut << "matches " << file_I << "\n";
+    }
+    return PrintReport(found_I, report, json_I);
+}
+
+bool CTool::LoadKept(CKeptProfiles& kept_O) {
+    std::string problem;
+    const bool loaded = kept_O.Load(problem);
+    if (!problem.empty()) {
+        mErr << problem << "\n";
+    }
+    return loaded;
+}
+
+int CTool::Keep(const std::string& display_I, const std::string& file_I, bool off_I, bool list_I) {
+    CKeptProfiles kept(mKeptFile);
+    if (mKeptFile.empty() || !LoadKept(kept)) {
+        mErr << "the kept profiles cannot be read; nothing was changed\n";
+        return CliExit::kBadUsage;
+    }
+    if (list_I) {
+        for (const SKeptProfile& entry : kept.All()) {
+            mOut << entry.model << "  serial " << entry.serial << "  keeps " << entry.profile << "\n";
+        }
+        if (kept.All().empty()) {
+            mOut << "no display keeps a profile\n";
+        }
+        return CliExit::kDone;
+    }
+    if (display_I.empty() || (off_I == !file_I.empty())) {
+        mErr << "write keep DISPLAY PROFILE, keep DISPLAY --off or keep --list\n";
+        return CliExit::kBadUsage;
+    }
+    int exitCode = CliExit::kDone;
+    SCliDisplay* found = FindListed(display_I, exitCode);
+    if (found == nullptr) {
+        return exitCode;
+    }
+    if (off_I) {
+        if (!kept.Forget(found->model, found->serial)) {
+            mOut << found->model << " (serial " << found->serial << ") keeps no profile\n";
+            return CliExit::kDone;
+        }
+    } else {
+        std::error_code error;
+        const std::string path = std::filesystem::absolute(file_I, error).lexically_normal().string();
+        if (!ReadProfile(path)) {
+            return CliExit::kBadUsage;
+        }
+        kept.Keep(found->model, found->serial, path);
+    }
+    std::string problem;
+    if (!kept.Store(problem)) {
+        mErr << problem << "\n";
+        return CliExit::kBadUsage;
+    }
+    mOut << found->model << " (serial " << found->serial << ") "
+         << (off_I ? "keeps no profile now" : "keeps " + kept.Of(found->model, found->serial)->profile) << "\n";
+    return CliExit::kDone;
+}
+
+int CTool::Restore(const std::string& display_I, bool json_I) {
+    CKeptProfiles kept(mKeptFile);
+    if (mKeptFile.empty() || !LoadKept(kept)) {
+        return CliExit::kBadUsage;
+    }
+    std::vector<SCliDisplay*> chosen;
+    if (!display_I.empty()) {
+        int exitCode = CliExit::kDone;
+        SCliDisplay* found = FindListed(display_I, exitCode);
+        if (found == nullptr) {
+            return exitCode;
+        }
+        if (!kept.Of(found->model, found->serial)) {
+            mErr << found->model << " (serial " << found->serial << ") keeps no profile; see keep\n";
+            return CliExit::kBadUsage;
+        }
+        chosen.push_back(found);
+    } else {
+        for (SCliDisplay& display : mSource.Displays()) {
+            if (kept.Of(display.model, display.serial)) {
+                chosen.push_back(&display);
+            }
+        }
     }
     int result = CliExit::kDone;
-    for (const auto& [name, value] : profile["settings"].items()) {
-        std::optional<ESetting> setting = SettingByName(name);
-        if (!setting || !(value.is_number_integer() || value.is_string())) {
-            mErr << name << ": skipped (not a setting with a whole number or a choice's name)\n";
-            result = CliExit::kBadUsage;
-            continue;
+    json all = json::array();
+    for (SCliDisplay* display : chosen) {
+        const SKeptProfile entry = *kept.Of(display->model, display->serial);
+        json shown = {{"model", display->model}, {"serial", display->serial}, {"profile", entry.profile}};
+        if (!json_I) {
+            mOut << display->model << " (serial " << display->serial << "):\n";
         }
-        const SSettingState state = display.GetSetting(*setting);
-        if (!state.supported) {
-            mOut << name << ": not on this display, skipped\n";
-            continue;
-        }
-        STarget target{setting, display.Traits().SettingCode(*setting), name};
-        // Hand-written profiles may name a choice ("colour-space": "adobe-rgb").
-        const std::optional<int32_t> given =
-            value.is_string() ? ValueByText(display, target, value.get<std::string>()) : value.get<int32_t>();
-        if (!given) {
-            mErr << name << ": skipped (\"" << value.get<std::string>()
-                 << "\" is not one of its choices here)\n";
-            result = CliExit::kBadUsage;
-            continue;
-        }
-        const int32_t wanted = *given;
-        if (state.valid && state.value == wanted) {
-            continue;  // only what differs is written
-        }
-        const std::string refusal = Refusal(display, target, wanted);
-        if (!refusal.empty()) {
-            mErr << refusal << "; skipped\n";
-            result = CliExit::kCommunicationFailure;
-            continue;
-        }
-        Remember(found_I, target.code);
-        if (const std::string problem = WriteVerified(display, target, wanted); !problem.empty()) {
+        std::string problem;
+        const std::optional<SProfile> profile = ReadProfileFile(entry.profile, problem);
+        if (!profile) {
             mErr << problem << "\n";
-            result = CliExit::kCommunicationFailure;
+            result = std::max(result, CliExit::kBadUsage);
+            shown["problem"] = problem;
+            all.push_back(shown);
             continue;
         }
-        mOut << name << ": " << Shown(display, target, state.value) << " -> "
-             << Shown(display, target, wanted) << "\n";
+        if (!Ready(*display)) {
+            mErr << display->model << " (serial " << display->serial << ") does not answer\n";
+            result = CliExit::kCommunicationFailure;
+            shown["problem"] = "does not answer";
+            all.push_back(shown);
+            continue;
+        }
+        // Checked first: a display that kept its settings is only read.
+        const SProfileReport report = ApplyProfile(*display->display, *profile);
+        if (json_I) {
+            shown.update(ReportJson(*display, report));
+        } else if (!report.Any(EProfileOutcome::Restored) && report.Matches()) {
+            mOut << "nothing drifted\n";
+        }
+        const int printed = PrintReport(*display, report, json_I);
+        result = printed == CliExit::kCommunicationFailure ? printed : std::max(result, printed);
+        all.push_back(shown);
+    }
+    if (json_I) {
+        mOut << all.dump(2) << "\n";
+    } else if (chosen.empty()) {
+        mOut << "no display found keeps a profile\n";
     }
     return result;
 }
@@ -566,8 +749,8 @@ int CTool::ProfileApply(SCliDisplay& found_I, const std::string& file_I) {
 }  // namespace
 
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
-                       std::ostream& err_O, const std::string& changesFile_I) {
-    CTool tool(source_I, out_O, err_O, changesFile_I);
+                       std::ostream& err_O, const std::string& changesFile_I, const std::string& keptFile_I) {
+    CTool tool(source_I, out_O, err_O, changesFile_I, keptFile_I);
     CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays",
                  "velor-display"};
     app.require_subcommand(1);
@@ -649,7 +832,40 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     profileApply->add_option("display", display, "Index or serial number")->required();
     profileApply->add_option("file", file, "The profile")->required();
     profileApply->callback([&] {
-        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.ProfileApply(found, file); });
+        result =
+            tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.ProfileApply(found, file, json); });
+    });
+
+    CLI::App* check = app.add_subcommand(
+        "check", "Compares the display with PROFILE: what drifted (exit code 4), or nothing (0)");
+    check->add_option("display", display, "Index or serial number")->required();
+    check->add_option("profile", file, "The profile")->required();
+    check->callback([&] {
+        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Check(found, file, json); });
+    });
+
+    bool off = false;
+    bool listKept = false;
+    CLI::App* keep = app.add_subcommand(
+        "keep", "Names the profile a display keeps (restore puts it back): DISPLAY PROFILE, DISPLAY --off, --list");
+    keep->add_option("display", display, "Index or serial number");
+    keep->add_option("profile", file, "The profile the display keeps");
+    keep->add_flag("--off", off, "The display keeps no profile");
+    keep->add_flag("--list", listKept, "Shows which displays keep which profile");
+    keep->callback([&] { result = tool.Keep(display, file, off, listKept); });
+
+    bool all = false;
+    CLI::App* restore = app.add_subcommand(
+        "restore", "Puts back the kept profile of every display found (or DISPLAY): reads, writes what drifted, verifies");
+    restore->add_option("display", display, "Index or serial number");
+    restore->add_flag("--all", all, "Every display that keeps a profile (the default)");
+    restore->callback([&] {
+        if (all && !display.empty()) {
+            err_O << "restore takes --all or a DISPLAY, not both\n";
+            result = CliExit::kBadUsage;
+            return;
+        }
+        result = tool.Restore(display, json);
     });
 
     std::vector<std::string> reversed(args_I.rbegin(), args_I.rend());
@@ -662,11 +878,19 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     return result;
 }
 
-std::string DefaultChangesFile(bool demo_I) {
+namespace {
+
+std::string BesideTheDemoState(const char* name_I) {
     const std::string state = CDemoDisplays::DefaultStateFile();
-    if (state.empty()) {
-        return {};
-    }
-    return (std::filesystem::path(state).parent_path() / (demo_I ? "demo-changes.json" : "changes.json"))
-        .string();
+    return state.empty() ? std::string() : (std::filesystem::path(state).parent_path() / name_I).string();
+}
+
+}  // namespace
+
+std::string DefaultChangesFile(bool demo_I) {
+    return BesideTheDemoState(demo_I ? "demo-changes.json" : "changes.json");
+}
+
+std::string DefaultKeptFile(bool demo_I) {
+    return BesideTheDemoState(demo_I ? "demo-kept.json" : "kept.json");
 }

@@ -1,5 +1,5 @@
 #pragma once
-// The command-line tool: list, caps, get, set, save, reset and profiles, over whatever
+// The command-line tool: list, caps, get, set, save, reset, profiles, check, keep and restore, over whatever
 // displays the source finds, on Windows and on Linux. Returns the process's exit code.
 
 #include <ostream>
@@ -13,11 +13,15 @@ constexpr int kDone = 0;
 constexpr int kBadUsage = 1;
 constexpr int kNoSuchDisplay = 2;
 constexpr int kCommunicationFailure = 3;
+constexpr int kDrifted = 4;  // check: the display differs from the profile
 }  // namespace CliExit
 
 // args_I without the program name. changesFile_I keeps the unsaved changes between runs, for
-// revert (empty: not kept).
+// revert (empty: not kept); keptFile_I the profiles displays keep, for keep and restore.
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
-                       std::ostream& err_O, const std::string& changesFile_I = {});
-// Where the program keeps them: beside the demo's state, "changes.json" (or "demo-changes.json").
+                       std::ostream& err_O, const std::string& changesFile_I = {},
+                       const std::string& keptFile_I = {});
+// Where the program keeps them: beside the demo's state, "changes.json" and "kept.json" (the
+// demo's "demo-changes.json" and "demo-kept.json").
 std::string DefaultChangesFile(bool demo_I);
+std::string DefaultKeptFile(bool demo_I);

@@ -24,7 +24,8 @@ int main(int argc, char** argv) {
     {
         CWinDisplays displays;
         result =
-            RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(demo != nullptr));
+            RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(demo != nullptr),
+                               DefaultKeptFile(demo != nullptr));
     }
     return result;
 }

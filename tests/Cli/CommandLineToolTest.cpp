@@ -28,11 +28,13 @@ struct SToolBench {
     CScopedClock scopedClock{clock};
     CDemoDisplays displays{""};
 
+    std::string keptFile;
+
     SRun Run(const std::vector<std::string>& args) {
         std::ostringstream out;
         std::ostringstream err;
         SRun run;
-        run.code = RunCommandLineTool(args, displays, out, err);
+        run.code = RunCommandLineTool(args, displays, out, err, {}, keptFile);
         run.out = out.str();
         run.err = err.str();
         return run;
@@ -233,6 +235,66 @@ TEST(CommandLineTool, AProfileRoundTripsAndApplyWritesOnlyWhatDiffers) {
     std::ofstream(file) << "{ this is not json";
     EXPECT_EQ(bench.Run({"profile", "apply", "0", file}).code, CliExit::kBadUsage);
     std::remove(file.c_str());
+}
+
+TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatTheyDid) {
+    SToolBench bench;
+    bench.keptFile = TempFile("vlr-kept-test/kept.json");
+    std::filesystem::remove_all(std::filesystem::path(bench.keptFile).parent_path());
+    const std::string profile = TempFile("vlr-kept-profile.json");
+    ASSERT_EQ(bench.Run({"set", "0", "brightness=64", "contrast=45"}).code, CliExit::kDone);
+    ASSERT_EQ(bench.Run({"profile", "save", "0", profile}).code, CliExit::kDone);
+
+    SRun run = bench.Run({"check", "0", profile});
+    EXPECT_EQ(run.code, CliExit::kDone);
+    EXPECT_EQ(run.out, "matches " + profile + "\n");
+    bench.Virtual(0)->PowerCycle();  // unsaved: back to 70 and 50
+    run = bench.Run({"check", "0", profile});
+    EXPECT_EQ(run.code, CliExit::kDrifted);
+    EXPECT_EQ(run.out, "brightness: expected 64, has 70\ncontrast: expected 45, has 50\n");
+    run = bench.Run({"check", "0", profile, "--json"});
+    EXPECT_EQ(run.code, CliExit::kDrifted);
+    EXPECT_NE(run.out.find("\"matches\": false"), std::string::npos);
+
+    // Nothing kept yet: restore has nothing to do.
+    EXPECT_EQ(bench.Run({"restore"}).out, "no display found keeps a profile\n");
+    EXPECT_EQ(bench.Run({"restore", "0"}).code, CliExit::kBadUsage);
+    EXPECT_EQ(bench.Run({"keep", "0"}).code, CliExit::kBadUsage);
+    EXPECT_EQ(bench.Run({"keep", "0", TempFile("vlr-no-such-profile.json")}).code, CliExit::kBadUsage);
+    run = bench.Run({"keep", "0", profile});
+    ASSERT_EQ(run.code, CliExit::kDone) << run.err;
+    EXPECT_EQ(run.out, "Canvas 22 Pro (serial VC1060A40892) keeps " + profile + "\n");
+    EXPECT_EQ(bench.Run({"keep", "--list"}).out, "Canvas 22 Pro  serial VC1060A40892  keeps " + profile + "\n");
+
+    auto canvas = bench.Virtual(0);
+    canvas->ClearTransactions();
+    run = bench.Run({"restore"});
+    EXPECT_EQ(run.code, CliExit::kDone) << run.err;
+    EXPECT_EQ(run.out, "Canvas 22 Pro (serial VC1060A40892):\nbrightness: 70 -> 64\ncontrast: 50 -> 45\n");
+    EXPECT_EQ(canvas->Value(0x10), 64);
+    EXPECT_EQ(canvas->CountRequests(0x03), 2u);  // only what drifted
+    canvas->ClearTransactions();
+    run = bench.Run({"restore", "--all"});
+    EXPECT_EQ(run.out, "Canvas 22 Pro (serial VC1060A40892):\nnothing drifted\n");
+    EXPECT_EQ(canvas->CountRequests(0x03), 0u);
+
+    // A display that does not answer, and a kept profile that went missing: said, not hidden.
+    canvas->Faults().FailNext(EFault::NoReply, 1000);
+    canvas->PowerCycle();
+    EXPECT_EQ(bench.Run({"restore", "0"}).code, CliExit::kCommunicationFailure);
+    canvas->Faults().Clear();
+    std::remove(profile.c_str());
+    run = bench.Run({"restore"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, profile + ": cannot be read\n");
+
+    EXPECT_EQ(bench.Run({"keep", "0", "--off"}).out, "Canvas 22 Pro (serial VC1060A40892) keeps no profile now\n");
+    EXPECT_EQ(bench.Run({"keep", "--list"}).out, "no display keeps a profile\n");
+    // A damaged list of kept profiles is reported and never overwritten.
+    std::ofstream(bench.keptFile) << "{\"kept\": 7}";
+    EXPECT_EQ(bench.Run({"keep", "1", profile}).code, CliExit::kBadUsage);
+    std::ifstream in(bench.keptFile);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "{\"kept\": 7}");
 }
 
 TEST(CommandLineTool, TheDemoKeepsItsDisplaysValuesBetweenRuns) {

@@ -1,0 +1,88 @@
+#include "KeptProfiles.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using nlohmann::json;
+
+bool SameDisplay(const SKeptProfile& kept_I, const std::string& model_I, const std::string& serial_I) {
+    return kept_I.model == model_I && kept_I.serial == serial_I;
+}
+
+}  // namespace
+
+bool CKeptProfiles::Load(std::string& problem_O) {
+    mKept.clear();
+    std::ifstream in(mFile, std::ios::binary);
+    if (!in.is_open()) {
+        return true;
+    }
+    const json file = json::parse(in, nullptr, false);
+    if (file.is_discarded() || !file.is_object() || !file.contains("kept") || !file["kept"].is_array()) {
+        problem_O = mFile + ": not a list of kept profiles (a JSON object with \"kept\")";
+        return false;
+    }
+    for (const json& entry : file["kept"]) {
+        const bool whole = entry.is_object() && entry.contains("model") && entry["model"].is_string() &&
+                           entry.contains("serial") && entry["serial"].is_string() && entry.contains("profile") &&
+                           entry["profile"].is_string();
+        if (!whole) {
+            problem_O = mFile + ": an entry without a model, serial number and profile was left out";
+            continue;
+        }
+        Keep(entry["model"].get<std::string>(), entry["serial"].get<std::string>(),
+             entry["profile"].get<std::string>());
+    }
+    return true;
+}
+
+bool CKeptProfiles::Store(std::string& problem_O) const {
+    json kept = json::array();
+    for (const SKeptProfile& entry : mKept) {
+        kept.push_back({{"model", entry.model}, {"serial", entry.serial}, {"profile", entry.profile}});
+    }
+    std::error_code error;
+    std::filesystem::create_directories(std::filesystem::path(mFile).parent_path(), error);
+    // Written beside and moved over, so that a full disk or a crash never leaves half a file.
+    const std::string partial = mFile + ".new";
+    {
+        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
+        out << json{{"kept", kept}}.dump(2) << "\n";
+        out.flush();
+        if (!out) {
+            problem_O = mFile + ": cannot be written";
+            std::filesystem::remove(partial, error);
+            return false;
+        }
+    }
+    std::filesystem::rename(partial, mFile, error);
+    if (error) {
+        problem_O = mFile + ": cannot be written (" + error.message() + ")";
+        return false;
+    }
+    return true;
+}
+
+void CKeptProfiles::Keep(const std::string& model_I, const std::string& serial_I, const std::string& profile_I) {
+    Forget(model_I, serial_I);
+    mKept.push_back({model_I, serial_I, profile_I});
+}
+
+bool CKeptProfiles::Forget(const std::string& model_I, const std::string& serial_I) {
+    return std::erase_if(mKept, [&](const SKeptProfile& kept_I) { return SameDisplay(kept_I, model_I, serial_I); }) !=
+           0;
+}
+
+std::optional<SKeptProfile> CKeptProfiles::Of(const std::string& model_I, const std::string& serial_I) const {
+    for (const SKeptProfile& kept : mKept) {
+        if (SameDisplay(kept, model_I, serial_I)) {
+            return kept;
+        }
+    }
+    return std::nullopt;
+}
