@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 
+#include "Clock.h"
 #include "DemoDisplays.h"
 #include "DisplayNames.h"
 #include "KeptProfiles.h"
@@ -54,7 +55,7 @@ public:
     int Keep(const std::string& display_I, const std::string& file_I, bool off_I, bool list_I);
     // For each display found that keeps a profile (or the one named): reads, writes what
     // drifted, verifies, reports.
-    int Restore(const std::string& display_I, bool json_I);
+    int Restore(const std::string& display_I, bool json_I, int waitSeconds_I);
 
 private:
     // The display by index ("0") or serial number, initialised; null (and the message, and
@@ -679,7 +680,7 @@ int CTool::Keep(const std::string& display_I, const std::string& file_I, bool of
     return CliExit::kDone;
 }
 
-int CTool::Restore(const std::string& display_I, bool json_I) {
+int CTool::Restore(const std::string& display_I, bool json_I, int waitSeconds_I) {
     CKeptProfiles kept(mKeptFile);
     if (mKeptFile.empty() || !LoadKept(kept)) {
         return CliExit::kBadUsage;
@@ -720,7 +721,11 @@ int CTool::Restore(const std::string& display_I, bool json_I) {
             all.push_back(shown);
             continue;
         }
-        if (!Ready(*display)) {
+        // A display just switched on answers after a few seconds: ask again once a second.
+        for (int waited = 0; !Ready(*display) && waited < waitSeconds_I; ++waited) {
+            Clock::PauseMs(1000);
+        }
+        if (!display->ready) {
             mErr << display->model << " (serial " << display->serial << ") does not answer\n";
             result = CliExit::kCommunicationFailure;
             shown["problem"] = "does not answer";
@@ -859,13 +864,16 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
         "restore", "Puts back the kept profile of every display found (or DISPLAY): reads, writes what drifted, verifies");
     restore->add_option("display", display, "Index or serial number");
     restore->add_flag("--all", all, "Every display that keeps a profile (the default)");
+    int waitSeconds = 0;
+    restore->add_option("--wait", waitSeconds, "Gives a display that does not answer yet this many seconds")
+        ->check(CLI::Range(0, 300));
     restore->callback([&] {
         if (all && !display.empty()) {
             err_O << "restore takes --all or a DISPLAY, not both\n";
             result = CliExit::kBadUsage;
             return;
         }
-        result = tool.Restore(display, json);
+        result = tool.Restore(display, json, waitSeconds);
     });
 
     std::vector<std::string> reversed(args_I.rbegin(), args_I.rend());

@@ -297,6 +297,29 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "{\"kept\": 7}");
 }
 
+TEST(CommandLineTool, RestoreGivesADisplayThatIsStillStartingTheSecondsItIsTold) {
+    const std::string profile = TempFile("vlr-wait-profile.json");
+    std::ofstream(profile) << R"({"settings": {"contrast": 31}})";
+    for (const int wait : {0, 5}) {
+        SToolBench bench;
+        bench.keptFile = TempFile("vlr-wait-test/kept.json");
+        std::filesystem::remove_all(std::filesystem::path(bench.keptFile).parent_path());
+        ASSERT_EQ(bench.Run({"keep", "1", profile}).code, CliExit::kDone);
+        bench.Virtual(1)->AnswerNothingFor(std::chrono::milliseconds(2500));
+        const SRun run = bench.Run({"restore", "--wait", std::to_string(wait)});
+        if (wait == 0) {
+            EXPECT_EQ(run.code, CliExit::kCommunicationFailure);
+            EXPECT_EQ(run.err, "Studio 24 (serial VC1070A40934) does not answer\n");
+        } else {
+            EXPECT_EQ(run.code, CliExit::kDone) << run.err;
+            EXPECT_EQ(run.out, "Studio 24 (serial VC1070A40934):\ncontrast: 50 -> 31\n");
+            EXPECT_GE(bench.clock.Now(), std::chrono::milliseconds(2500));
+            EXPECT_LT(bench.clock.Now(), std::chrono::seconds(5));
+        }
+    }
+    EXPECT_EQ(SToolBench().Run({"restore", "--wait", "9999"}).code, CliExit::kBadUsage);
+}
+
 TEST(CommandLineTool, TheDemoKeepsItsDisplaysValuesBetweenRuns) {
     const std::string state = TempFile("vlr-demo-state-test.json");
     std::remove(state.c_str());
