@@ -170,5 +170,16 @@ int main(int argc, char** argv) {
         }
         WriteSeed(out / "vendor_tables", model.key, tables);
     }
+    // The keeper's files as the tool writes them (the first byte picks the reader).
+    WriteSeed(out / "settings_files", "profile",
+              Bytes(std::string(1, '\0') +
+                    R"({"model": "Canvas 22 Pro", "serial": "VC1060A40892", "settings": {"brightness": 70,)"
+                    R"( "colour-mode": 2, "colour-space": "adobe-rgb", "gain-red": 98}})"));
+    WriteSeed(out / "settings_files", "kept",
+              Bytes(std::string(1, '\1') +
+                    R"({"kept": [{"model": "Studio 24", "serial": "VC1070A40934", "profile": "/p.json"}]})"));
+    WriteSeed(out / "settings_files", "rules",
+              Bytes(std::string(1, '\2') +
+                    R"({"rules": [{"application": "paint.exe", "profile": "adobe-rgb.json"}]})"));
     return 0;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -22,7 +23,14 @@ bool CKeptProfiles::Load(std::string& problem_O) {
     if (!in.is_open()) {
         return true;
     }
-    const json file = json::parse(in, nullptr, false);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return LoadText(text.str(), problem_O);
+}
+
+bool CKeptProfiles::LoadText(const std::string& text_I, std::string& problem_O) {
+    mKept.clear();
+    const json file = json::parse(text_I, nullptr, false);
     if (file.is_discarded() || !file.is_object() || !file.contains("kept") || !file["kept"].is_array()) {
         problem_O = mFile + ": not a list of kept profiles (a JSON object with \"kept\")";
         return false;

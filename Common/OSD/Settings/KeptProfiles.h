@@ -21,6 +21,8 @@ public:
     // there but is not a list of kept profiles (it is then left as it is, never overwritten);
     // true with a reason when incomplete entries were left out.
     bool Load(std::string& problem_O);
+    // The same from the file's text.
+    bool LoadText(const std::string& text_I, std::string& problem_O);
     bool Store(std::string& problem_O) const;
 
     // Names the profile a display keeps (replacing what it kept), or stops keeping one.

@@ -163,7 +163,7 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
         item.offered = Offers(state, *wanted);
         item.wanted = *wanted;
         if (*setting == ESetting::ColorSettingMode) {
-            item.rank = 0;
+            item.rank = profile_I.undo ? 3 : 0;
         } else if (*setting == ESetting::ColorTemperature || *setting == ESetting::ColorSpace) {
             item.rank = 1;
         }
@@ -174,7 +174,7 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
     const auto mode = std::find_if(planned.begin(), planned.end(), [](const SPlanned& item_I) {
         return item_I.setting == ESetting::ColorSettingMode;
     });
-    if (mode != planned.end()) {
+    if (mode != planned.end() && !profile_I.undo) {
         const int32_t wantedMode = mode->wanted;
         std::erase_if(planned, [&](const SPlanned& item_I) {
             if (item_I.setting == ESetting::ColorTemperature) {

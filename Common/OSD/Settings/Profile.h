@@ -27,6 +27,9 @@ struct SProfile {
     std::string model;
     std::string serial;
     std::vector<SProfileValue> values;  // in the file's order
+    // Values taken before something changed them, to be put back as they were: every value is
+    // written (not only the named colour mode's), and the colour mode last.
+    bool undo = false;
 };
 
 // The profile in a file's text; none, and the reason, when it is not one.
