@@ -6,6 +6,7 @@
 
 #include "CommandLineTool.h"
 #include "DemoDisplays.h"
+#include "KeptProfiles.h"
 #include "LinuxDisplays.h"
 
 int main(int argc, char** argv) {
@@ -13,8 +14,10 @@ int main(int argc, char** argv) {
     const bool demo = std::find(args.begin(), args.end(), "--demo") != args.end();
     if (demo) {
         CDemoDisplays displays(CDemoDisplays::DefaultStateFile());
-        return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(true), DefaultKeptFile(true));
+        return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(true),
+                                  DefaultKeptFile(true));
     }
     CLinuxDisplays displays(RealLinuxSystem());
-    return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(false), DefaultKeptFile(false));
+    return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(false),
+                              DefaultKeptFile(false));
 }

@@ -11,6 +11,7 @@
 
 #include "Clock.h"
 #include "DemoDisplays.h"
+#include "DisplayLock.h"
 #include "DisplayNames.h"
 #include "KeptProfiles.h"
 #include "Profile.h"
@@ -61,6 +62,8 @@ private:
     // The display by index ("0") or serial number, initialised; null (and the message, and
     // exitCode_O) when there is none or it does not answer.
     SCliDisplay* Find(const std::string& display_I, int& exitCode_O);
+    // Holds the display's lock (the settings window or the keeper may be writing to it).
+    bool Hold(const SCliDisplay& display_I, int& exitCode_O);
     // The same without initialising it: keeping a profile needs only its model and serial.
     SCliDisplay* FindListed(const std::string& display_I, int& exitCode_O);
     std::optional<SProfile> ReadProfile(const std::string& file_I);
@@ -98,6 +101,9 @@ private:
     std::ostream& mErr;
     std::string mChangesFile;
     std::string mKeptFile;
+    // The lock of the display the command talks to; a keeper's restore round takes a second or two.
+    static constexpr std::chrono::milliseconds kLockWait{3000};
+    std::unique_ptr<CDisplayLock> mHeld;
 };
 
 json CTool::LoadChanges() const {
@@ -166,8 +172,22 @@ SCliDisplay* CTool::FindListed(const std::string& display_I, int& exitCode_O) {
     return nullptr;
 }
 
+bool CTool::Hold(const SCliDisplay& display_I, int& exitCode_O) {
+    mHeld.reset();
+    mHeld = HoldDisplayLock(display_I.serial, kLockWait);
+    if (!mHeld) {
+        mErr << display_I.model << " (serial " << display_I.serial
+             << ") is in use by the settings window or the keeper; try again once it is done\n";
+        exitCode_O = CliExit::kCommunicationFailure;
+    }
+    return mHeld != nullptr;
+}
+
 SCliDisplay* CTool::Find(const std::string& display_I, int& exitCode_O) {
     SCliDisplay* found = FindListed(display_I, exitCode_O);
+    if (found != nullptr && !Hold(*found, exitCode_O)) {
+        return nullptr;
+    }
     if (found != nullptr && !Ready(*found)) {
         mErr << "display " << display_I << " (" << found->model << ") does not answer\n";
         exitCode_O = CliExit::kCommunicationFailure;
@@ -721,6 +741,13 @@ int CTool::Restore(const std::string& display_I, bool json_I, int waitSeconds_I)
             all.push_back(shown);
             continue;
         }
+        int held = CliExit::kDone;
+        if (!Hold(*display, held)) {
+            result = held;
+            shown["problem"] = "in use";
+            all.push_back(shown);
+            continue;
+        }
         // A display just switched on answers after a few seconds: ask again once a second.
         for (int waited = 0; !Ready(*display) && waited < waitSeconds_I; ++waited) {
             Clock::PauseMs(1000);
@@ -886,19 +913,10 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     return result;
 }
 
-namespace {
-
-std::string BesideTheDemoState(const char* name_I) {
-    const std::string state = CDemoDisplays::DefaultStateFile();
-    return state.empty() ? std::string() : (std::filesystem::path(state).parent_path() / name_I).string();
-}
-
-}  // namespace
-
 std::string DefaultChangesFile(bool demo_I) {
-    return BesideTheDemoState(demo_I ? "demo-changes.json" : "changes.json");
-}
-
-std::string DefaultKeptFile(bool demo_I) {
-    return BesideTheDemoState(demo_I ? "demo-kept.json" : "kept.json");
+    const std::string folder = ProgramStateFolder(demo_I);
+    if (folder.empty()) {
+        return {};
+    }
+    return (std::filesystem::path(folder) / (demo_I ? "demo-changes.json" : "changes.json")).string();
 }

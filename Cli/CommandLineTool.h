@@ -21,7 +21,6 @@ constexpr int kDrifted = 4;  // check: the display differs from the profile
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
                        std::ostream& err_O, const std::string& changesFile_I = {},
                        const std::string& keptFile_I = {});
-// Where the program keeps them: beside the demo's state, "changes.json" and "kept.json" (the
-// demo's "demo-changes.json" and "demo-kept.json").
+// Where the program keeps the changes: "changes.json" in its state folder (the demo's
+// "demo-changes.json"); the kept profiles' file is DefaultKeptFile's.
 std::string DefaultChangesFile(bool demo_I);
-std::string DefaultKeptFile(bool demo_I);

@@ -1,5 +1,7 @@
 #include "DemoDisplays.h"
 
+#include "KeptProfiles.h"
+
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
@@ -30,17 +32,8 @@ std::string CDemoDisplays::DefaultStateFile() {
     if (const char* explicitFile = std::getenv("VLR_DEMO_STATE")) {
         return explicitFile;
     }
-    std::filesystem::path folder;
-    if (const char* state = std::getenv("XDG_STATE_HOME"); state != nullptr && *state != '\0') {
-        folder = state;
-    } else if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
-        folder = std::filesystem::path(home) / ".local" / "state";
-    } else if (const char* appData = std::getenv("APPDATA"); appData != nullptr && *appData != '\0') {
-        folder = appData;
-    } else {
-        return {};
-    }
-    return (folder / "velor-display-settings" / "demo.json").string();
+    const std::string folder = ProgramStateFolder(true);
+    return folder.empty() ? std::string() : (std::filesystem::path(folder) / "demo.json").string();
 }
 
 std::vector<SCliDisplay>& CDemoDisplays::Displays() {

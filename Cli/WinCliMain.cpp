@@ -9,6 +9,7 @@
 
 #include "CommandLineTool.h"
 #include "DemoMachine.h"
+#include "KeptProfiles.h"
 #include "SystemLibrary.h"
 #include "WinDisplays.h"
 

@@ -19,6 +19,7 @@
 #include "CAdvancedDialog.h"
 #include "CPowerWarningDialog.h"
 #include "CWinDisplayConfigInterface.h"
+#include "DeskChanges.h"
 #include "DialogIds.h"
 #include "DialogHost.h"
 #include "DialogImpl.h"
@@ -119,7 +120,6 @@ private:
     LRESULT OnTimer(UINT, WPARAM wParam_I, LPARAM, BOOL&);
     // A display came or went, the desktop changed, the computer or a display woke up.
     LRESULT OnSystemChange(UINT message_I, WPARAM wParam_I, LPARAM lParam_I, BOOL&);
-    void RegisterForSystemChanges();
     // The serial number (and name) of each display in the list, in its order.
     std::vector<std::wstring> DisplayIdentities() const;
     LRESULT OnEditKillFocus(WORD, WORD id_I, HWND, BOOL&);
@@ -204,8 +204,7 @@ private:
     std::vector<size_t> mDisplayIndexes;
     size_t mSelectedDisplay = 0;
     std::wstring mSelectedIdentity;  // kept selected across searches while it is found
-    std::vector<HDEVNOTIFY> mDeviceNotifications;
-    HPOWERNOTIFY mPowerNotification = nullptr;
+    CDeskChangeRegistration mDeskChanges;
     int mScrollPosition = 1;
     CRowLayout mRows;
     EOutcome mOutcome = EOutcome::Closed;

@@ -11,6 +11,7 @@
 #include "CVirtualDisplayConnector.h"
 #include "CommandLineTool.h"
 #include "DemoDisplays.h"
+#include "DisplayLock.h"
 #include "SettingNames.h"
 #include "SettingTable.h"
 #include "VirtualClock.h"
@@ -287,6 +288,21 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
     run = bench.Run({"restore"});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(run.err, profile + ": cannot be read\n");
+
+    // The settings window or the keeper holds the display: nothing is sent to it.
+    std::ofstream(profile) << R"({"settings": {"contrast": 30}})";
+    {
+        const std::unique_ptr<CDisplayLock> held = HoldDisplayLock("VC1060A40892", std::chrono::milliseconds(0));
+        ASSERT_TRUE(held);
+        canvas->ClearTransactions();
+        run = bench.Run({"restore"});
+        EXPECT_EQ(run.code, CliExit::kCommunicationFailure);
+        EXPECT_EQ(run.err, "Canvas 22 Pro (serial VC1060A40892) is in use by the settings window or the keeper; "
+                           "try again once it is done\n");
+        EXPECT_EQ(bench.Run({"set", "0", "contrast=20"}).code, CliExit::kCommunicationFailure);
+        EXPECT_TRUE(canvas->Transactions().empty());
+    }
+    EXPECT_EQ(bench.Run({"restore"}).out, "Canvas 22 Pro (serial VC1060A40892):\ncontrast: 50 -> 30\n");  // the power cycle above
 
     EXPECT_EQ(bench.Run({"keep", "0", "--off"}).out, "Canvas 22 Pro (serial VC1060A40892) keeps no profile now\n");
     EXPECT_EQ(bench.Run({"keep", "--list"}).out, "no display keeps a profile\n");

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -93,4 +94,46 @@ std::optional<SKeptProfile> CKeptProfiles::Of(const std::string& model_I, const 
         }
     }
     return std::nullopt;
+}
+
+std::string ProgramStateFolder(bool demo_I) {
+    // The demo's files go beside the demo's state where that was placed on purpose.
+    if (const char* demoState = std::getenv("VLR_DEMO_STATE"); demo_I && demoState != nullptr && *demoState != '\0') {
+        return std::filesystem::path(demoState).parent_path().string();
+    }
+    std::filesystem::path folder;
+    if (const char* state = std::getenv("XDG_STATE_HOME"); state != nullptr && *state != '\0') {
+        folder = state;
+    } else if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
+        folder = std::filesystem::path(home) / ".local" / "state";
+    } else if (const char* appData = std::getenv("APPDATA"); appData != nullptr && *appData != '\0') {
+        folder = appData;
+    } else {
+        return {};
+    }
+    return (folder / "velor-display-settings").string();
+}
+
+namespace {
+
+std::string InStateFolder(bool demo_I, const char* name_I) {
+    const std::string folder = ProgramStateFolder(demo_I);
+    if (folder.empty()) {
+        return {};
+    }
+    return (std::filesystem::path(folder) / ((demo_I ? "demo-" : "") + std::string(name_I))).string();
+}
+
+}  // namespace
+
+std::string DefaultKeptFile(bool demo_I) {
+    return InStateFolder(demo_I, "kept.json");
+}
+
+std::string DefaultRulesFile(bool demo_I) {
+    return InStateFolder(demo_I, "application-profiles.json");
+}
+
+std::string DefaultProfilesFolder(bool demo_I) {
+    return InStateFolder(demo_I, "profiles");
 }

@@ -37,3 +37,13 @@ private:
     std::string mFile;
     std::vector<SKeptProfile> mKept;
 };
+
+// The folder the program keeps its own files in: $XDG_STATE_HOME/velor-display-settings
+// (~/.local/state/...), else %APPDATA%\velor-display-settings; empty when there is none. The
+// demo's files go beside $VLR_DEMO_STATE when that is set.
+std::string ProgramStateFolder(bool demo_I);
+// The kept profiles, the profiles per application and the folder of profiles the keeper's
+// menu offers, in that folder (the demo's own files with "demo-" in front).
+std::string DefaultKeptFile(bool demo_I);
+std::string DefaultRulesFile(bool demo_I);
+std::string DefaultProfilesFolder(bool demo_I);
