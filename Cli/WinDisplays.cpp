@@ -28,9 +28,8 @@ std::vector<SCliDisplay>& CWinDisplays::Displays() {
         if (!display) {
             continue;
         }
-        const std::wstring& name = info.supportedName.empty() ? info.monitorName : info.supportedName;
         // Discovery has initialised it.
-        mDisplays.push_back({Narrow(name), Narrow(info.serialNumber),
+        mDisplays.push_back({Narrow(info.ModelName()), Narrow(info.serialNumber),
                              RouteName(display->GetConnector()->GetType()), display, true});
     }
     return mDisplays;

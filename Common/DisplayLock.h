@@ -14,6 +14,9 @@ public:
     virtual ~CDisplayLock() = default;
 };
 
+// The lock a search holds: it talks to every display (and the keeper's rounds hold it too).
+constexpr char kEveryDisplay[] = "every display";
+
 // Holds the lock of the display with this serial number, waiting up to wait_I for another
 // holder to let go; null when it did not.
 std::unique_ptr<CDisplayLock> HoldDisplayLock(const std::string& serial_I, std::chrono::milliseconds wait_I);

@@ -11,6 +11,7 @@
 #include "CColorSettingsDialog.h"
 #include "Clock.h"
 #include "DebugLog.h"
+#include "DisplayLock.h"
 #include "ErrorAdvice.h"
 #include "LanguageProvider.h"
 #include "MessageWindows.h"
@@ -32,6 +33,9 @@ constexpr UINT_PTR kLookAgainTimer = 3;
 constexpr unsigned kLookAgainTimes = 2;
 constexpr UINT kLookAgainPauseMs = 3000;
 constexpr UINT kPollPeriodMs = 100;
+// How long a search waits for the keeper to finish, and the chosen display for its restore.
+constexpr std::chrono::milliseconds kEveryDisplayWait{10000};
+constexpr std::chrono::milliseconds kSelectedDisplayWait{3000};
 constexpr int kHotKeyId = 0;
 constexpr int kToolTipWidth = 400;
 constexpr int kToolTipDelayMs = 1000;
@@ -155,6 +159,9 @@ DWORD WINAPI CMainDialog::DisplayConfigThread(LPVOID pClass_I) {
     CScopedTimer timer("DisplayConfig");
     DLog("CMainDialog::DisplayConfigThread - searching for Mr. GoodDevice...\n");
     auto* self = static_cast<CMainDialog*>(pClass_I);
+    // Not while the keeper searches or restores; should it take long, the user is not kept
+    // waiting for it.
+    const std::unique_ptr<CDisplayLock> everyDisplay = HoldDisplayLock(kEveryDisplay, kEveryDisplayWait);
     if (!self->mDisplayConfigIF) {
         auto discovery = CWinDisplayConfigInterface::Create();
         discovery->SetConnectionMode(self->mOptions.connectionMode);
@@ -230,6 +237,9 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
         EnableWindow(page, FALSE);
     }
     mSearching = first_I == &CMainDialog::DisplayConfigThread;
+    if (mSearching) {
+        mHeldDisplay.reset();  // the search holds every display
+    }
     mThread.Start(first_I, firstName_I, this);
     SetTimer(m_hWnd, kPollTimer, kPollPeriodMs, nullptr);
     mWaitWindow = MessageWindows::CreateWaitWindow(m_hWnd, mLanguage);
@@ -393,6 +403,21 @@ void CMainDialog::FillDisplayList() {
         mSelectedIdentity = identities[mSelectedDisplay];
     }
     SendMessageW(list, CB_SETCURSEL, mSelectedDisplay, 0);
+    HoldSelectedDisplay();
+}
+
+void CMainDialog::HoldSelectedDisplay() {
+    mHeldDisplay.reset();
+    if (mSelectedDisplay >= mDisplayConfigIF->DisplayInfos().size()) {
+        return;
+    }
+    // The keeper writes nothing to the display the user is adjusting; a restore under way
+    // ends within a few seconds.
+    const std::wstring& serial = mDisplayConfigIF->DisplayInfos()[mSelectedDisplay].serialNumber;
+    mHeldDisplay = HoldDisplayLock(Narrow(serial), kSelectedDisplayWait);
+    if (!mHeldDisplay) {
+        DLog("CMainDialog: the display's lock is held elsewhere; going on without it\n");
+    }
 }
 
 void CMainDialog::ClearCombos() {
@@ -599,6 +624,7 @@ LRESULT CMainDialog::OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled_O) {
     KillTimer(m_hWnd, kSettleTimer);
     KillTimer(m_hWnd, kLookAgainTimer);
     mDeskChanges.Unregister();
+    mHeldDisplay.reset();
     handled_O = FALSE;
     return 0;
 }
@@ -823,6 +849,7 @@ LRESULT CMainDialog::OnDisplayChanged(WORD, WORD, HWND, BOOL&) {
     mSelectedDisplay = static_cast<size_t>(selection);
     const std::vector<std::wstring> identities = DisplayIdentities();
     mSelectedIdentity = mSelectedDisplay < identities.size() ? identities[mSelectedDisplay] : std::wstring();
+    HoldSelectedDisplay();
     // The user chose another display: the one missing is no longer looked for.
     KillTimer(m_hWnd, kLookAgainTimer);
     mLookAgainLeft = 0;

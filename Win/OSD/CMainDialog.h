@@ -20,6 +20,7 @@
 #include "CPowerWarningDialog.h"
 #include "CWinDisplayConfigInterface.h"
 #include "DeskChanges.h"
+#include "DisplayLock.h"
 #include "DialogIds.h"
 #include "DialogHost.h"
 #include "DialogImpl.h"
@@ -146,6 +147,8 @@ private:
 
     void LoadCaptions();
     void FillDisplayList();
+    // Holds the chosen display's lock (lets go of the one held before).
+    void HoldSelectedDisplay();
     // Every control from the selected display's settings.
     void InitControls();
     // The two sliders, each with its caption and number box.
@@ -205,6 +208,8 @@ private:
     size_t mSelectedDisplay = 0;
     std::wstring mSelectedIdentity;  // kept selected across searches while it is found
     CDeskChangeRegistration mDeskChanges;
+    // The chosen display's lock, while the dialog shows it.
+    std::unique_ptr<CDisplayLock> mHeldDisplay;
     int mScrollPosition = 1;
     CRowLayout mRows;
     EOutcome mOutcome = EOutcome::Closed;

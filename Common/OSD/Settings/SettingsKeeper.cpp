@@ -38,11 +38,12 @@ SProfile ValuesNowOf(UiDisplayDelegate& display_I, const SProfile& profile_I) {
 
 }  // namespace
 
-CSettingsKeeper::CSettingsKeeper(IKeeperDesk& desk_I, std::string keptFile_I, std::string rulesFile_I)
-    : mDesk(desk_I), mKeptFile(std::move(keptFile_I)), mRulesFile(std::move(rulesFile_I)) {}
+CSettingsKeeper::CSettingsKeeper(IKeeperDesk& desk_I, std::string keptFile_I, std::string rulesFile_I,
+                                 std::function<Duration()> now_I)
+    : mDesk(desk_I), mNow(std::move(now_I)), mKeptFile(std::move(keptFile_I)), mRulesFile(std::move(rulesFile_I)) {}
 
 Duration CSettingsKeeper::Now() const {
-    return Clock::Get().Now();
+    return mNow ? mNow() : Clock::Get().Now();
 }
 
 void CSettingsKeeper::SetKeeping(bool on_I) {

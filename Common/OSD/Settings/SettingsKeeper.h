@@ -8,6 +8,7 @@
 // event. Single-threaded: the caller runs it on one thread and calls Poll when it is due.
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -61,7 +62,11 @@ public:
     // A held display is asked again after this long.
     static constexpr std::chrono::milliseconds kHeldRetry{2000};
 
-    CSettingsKeeper(IKeeperDesk& desk_I, std::string keptFile_I, std::string rulesFile_I);
+    // now_I tells the time its waits are measured in; by default the process clock's (a
+    // keeper on a window's timers passes the real time while the protocol's pauses go through
+    // a test's virtual clock).
+    CSettingsKeeper(IKeeperDesk& desk_I, std::string keptFile_I, std::string rulesFile_I,
+                    std::function<Duration()> now_I = {});
 
     void SetKeeping(bool on_I);
     bool Keeping() const { return mKeeping; }
@@ -93,6 +98,7 @@ private:
     void LeaveRule(SKeeperDisplay& display_I, const CKeptProfiles& kept_I);
 
     IKeeperDesk& mDesk;
+    std::function<Duration()> mNow;
     std::string mKeptFile;
     std::string mRulesFile;
     bool mKeeping = true;

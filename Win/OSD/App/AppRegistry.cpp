@@ -8,6 +8,8 @@ namespace {
 
 constexpr wchar_t kLocationKey[] = L"Software\\Velor\\OSD\\Location";
 constexpr wchar_t kOsdKey[] = L"Software\\Velor\\OSD";
+constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr wchar_t kKeeperRunValue[] = L"Velor Display Settings Keeper";
 
 std::optional<DWORD> ReadNumber(const wchar_t* key_I, const wchar_t* name_I) {
     DWORD value = 0;
@@ -74,6 +76,44 @@ std::wstring ReadHelpBaseAddress() {
         }
     }
     return {};
+}
+
+bool ReadKeepSettings() {
+    const auto value = ReadNumber(kOsdKey, L"KeepSettings");
+    return !value || *value != 0;
+}
+
+void WriteKeepSettings(bool on_I) {
+    WriteNumber(kOsdKey, L"KeepSettings", on_I ? 1 : 0);
+}
+
+bool StartsKeeperAtLogOn() {
+    return RegGetValueW(HKEY_CURRENT_USER, kRunKey, kKeeperRunValue, RRF_RT_REG_SZ, nullptr, nullptr, nullptr) ==
+           ERROR_SUCCESS;
+}
+
+bool SetKeeperStartsAtLogOn(bool on_I) {
+    HKEY key = nullptr;
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, kRunKey, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr) !=
+        ERROR_SUCCESS) {
+        DLog("AppRegistry: cannot open the Run key\n");
+        return false;
+    }
+    LSTATUS status = ERROR_SUCCESS;
+    if (on_I) {
+        wchar_t path[MAX_PATH] = {};
+        GetModuleFileNameW(nullptr, path, MAX_PATH);
+        const std::wstring command = L"\"" + std::wstring(path) + L"\" /tray";
+        status = RegSetValueExW(key, kKeeperRunValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                                static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
+    } else {
+        status = RegDeleteValueW(key, kKeeperRunValue);
+        if (status == ERROR_FILE_NOT_FOUND) {
+            status = ERROR_SUCCESS;
+        }
+    }
+    RegCloseKey(key);
+    return status == ERROR_SUCCESS;
 }
 
 }  // namespace AppRegistry

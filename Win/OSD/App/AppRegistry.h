@@ -22,4 +22,15 @@ void WriteIgnorePowerWarning();
 // user's before the machine's; empty when neither is set.
 std::wstring ReadHelpBaseAddress();
 
+// Whether the keeper keeps the displays' profiles ("KeepSettings" of Software\Velor\OSD;
+// on unless turned off).
+bool ReadKeepSettings();
+void WriteKeepSettings(bool on_I);
+// The keeper's start at log-on: the "Velor Display Settings Keeper" value of
+// Software\Microsoft\Windows\CurrentVersion\Run, which starts this program with /tray. The
+// installer's component writes the same value.
+bool StartsKeeperAtLogOn();
+// False when the value could not be written or removed.
+bool SetKeeperStartsAtLogOn(bool on_I);
+
 }  // namespace AppRegistry

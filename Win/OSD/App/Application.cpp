@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include "CMainDialog.h"
+#include "CTrayKeeper.h"
 #include "DebugLog.h"
 #include "LanguageProvider.h"
 #include "MessageWindows.h"
@@ -54,6 +55,10 @@ int RunApplication(const SStartupOptions& options_I) {
     if (options_I.help) {
         MessageBoxW(nullptr, HelpText(), kHelpCaption, kHelpStyle);
         return eExitClosed;
+    }
+    if (options_I.tray) {
+        // Beside the settings dialog, not instead of it: it has a single-run check of its own.
+        return RunTrayKeeper(options_I, InterfaceLanguage(options_I));
     }
     // Before anything else (a departure from the title check alone, which stays in the main
     // dialog): a second start must not search, and so talk to displays the first copy holds.

@@ -53,6 +53,8 @@ SStartupOptions ParseStartupOptions(const std::wstring& commandLine_I, bool debu
     }
     options.debugOutput = Has(commandLine_I, L"/debug") || debugDefault_I;
     options.help = Has(commandLine_I, L"/help");
+    // Not in the "/help" box, whose text stays as it is: the log-on entry and the README name it.
+    options.tray = Has(commandLine_I, L"/tray");
     if (Has(commandLine_I, L"/demo")) {
         const std::wstring scenario = WordAfter(commandLine_I, L"/demo", &IsScenarioCharacter);
         options.demoScenario = scenario.empty() ? kDefaultDemoScenario : Narrow(scenario);

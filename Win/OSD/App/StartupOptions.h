@@ -11,6 +11,8 @@ struct SStartupOptions {
     uint32_t connectionMode = 3;  // all routes
     bool debugOutput = false;
     bool help = false;
+    // The resident keeper instead of the settings dialog.
+    bool tray = false;
     // The simulated machine to run on instead of the real one; empty: the real one.
     std::string demoScenario;
 };

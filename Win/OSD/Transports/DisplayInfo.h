@@ -25,6 +25,9 @@ struct SDisplayInfo {
     // Keeps the discovery that made the record alive while a connector uses it.
     std::shared_ptr<void> owner;
 
+    // The name the command-line tool lists the display by and the kept profiles name it by.
+    const std::wstring& ModelName() const { return supportedName.empty() ? monitorName : supportedName; }
+
     bool HasRequiredFields() const {
         return !deviceID.empty() && !monitorName.empty() && !serialNumber.empty() && !supportedName.empty() &&
                monitor != nullptr && owner != nullptr;

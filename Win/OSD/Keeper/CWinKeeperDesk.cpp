@@ -1,0 +1,32 @@
+#include "CWinKeeperDesk.h"
+
+#include "DisplayLock.h"
+#include "UiDisplayDelegate.h"
+#include "WinStrings.h"
+
+CWinKeeperDesk::CWinKeeperDesk(const SStartupOptions& options_I, LANGID language_I, Notifier notify_I)
+    : mDiscovery(CWinDisplayConfigInterface::Create()), mNotify(std::move(notify_I)) {
+    mDiscovery->SetConnectionMode(options_I.connectionMode);
+    mDiscovery->SetMatchByModel(options_I.skipSerialMatch);
+    mDiscovery->SetInterfaceLanguage(language_I);
+}
+
+std::vector<SKeeperDisplay> CWinKeeperDesk::Search() {
+    // The connectors of the last search close before the new one opens the devices.
+    mDiscovery->Clear();
+    mDiscovery->Init();
+    std::vector<SKeeperDisplay> found;
+    for (const SDisplayInfo& info : mDiscovery->DisplayInfos()) {
+        auto display = std::dynamic_pointer_cast<UiDisplayDelegate>(info.display);
+        if (display) {
+            // Discovery has initialised it.
+            found.push_back({Narrow(info.ModelName()), Narrow(info.serialNumber), display, true});
+        }
+    }
+    return found;
+}
+
+std::shared_ptr<void> CWinKeeperDesk::TryHold(const std::string& serial_I) {
+    std::shared_ptr<CDisplayLock> held = HoldDisplayLock(serial_I, std::chrono::milliseconds(0));
+    return held;
+}
