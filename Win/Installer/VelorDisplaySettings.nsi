@@ -1,7 +1,8 @@
 ; The installer of Velor Display Settings: per-machine into Program Files, a Start-menu
 ; shortcut, an entry in Apps & Features, a silent mode (/S) for deployment, and an uninstaller
 ; that removes exactly what was installed. The user's settings (HKCU\Software\Velor\OSD) stay
-; unless the uninstaller is asked to remove them (its page, or /REMOVESETTINGS with /S).
+; unless the uninstaller is asked to remove them (its page, or /REMOVESETTINGS with /S). A
+; component starts the keeper at every user's log-on (its page, or /KEEPER with /S).
 ;
 ; makensis -DVERSION=6.4.3-1 -DFILE_VERSION=6.4.3.1 -DPROGRAM=<exe> -DCONSOLE_PROGRAM=<velor-display.exe>
 ;          -DICON=<ico> -DOUTFILE=<setup.exe>
@@ -14,6 +15,7 @@ ManifestSupportedOS all
 !include "MUI2.nsh"
 !include "LogicLib.nsh"
 !include "FileFunc.nsh"
+!include "WinMessages.nsh"
 
 !define PRODUCT "Velor Display Settings"
 !define PUBLISHER "Velor"
@@ -24,6 +26,11 @@ ManifestSupportedOS all
 !define SETTINGS_KEY "Software\Velor\OSD"
 ; The program holds this mutex while it runs.
 !define RUNNING_MUTEX "VelorDisplaySettings.Running"
+; The keeper (the program with /tray): its window, and the log-on entry that starts it for every
+; user (a user's own option in the program writes the same value under HKCU).
+!define KEEPER_CLASS "VelorDisplaySettings.Keeper"
+!define RUN_KEY "Software\Microsoft\Windows\CurrentVersion\Run"
+!define KEEPER_VALUE "Velor Display Settings Keeper"
 
 Name "${PRODUCT}"
 OutFile "${OUTFILE}"
@@ -48,6 +55,7 @@ VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 ${PUBLISHER}"
 !define MUI_FINISHPAGE_RUN_TEXT "Start ${PRODUCT}"
 !define MUI_COMPONENTSPAGE_NODESC
 
+!insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_PAGE_FINISH
@@ -72,15 +80,20 @@ VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 ${PUBLISHER}"
   ${Loop}
 !macroend
 
-Function .onInit
-  SetRegView 64
-  !insertmacro WaitWhileProgramRuns
-FunctionEnd
+; The keeper holds the program file open: it is asked to end (it starts again at the next log-on).
+!macro EndKeeper
+  FindWindow $0 "${KEEPER_CLASS}"
+  ${If} $0 <> 0
+    SendMessage $0 ${WM_CLOSE} 0 0 /TIMEOUT=5000
+    Sleep 1000
+  ${EndIf}
+!macroend
 
 Section "Program" SecProgram
   SectionIn RO
   SetShellVarContext all
   SetRegView 64
+  !insertmacro EndKeeper
   SetOutPath "$INSTDIR"
   File "/oname=${EXE}" "${PROGRAM}"
   File "/oname=${CONSOLE_EXE}" "${CONSOLE_PROGRAM}"
@@ -103,11 +116,35 @@ Section "Program" SecProgram
   WriteRegDWORD HKLM "${UNINSTALL_KEY}" "EstimatedSize" $0
 SectionEnd
 
+; Chosen on the components page, or with /KEEPER in silent mode; an upgrade keeps the choice.
+Section /o "Keep display settings (start the keeper at log-on)" SecKeeper
+  SetRegView 64
+  WriteRegStr HKLM "${RUN_KEY}" "${KEEPER_VALUE}" '"$INSTDIR\${EXE}" /tray'
+SectionEnd
+
+; After the sections: it selects one of them.
+Function .onInit
+  SetRegView 64
+  !insertmacro WaitWhileProgramRuns
+  ReadRegStr $1 HKLM "${RUN_KEY}" "${KEEPER_VALUE}"
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} $0 "/KEEPER" $2
+  ${IfNot} ${Errors}
+  ${OrIf} $1 != ""
+    SectionSetFlags ${SecKeeper} ${SF_SELECTED}
+  ${EndIf}
+FunctionEnd
+
 
 Section "un.Program" SecUnProgram
   SectionIn RO
   SetShellVarContext all
   SetRegView 64
+  !insertmacro EndKeeper
+  ; The log-on entries that would start the program being removed.
+  DeleteRegValue HKLM "${RUN_KEY}" "${KEEPER_VALUE}"
+  DeleteRegValue HKCU "${RUN_KEY}" "${KEEPER_VALUE}"
   Delete "$INSTDIR\${EXE}"
   Delete "$INSTDIR\${CONSOLE_EXE}"
   Delete "$INSTDIR\${UNINSTALLER}"

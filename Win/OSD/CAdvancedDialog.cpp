@@ -4,8 +4,10 @@
 
 #include <algorithm>
 
+#include "AppRegistry.h"
 #include "Assert.h"
 #include "DebugLog.h"
+#include "KeeperProcess.h"
 #include "MessageWindows.h"
 #include "SettingTable.h"
 #include "UiDisplayDelegate.h"
@@ -28,6 +30,7 @@ using MessageWindows::SCaption;
 constexpr SCaption kCaptions[] = {
     {IDC_LCD_CONDITIONING_START, 2213, true},
     {IDC_FACTORY_RESET, 2212, true},
+    {IDC_KEEPER_AT_LOGON, 2963, true},
     {IDC_PROGRAM_VERSION_LABEL, 2210},
     {IDC_FIRMWARE_VERSION_LABEL, 2211},
     {IDC_ADVANCED_OK, 2090},
@@ -73,6 +76,7 @@ std::vector<CRowLayout::SRow> PageRows() {
     }
     rows.push_back({{IDC_PROGRAM_VERSION_LABEL, IDC_PROGRAM_VERSION}});
     rows.push_back({{IDC_FIRMWARE_VERSION_LABEL, IDC_FIRMWARE_VERSION}});
+    rows.push_back({{IDC_KEEPER_AT_LOGON}});
     rows.push_back({{IDC_FACTORY_RESET, IDC_ADVANCED_OK, IDC_ADVANCED_CANCEL}});
     return rows;
 }
@@ -150,6 +154,7 @@ void CAdvancedDialog::Open(HWND owner_I) {
         Create(owner_I);
     }
     mConditioningStarted = false;
+    CheckDlgButton(m_hWnd, IDC_KEEPER_AT_LOGON, AppRegistry::StartsKeeperAtLogOn() ? BST_CHECKED : BST_UNCHECKED);
     if (UiDisplayDelegate* delegate = Delegate()) {
         mOpeningValues.clear();
         for (const SSettingControls& controls : SettingControls()) {
@@ -404,6 +409,22 @@ void CAdvancedDialog::GoOnAt(int controlId_I) {
         ::SetActiveWindow(m_hWnd);
         ::SetFocus(GetDlgItem(controlId_I));
     }
+}
+
+LRESULT CAdvancedDialog::OnKeeperAtLogOn(WORD code_I, WORD, HWND, BOOL&) {
+    if (code_I != BN_CLICKED) {
+        return 0;
+    }
+    const bool on = IsDlgButtonChecked(m_hWnd, IDC_KEEPER_AT_LOGON) == BST_CHECKED;
+    if (!AppRegistry::SetKeeperStartsAtLogOn(on)) {
+        // Not written: the box shows what is so.
+        CheckDlgButton(m_hWnd, IDC_KEEPER_AT_LOGON, on ? BST_UNCHECKED : BST_CHECKED);
+        return 0;
+    }
+    if (on && !KeeperProcess::IsRunning()) {
+        KeeperProcess::Start(mHost.ProgramOptions());
+    }
+    return 0;
 }
 
 LRESULT CAdvancedDialog::OnFactoryReset(WORD, WORD, HWND, BOOL&) {

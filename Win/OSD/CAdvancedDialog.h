@@ -43,6 +43,7 @@ public:
     MESSAGE_HANDLER(WM_COMMAND, OnSettingCommand)
     COMMAND_ID_HANDLER(IDC_LCD_CONDITIONING_START, OnLcdConditioning)
     COMMAND_ID_HANDLER(IDC_FACTORY_RESET, OnFactoryReset)
+    COMMAND_ID_HANDLER(IDC_KEEPER_AT_LOGON, OnKeeperAtLogOn)
     COMMAND_ID_HANDLER(IDC_ADVANCED_OK, OnClose)
     COMMAND_ID_HANDLER(IDC_ADVANCED_CANCEL, OnClose)
     COMMAND_ID_HANDLER(IDCANCEL, OnClose)
@@ -80,6 +81,8 @@ private:
     void OnOffOn(ESetting setting_I, bool on_I);
     LRESULT OnLcdConditioning(WORD, WORD, HWND, BOOL&);
     LRESULT OnFactoryReset(WORD, WORD, HWND, BOOL&);
+    // Registers (or removes) the keeper's start at log-on, and starts it when none runs.
+    LRESULT OnKeeperAtLogOn(WORD, WORD, HWND, BOOL&);
     LRESULT OnClose(WORD, WORD id_I, HWND, BOOL&);
 
     UiDisplayDelegate* Delegate() const;

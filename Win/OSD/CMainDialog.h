@@ -70,6 +70,7 @@ public:
     CAdvancedDialog& AdvancedDialog() { return *mAdvancedDialog; }
     // A failed write that ends the program (the advanced page's, or any with /exitOnError).
     void NoteFatalFailure() override { mOutcome = EOutcome::CommunicationFailure; }
+    std::wstring ProgramOptions() const override { return ::ProgramOptions(mOptions); }
 
     // The help page of the selected display: on the deployment's own site when the registry
     // names one, otherwise the page shipped beside the program (Help\<page>.html).

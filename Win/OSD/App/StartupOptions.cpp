@@ -62,6 +62,17 @@ SStartupOptions ParseStartupOptions(const std::wstring& commandLine_I, bool debu
     return options;
 }
 
+std::wstring ProgramOptions(const SStartupOptions& options_I) {
+    std::wstring options;
+    if (!options_I.demoScenario.empty()) {
+        options += L"/demo " + Widen(options_I.demoScenario);
+    }
+    if (options_I.languageName != "userUI") {
+        options += (options.empty() ? L"" : L" ") + (L"/language " + Widen(options_I.languageName));
+    }
+    return options;
+}
+
 const wchar_t* HelpText() {
     return L"/hidPort - use only a HID channel\n"
            L"/displayPort - use only a video display channel\n"

@@ -21,6 +21,10 @@ struct SStartupOptions {
 // debugDefault_I is the trace switch's built-in default.
 SStartupOptions ParseStartupOptions(const std::wstring& commandLine_I, bool debugDefault_I);
 
+// The options of this run that a program it starts (the keeper, the settings) keeps: the
+// demo's scenario and the interface language ("/demo one-per-route /language de").
+std::wstring ProgramOptions(const SStartupOptions& options_I);
+
 // The text of the "/help" box.
 const wchar_t* HelpText();
 constexpr wchar_t kHelpCaption[] = L"ScreenTuner Options";

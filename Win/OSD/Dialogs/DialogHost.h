@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 class UiDisplayDelegate;
 
 class IDialogHost {
@@ -22,4 +24,6 @@ public:
     virtual bool OperationRunning() const = 0;
     // A failed write that ends the program.
     virtual void NoteFatalFailure() = 0;
+    // The options of this run a program it starts keeps ("/demo one-per-route /language de").
+    virtual std::wstring ProgramOptions() const = 0;
 };

@@ -84,6 +84,7 @@
 #define IDC_FACTORY_RESET 1102
 #define IDC_ADVANCED_OK 1105
 #define IDC_ADVANCED_CANCEL 1101
+#define IDC_KEEPER_AT_LOGON 1106
 
 // Custom colour dialog: per adjustment (hue, saturation, gain, offset; type t = 0..3) a group
 // box, and per channel (red, green, blue; c = 0..2) a label, a slider and an edit.

@@ -332,11 +332,9 @@ void CTrayKeeper::OnCommand(UINT command_I) {
 void CTrayKeeper::OpenSettings() {
     // The settings dialog is the same program without /tray (a copy already open comes forward).
     std::wstring command = L"\"" + OwnPath() + L"\"";
-    if (!mOptions.demoScenario.empty()) {
-        command += L" /demo " + Widen(mOptions.demoScenario);
-    }
-    if (mOptions.languageName != "userUI") {
-        command += L" /language " + Widen(mOptions.languageName);
+    const std::wstring options = ProgramOptions(mOptions);
+    if (!options.empty()) {
+        command += L" " + options;
     }
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);

@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "KeeperProcess.h"
 #include "SettingsKeeper.h"
 #include "StartupOptions.h"
 
@@ -36,7 +37,7 @@ public:
     int Run();
 
     // The hidden window's class, by which a second start and the tests find it.
-    static constexpr wchar_t kWindowClass[] = L"VelorDisplaySettings.Keeper";
+    static constexpr const wchar_t* kWindowClass = KeeperProcess::kWindowClass;
     // The window in front changed: wParam is an atom naming its executable (the hook posts it;
     // the tests post it as another application would make it).
     static constexpr UINT kForegroundMessage = WM_APP + 3;

@@ -12,6 +12,8 @@
 
 #include "AppRegistry.h"
 #include "CTrayKeeper.h"
+#include "DialogIds.h"
+#include "KeeperProcess.h"
 #include "KeptProfiles.h"
 #include "ProgramDriver.h"
 #include "codes.h"
@@ -217,4 +219,39 @@ TEST(TrayKeeper, TheLogOnStartIsRegisteredAndRemoved) {
     ASSERT_TRUE(AppRegistry::SetKeeperStartsAtLogOn(false));
     EXPECT_FALSE(AppRegistry::StartsKeeperAtLogOn());
     EXPECT_TRUE(AppRegistry::SetKeeperStartsAtLogOn(false));  // already gone: nothing to do
+}
+
+namespace {
+std::vector<std::wstring> gStarted;
+bool NoteStart(const std::wstring& commandLine) {
+    gStarted.push_back(commandLine);
+    return true;
+}
+}  // namespace
+
+TEST(TrayKeeper, TheAdvancedPagesBoxRegistersTheLogOnStartStartsTheKeeperOnceAndRemovesIt) {
+    AppRegistry::SetKeeperStartsAtLogOn(false);
+    gStarted.clear();
+    KeeperProcess::SetStarter(&NoteStart);
+    SProgram program("one-per-route", InLanguage("en"));
+    ASSERT_TRUE(program.WaitForMainDialog());
+    ClickOn(program.Item(IDC_ADVANCED_BUTTON));
+    HWND page = WaitForWindowWith(IDC_FACTORY_RESET, {program.dialog});
+    ASSERT_NE(page, nullptr);
+    HWND box = GetDlgItem(page, IDC_KEEPER_AT_LOGON);
+    ASSERT_TRUE(IsWindowVisible(box));
+    EXPECT_EQ(TextOf(box), L"Start the settings &keeper at log-on");
+    EXPECT_EQ(SendMessageW(box, BM_GETCHECK, 0, 0), BST_UNCHECKED);
+
+    ClickOn(box);
+    ASSERT_TRUE(WaitFor([&] { return AppRegistry::StartsKeeperAtLogOn(); }));
+    EXPECT_EQ(SendMessageW(box, BM_GETCHECK, 0, 0), BST_CHECKED);
+    ASSERT_EQ(gStarted.size(), 1u);
+    EXPECT_EQ(gStarted[0].substr(gStarted[0].find(L"\" ")), L"\" /tray /language en");
+    EXPECT_TRUE(WindowsAre({program.dialog, page}));
+
+    ClickOn(box);
+    ASSERT_TRUE(WaitFor([&] { return !AppRegistry::StartsKeeperAtLogOn(); }));
+    EXPECT_EQ(gStarted.size(), 1u);
+    KeeperProcess::SetStarter(nullptr);
 }
