@@ -365,9 +365,10 @@ void CTrayKeeper::ShowNotification(const std::vector<SKeeperResult>& results_I) 
     std::wstring text;
     bool allRestored = true;
     for (const SKeeperResult& result : results_I) {
+        // Two to a line: Wine's notification does not wrap long lines.
         std::wstring settings;
-        for (const std::string& name : result.settings) {
-            settings += (settings.empty() ? L"" : L", ") + SettingLabel(name, mLanguage);
+        for (size_t i = 0; i < result.settings.size(); ++i) {
+            settings += (i == 0 ? L"" : (i % 2 == 0 ? L",\n" : L", ")) + SettingLabel(result.settings[i], mLanguage);
         }
         const std::wstring model = Widen(result.model);
         std::wstring line;

@@ -124,7 +124,7 @@ TEST(TrayKeeper, ADisplaySwitchedOffAndOnGetsItsKeptProfileBackReadThenOnlyWhatD
     // Started at log-on: what the display keeps goes back.
     ASSERT_TRUE(WaitFor([&] { return canvas->Value(vcpC_Luminance) == 40; }, kRoundMs));
     EXPECT_TRUE(WaitFor([&] { return CTrayKeeper::LastNotification() ==
-                                     L"Settings restored\nVelor Canvas 22 Pro: Brightness, Contrast restored."; }));
+                                     L"Settings restored\nVelor Canvas 22 Pro:\nBrightness, Contrast restored."; }));
 
     canvas->ClearTransactions();
     machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::PowerCycle, canvas});
