@@ -1,6 +1,8 @@
 #include "SettingsKeeper.h"
 
 #include <algorithm>
+#include <cctype>
+#include <filesystem>
 #include <set>
 
 #include "ApplicationRules.h"
@@ -19,6 +21,16 @@ std::vector<std::string> NamesWith(const SProfileReport& report_I, EProfileOutco
         }
     }
     return names;
+}
+
+// A file name from a display's name: letters, digits, blanks, dots and dashes as they are.
+std::string DisplayFileName(const std::string& name_I) {
+    std::string name;
+    for (char c : name_I) {
+        const bool plain = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == ' ' || c == '.' || c == '-';
+        name += plain ? c : '_';
+    }
+    return name;
 }
 
 // The values a display has now of the settings a profile names.
@@ -258,6 +270,45 @@ std::vector<SKeeperResult> CSettingsKeeper::ApplyNow(const std::string& profile_
             result.problem = "in use by the settings dialog or the command-line tool";
         }
         results.push_back(result);
+    }
+    return results;
+}
+
+std::vector<SKeeperResult> CSettingsKeeper::KeepCurrent(const std::string& profilesFolder_I) {
+    std::vector<SKeeperResult> results;
+    CKeptProfiles kept(mKeptFile);
+    std::string problem;
+    if (!kept.Load(problem)) {
+        DLog("Keeper: %s\n", problem.c_str());
+        return results;  // a damaged list is not overwritten
+    }
+    std::error_code error;
+    std::filesystem::create_directories(profilesFolder_I, error);
+    for (SKeeperDisplay& display : Displays()) {
+        SKeeperResult result;
+        result.model = display.model;
+        result.serial = display.serial;
+        std::shared_ptr<void> hold = mDesk.TryHold(display.serial);
+        if (!hold || !Ready(display)) {
+            result.kind = hold ? SKeeperResult::EKind::NotAnswering : SKeeperResult::EKind::Failed;
+            result.problem = hold ? "" : "in use by the settings dialog or the command-line tool";
+            results.push_back(result);
+            continue;
+        }
+        const std::string path =
+            (std::filesystem::path(profilesFolder_I) / (DisplayFileName(display.model + " " + display.serial) + ".json"))
+                .string();
+        if (!WriteProfileFile(path, CaptureProfile(*display.display, display.model, display.serial), problem)) {
+            result.kind = SKeeperResult::EKind::ProfileUnreadable;
+            result.problem = problem;
+        } else {
+            kept.Keep(display.model, display.serial, path);
+            result.kind = SKeeperResult::EKind::Kept;
+        }
+        results.push_back(result);
+    }
+    if (!kept.Store(problem)) {
+        DLog("Keeper: %s\n", problem.c_str());
     }
     return results;
 }

@@ -28,7 +28,7 @@ struct SKeeperDisplay {
 
 // What one round did on one display, for the notification.
 struct SKeeperResult {
-    enum class EKind { Restored, Failed, NotAnswering, ProfileUnreadable };
+    enum class EKind { Restored, Failed, NotAnswering, ProfileUnreadable, Kept };
     std::string model;
     std::string serial;
     EKind kind = EKind::Restored;
@@ -78,6 +78,9 @@ public:
     void ForegroundChanged(const std::string& executable_I);
     // Applies a profile to every display found now (the tray menu); the results.
     std::vector<SKeeperResult> ApplyNow(const std::string& profile_I);
+    // Makes each display found keep what it has now: its profile is written into the folder
+    // ("<model> <serial>.json") and kept. The results (Kept, or why not).
+    std::vector<SKeeperResult> KeepCurrent(const std::string& profilesFolder_I);
 
     // Does what is due; the time until something is due next (none: nothing is waiting).
     std::optional<Duration> Poll();

@@ -43,6 +43,9 @@ enum : uint32_t {
     kNotRestoredTitle = 2960,
     kNoProfilesText = 2961,
     kMatchedText = 2962,  // "%1 already has its profile's settings."
+    kKeepCurrentText = 2964,
+    kKeptText = 2965,  // "%1 keeps its current settings."
+    kKeptTitle = 2966,
     kProductTitle = 2000,
 };
 
@@ -296,6 +299,7 @@ void CTrayKeeper::ShowMenu() {
     }
     AppendMenuW(menu, MF_STRING, kOpenCommand, Text(kOpenText, mLanguage).c_str());
     AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(profiles), Text(kApplyProfileText, mLanguage).c_str());
+    AppendMenuW(menu, MF_STRING, kKeepCurrentCommand, Text(kKeepCurrentText, mLanguage).c_str());
     AppendMenuW(menu, MF_STRING | (mKeeping ? MF_CHECKED : MF_UNCHECKED), kKeepCommand,
                 Text(kKeepText, mLanguage).c_str());
     AppendMenuW(menu, MF_STRING, kRulesCommand, Text(kRulesText, mLanguage).c_str());
@@ -319,6 +323,7 @@ void CTrayKeeper::OnCommand(UINT command_I) {
             AppRegistry::WriteKeepSettings(mKeeping);
             Post({SCommand::EKind::Keeping, {}, mKeeping});
             break;
+        case kKeepCurrentCommand: Post({SCommand::EKind::KeepCurrent, {}, false}); break;
         case kRulesCommand: OpenRules(); break;
         case kExitCommand: DestroyWindow(mWindow); break;
         default:
@@ -364,6 +369,7 @@ void CTrayKeeper::ShowNotification(const std::vector<SKeeperResult>& results_I) 
     }
     std::wstring text;
     bool allRestored = true;
+    bool kept = false;
     for (const SKeeperResult& result : results_I) {
         // Two to a line: Wine's notification does not wrap long lines.
         std::wstring settings;
@@ -384,6 +390,10 @@ void CTrayKeeper::ShowNotification(const std::vector<SKeeperResult>& results_I) 
                 line = Filled(Text(kNotAnsweringText, mLanguage), model, {});
                 allRestored = false;
                 break;
+            case SKeeperResult::EKind::Kept:
+                line = Filled(Text(kKeptText, mLanguage), model, {});
+                kept = true;
+                break;
             case SKeeperResult::EKind::ProfileUnreadable:
                 line = Filled(Text(kUnreadableText, mLanguage), model, {});
                 allRestored = false;
@@ -391,7 +401,8 @@ void CTrayKeeper::ShowNotification(const std::vector<SKeeperResult>& results_I) 
         }
         text += (text.empty() ? L"" : L"\n") + line;
     }
-    const std::wstring title = Text(allRestored ? kRestoredTitle : kNotRestoredTitle, mLanguage);
+    const std::wstring title =
+        Text(!allRestored ? kNotRestoredTitle : (kept ? kKeptTitle : kRestoredTitle), mLanguage);
     {
         std::lock_guard lock(gNotificationMutex);
         gLastNotification = title + L"\n" + text;
@@ -453,6 +464,11 @@ void CTrayKeeper::Work() {
                 case SCommand::EKind::Apply: {
                     const std::unique_ptr<CDisplayLock> every = HoldDisplayLock(kEveryDisplay, kEveryDisplayWait);
                     desk.Notify(keeper.ApplyNow(command.text));
+                    break;
+                }
+                case SCommand::EKind::KeepCurrent: {
+                    const std::unique_ptr<CDisplayLock> every = HoldDisplayLock(kEveryDisplay, kEveryDisplayWait);
+                    desk.Notify(keeper.KeepCurrent(mFiles.profiles));
                     break;
                 }
                 case SCommand::EKind::Quit: return;

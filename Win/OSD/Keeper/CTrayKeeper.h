@@ -47,6 +47,7 @@ public:
         kKeepCommand = 2,
         kRulesCommand = 3,
         kExitCommand = 4,
+        kKeepCurrentCommand = 5,
         kFirstProfileCommand = 100,
     };
     // The notification the keeper showed last (title, a line break, text), for the tests.
@@ -54,7 +55,7 @@ public:
 
 private:
     struct SCommand {
-        enum class EKind { DesktopChanged, Foreground, Keeping, Apply, Quit } kind;
+        enum class EKind { DesktopChanged, Foreground, Keeping, Apply, KeepCurrent, Quit } kind;
         std::string text;
         bool on = false;
     };

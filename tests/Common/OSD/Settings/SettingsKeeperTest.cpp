@@ -217,3 +217,20 @@ TEST(SettingsKeeper, AProfilePerApplicationFollowsTheForegroundOnceItIsStableAnd
     EXPECT_EQ(std::set<uint8_t>(written.begin(), written.end()), std::set<uint8_t>{0xE3});
     EXPECT_TRUE(bench.keeper->RuleInEffect().empty());
 }
+
+TEST(SettingsKeeper, KeepingWhatADisplayHasNowMakesItComeBackAfterAPowerCycle) {
+    SKeeperBench bench("vlr-keeper-current");
+    bench.desk.Add("canvas-22-pro", "S22");
+    bench.Display(0).SetValueFromMenu(0x10, 35);  // calibrated, not saved on the display
+    const std::vector<SKeeperResult> kept = bench.keeper->KeepCurrent((bench.folder / "profiles").string());
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_EQ(kept[0].kind, SKeeperResult::EKind::Kept);
+    EXPECT_TRUE(std::filesystem::exists(bench.folder / "profiles" / "canvas-22-pro S22.json"));
+    EXPECT_TRUE(CodesWritten(bench.Display(0)).empty());  // keeping only reads
+
+    bench.Display(0).PowerCycle();
+    EXPECT_EQ(bench.Display(0).Value(0x10), 70);
+    bench.keeper->DesktopChanged();
+    bench.RunFor(5s);
+    EXPECT_EQ(bench.Display(0).Value(0x10), 35);
+}
