@@ -141,8 +141,10 @@ int CTrayKeeper::Run() {
     windowClass.lpszClassName = kWindowClass;
     RegisterClassExW(&windowClass);  // already there on a second run in one process
     // A hidden top-level window: broadcasts (device changes, power) reach only those.
-    mWindow = CreateWindowExW(WS_EX_TOOLWINDOW, kWindowClass, Text(kProductTitle, mLanguage).c_str(), WS_POPUP, 0,
-                              0, 0, 0, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+    // Not the product title: the settings dialog takes a window of that title for a copy of
+    // itself already running.
+    mWindow = CreateWindowExW(WS_EX_TOOLWINDOW, kWindowClass, L"Velor Display Settings Keeper", WS_POPUP, 0, 0, 0, 0,
+                              nullptr, nullptr, GetModuleHandleW(nullptr), this);
     if (mWindow == nullptr) {
         DLog("Keeper: no window (%lu)\n", GetLastError());
         return 2;

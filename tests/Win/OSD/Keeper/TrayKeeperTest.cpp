@@ -154,9 +154,9 @@ TEST(TrayKeeper, ADisplaySwitchedOffAndOnGetsItsKeptProfileBackReadThenOnlyWhatD
 }
 
 TEST(TrayKeeper, TheDisplayTheSettingsDialogShowsIsLeftAloneUntilTheDialogCloses) {
-    SProgram program("one-per-route");  // its dialog shows Studio 24 first
-    ASSERT_TRUE(program.WaitForMainDialog());
-    auto studio = DisplayOf(program.machine, 0x1070);
+    auto program = std::make_unique<SProgram>("one-per-route");  // its dialog shows Studio 24 first
+    ASSERT_TRUE(program->WaitForMainDialog());
+    auto studio = DisplayOf(program->machine, 0x1070);
     ASSERT_TRUE(studio);
     SFiles files("vlr-tray-held");
     files.Keep("Velor Studio 24", kStudioSerial, files.Write("studio.json", R"({"settings": {"contrast": 31}})"));
@@ -167,10 +167,17 @@ TEST(TrayKeeper, TheDisplayTheSettingsDialogShowsIsLeftAloneUntilTheDialogCloses
     EXPECT_TRUE(CodesWritten(*studio).empty());
     EXPECT_EQ(studio->Value(vcpC_Contrast), 50);
 
-    PostMessageW(program.dialog, WM_COMMAND, IDCANCEL, 0);
-    ASSERT_TRUE(WaitFor([&] { return program.ended.load(); }));
+    PostMessageW(program->dialog, WM_COMMAND, IDCANCEL, 0);
+    ASSERT_TRUE(WaitFor([&] { return program->ended.load(); }));
     ASSERT_TRUE(WaitFor([&] { return studio->Value(vcpC_Contrast) == 31; }, 30000));
     EXPECT_EQ(CodesWritten(*studio), std::vector<uint8_t>{vcpC_Contrast});
+
+    // The settings opened while the keeper runs (its menu's first item) show their dialog:
+    // the keeper's window is no copy of the settings.
+    program.reset();
+    SProgram again("one-per-route");
+    EXPECT_TRUE(again.WaitForMainDialog());
+    EXPECT_EQ(again.exitCode.load(), -1);
 }
 
 TEST(TrayKeeper, TheApplicationInFrontGetsItsProfileOnceItStaysThereAndLeavingPutsTheKeptOneBack) {
