@@ -24,6 +24,8 @@ namespace {
 constexpr UINT kTrayMessage = WM_APP + 1;
 constexpr UINT kNotifyMessage = WM_APP + 2;
 constexpr UINT kIconId = 1;
+constexpr UINT_PTR kForegroundTimer = 1;
+constexpr UINT kForegroundPollMs = 500;
 constexpr wchar_t kKeeperMutex[] = L"Local\\VelorDisplaySettings.Keeper";
 // The keeper's rounds wait this long for a search of the settings dialog to end.
 constexpr std::chrono::seconds kEveryDisplayWait{30};
@@ -156,6 +158,8 @@ int CTrayKeeper::Run() {
     AddIcon();
     mHook = SetWinEventHook(EVENT_SYSTEM_FOREGROUND, EVENT_SYSTEM_FOREGROUND, nullptr, &CTrayKeeper::ForegroundHook, 0,
                             0, WINEVENT_OUTOFCONTEXT | WINEVENT_SKIPOWNPROCESS);
+    // Also asked twice a second: not every system sends the foreground event (Wine does not).
+    SetTimer(mWindow, kForegroundTimer, kForegroundPollMs, nullptr);
     mWorker = std::thread([this] { Work(); });
     DLog("Keeper: running (keeping %s)\n", mKeeping ? "on" : "off");
 
@@ -185,24 +189,46 @@ LRESULT CALLBACK CTrayKeeper::WindowProc(HWND window_I, UINT message_I, WPARAM w
     return self->OnMessage(message_I, wParam_I, lParam_I);
 }
 
-void CALLBACK CTrayKeeper::ForegroundHook(HWINEVENTHOOK, DWORD, HWND window_I, LONG, LONG, DWORD, DWORD) {
+// The executable of a window's process; empty for one of this program (the settings dialog in
+// front, opened from the menu, keeps the profile in effect) or one that cannot be asked.
+static std::wstring ExecutableOf(HWND window_I) {
     DWORD process = 0;
-    GetWindowThreadProcessId(window_I, &process);
+    if (window_I == nullptr || GetWindowThreadProcessId(window_I, &process) == 0 ||
+        process == GetCurrentProcessId()) {
+        return {};
+    }
     HANDLE handle = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process);
     if (handle == nullptr) {
-        return;
+        return {};
     }
     wchar_t path[MAX_PATH] = {};
     DWORD size = MAX_PATH;
     const BOOL named = QueryFullProcessImageNameW(handle, 0, path, &size);
     CloseHandle(handle);
-    // The settings dialog in front (opened from the menu) keeps the profile in effect.
     if (!named || _wcsicmp(FileNameOf(path).c_str(), FileNameOf(OwnPath()).c_str()) == 0) {
+        return {};
+    }
+    return FileNameOf(path);
+}
+
+void CALLBACK CTrayKeeper::ForegroundHook(HWINEVENTHOOK, DWORD, HWND window_I, LONG, LONG, DWORD, DWORD) {
+    const std::wstring executable = ExecutableOf(window_I);
+    if (executable.empty() || gKeeperWindow == nullptr) {
         return;
     }
-    if (const ATOM atom = GlobalAddAtomW(FileNameOf(path).c_str()); atom != 0 && gKeeperWindow != nullptr) {
+    if (const ATOM atom = GlobalAddAtomW(executable.c_str()); atom != 0) {
         PostMessageW(gKeeperWindow, kForegroundMessage, atom, 0);
     }
+}
+
+void CTrayKeeper::NoteForeground(const std::wstring& executable_I) {
+    // The hook and the poll both report; only a change counts (each report restarts the wait
+    // for the application to stay in front).
+    if (executable_I.empty() || _wcsicmp(executable_I.c_str(), mForeground.c_str()) == 0) {
+        return;
+    }
+    mForeground = executable_I;
+    Post({SCommand::EKind::Foreground, Narrow(executable_I), false});
 }
 
 LRESULT CTrayKeeper::OnMessage(UINT message_I, WPARAM wParam_I, LPARAM lParam_I) {
@@ -232,9 +258,14 @@ LRESULT CTrayKeeper::OnMessage(UINT message_I, WPARAM wParam_I, LPARAM lParam_I)
             const auto atom = static_cast<ATOM>(wParam_I);
             GlobalGetAtomNameW(atom, name, 256);
             GlobalDeleteAtom(atom);
-            Post({SCommand::EKind::Foreground, Narrow(name), false});
+            NoteForeground(name);
             return 0;
         }
+        case WM_TIMER:
+            if (wParam_I == kForegroundTimer) {
+                NoteForeground(ExecutableOf(GetForegroundWindow()));
+            }
+            return 0;
         case WM_COMMAND: OnCommand(LOWORD(wParam_I)); return 0;
         case WM_CLOSE: DestroyWindow(mWindow); return 0;
         case WM_DESTROY: {

@@ -63,6 +63,8 @@ private:
     static LRESULT CALLBACK WindowProc(HWND window_I, UINT message_I, WPARAM wParam_I, LPARAM lParam_I);
     static void CALLBACK ForegroundHook(HWINEVENTHOOK, DWORD, HWND window_I, LONG, LONG, DWORD, DWORD);
     LRESULT OnMessage(UINT message_I, WPARAM wParam_I, LPARAM lParam_I);
+    // The application in front, from the hook or the poll: handed on when it changed.
+    void NoteForeground(const std::wstring& executable_I);
     void AddIcon();
     void ShowMenu();
     void OnCommand(UINT command_I);
@@ -83,6 +85,7 @@ private:
     bool mKeeping = true;
     UINT mTaskbarCreated = 0;
     std::vector<std::string> mMenuProfiles;
+    std::wstring mForeground;
 
     std::mutex mMutex;
     std::condition_variable mWake;

@@ -192,6 +192,11 @@ TEST(TrayKeeper, TheApplicationInFrontGetsItsProfileOnceItStaysThereAndLeavingPu
     files.Write("rules.json", R"({"rules": [{"application": "Paint.exe", "profile": "adobe.json"}]})");
     const uint8_t space = 0xE3;
 
+    // A window of this process in front: the keeper's poll of the foreground passes over it,
+    // and the applications come from the posted reports alone.
+    HWND own = CreateWindowExW(0, L"STATIC", L"test", WS_POPUP | WS_VISIBLE, 0, 0, 10, 10, nullptr, nullptr,
+                               nullptr, nullptr);
+    SetForegroundWindow(own);
     STray tray(files.Keeper());
     ASSERT_TRUE(WaitFor([&] { return canvas->Value(space) == 0; }, kRoundMs));  // the kept sRGB
     Sleep(1000);
@@ -210,6 +215,7 @@ TEST(TrayKeeper, TheApplicationInFrontGetsItsProfileOnceItStaysThereAndLeavingPu
     ASSERT_TRUE(WaitFor([&] { return canvas->Value(space) == 0; }));
     const std::vector<uint8_t> written = CodesWritten(*canvas);
     EXPECT_EQ(std::set<uint8_t>(written.begin(), written.end()), std::set<uint8_t>{space});
+    DestroyWindow(own);
 }
 
 TEST(TrayKeeper, TheLogOnStartIsRegisteredAndRemoved) {
