@@ -23,4 +23,6 @@ std::unique_ptr<CDisplayLock> HoldDisplayLock(const std::string& serial_I, std::
 
 // The lock's name for a serial number: letters and digits as they are, anything else '_'
 // (serial numbers come from displays and must not reach a path or an object name as given).
+// $VLR_DISPLAY_LOCK_SCOPE, when set, goes in front: test programs that run side by side over
+// virtual displays with the same serial numbers each get locks of their own.
 std::string DisplayLockName(const std::string& serial_I);

@@ -6,11 +6,14 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <sstream>
+#include <thread>
 
 #include "CVirtualDisplayConnector.h"
 #include "CommandLineTool.h"
 #include "DemoDisplays.h"
+#include "DisplayLockScope.h"
 #include "DisplayLock.h"
 #include "SettingNames.h"
 #include "SettingTable.h"
@@ -25,6 +28,7 @@ struct SRun {
 };
 
 struct SToolBench {
+    SToolBench() { ScopeDisplayLocksToThisProcess(); }
     CVirtualClock clock;
     CScopedClock scopedClock{clock};
     CDemoDisplays displays{""};
@@ -292,8 +296,15 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
     // The settings window or the keeper holds the display: nothing is sent to it.
     std::ofstream(profile) << R"({"settings": {"contrast": 30}})";
     {
-        const std::unique_ptr<CDisplayLock> held = HoldDisplayLock("VC1060A40892", std::chrono::milliseconds(0));
-        ASSERT_TRUE(held);
+        // Held by another thread, as another process would (a Windows mutex is its thread's).
+        std::promise<bool> held;
+        std::promise<void> letGo;
+        std::thread holder([&] {
+            const std::unique_ptr<CDisplayLock> lock = HoldDisplayLock("VC1060A40892", std::chrono::milliseconds(0));
+            held.set_value(lock != nullptr);
+            letGo.get_future().wait();
+        });
+        const bool holding = held.get_future().get();
         canvas->ClearTransactions();
         run = bench.Run({"restore"});
         EXPECT_EQ(run.code, CliExit::kCommunicationFailure);
@@ -301,6 +312,9 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
                            "try again once it is done\n");
         EXPECT_EQ(bench.Run({"set", "0", "contrast=20"}).code, CliExit::kCommunicationFailure);
         EXPECT_TRUE(canvas->Transactions().empty());
+        letGo.set_value();
+        holder.join();
+        ASSERT_TRUE(holding);
     }
     EXPECT_EQ(bench.Run({"restore"}).out, "Canvas 22 Pro (serial VC1060A40892):\ncontrast: 50 -> 30\n");  // the power cycle above
 
@@ -337,6 +351,7 @@ TEST(CommandLineTool, RestoreGivesADisplayThatIsStillStartingTheSecondsItIsTold)
 }
 
 TEST(CommandLineTool, TheDemoKeepsItsDisplaysValuesBetweenRuns) {
+    ScopeDisplayLocksToThisProcess();
     const std::string state = TempFile("vlr-demo-state-test.json");
     std::remove(state.c_str());
     CVirtualClock clock;

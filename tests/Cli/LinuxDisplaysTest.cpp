@@ -23,6 +23,7 @@
 #include "CVirtualHidDevice.h"
 #include "CVirtualI2CBus.h"
 #include "CommandLineTool.h"
+#include "DisplayLockScope.h"
 #include "DrmConnectors.h"
 #include "LinuxDisplays.h"
 #include "LogCapture.h"
@@ -34,6 +35,7 @@ namespace {
 
 class CFakeLinuxSystem : public ILinuxSystem {
 public:
+    CFakeLinuxSystem() { ScopeDisplayLocksToThisProcess(); }
     std::map<std::string, std::vector<std::string>> folders;
     std::map<std::string, ByteBuffer> files;
     std::map<std::string, std::string> links;

@@ -6,11 +6,13 @@
 #include <sstream>
 
 #include "CommandLineTool.h"
+#include "DisplayLockScope.h"
 #include "SimulatedMachine.h"
 #include "VirtualClock.h"
 #include "WinDisplays.h"
 
 TEST(WinDisplays, ListGetAndSetThroughTheWindowsDiscovery) {
+    ScopeDisplayLocksToThisProcess();
     CVirtualClock clock;
     CScopedClock scopedClock{clock};
     CSimulatedMachine machine(*VirtualMachine::Scenario("one-per-route"));

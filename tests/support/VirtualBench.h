@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "CDisplay.h"
 #include "CVirtualDisplay.h"
@@ -48,3 +49,14 @@ struct TVirtualBench {
 };
 
 using SVirtualBench = TVirtualBench<CDisplay>;
+
+// The VCP codes a virtual display was asked to set (Set VCP Feature requests), in order.
+inline std::vector<uint8_t> CodesWritten(const CVirtualDisplay& display_I) {
+    std::vector<uint8_t> codes;
+    for (const STransaction& t : display_I.Transactions()) {
+        if (t.request.size() > 4 && t.request[3] == 0x03) {
+            codes.push_back(t.request[4]);
+        }
+    }
+    return codes;
+}

@@ -494,14 +494,11 @@ void CTrayKeeper::Work() {
                 case SCommand::EKind::DesktopChanged: keeper.DesktopChanged(); break;
                 case SCommand::EKind::Foreground: keeper.ForegroundChanged(command.text); break;
                 case SCommand::EKind::Keeping: keeper.SetKeeping(command.on); break;
-                case SCommand::EKind::Apply: {
-                    const std::unique_ptr<CDisplayLock> every = HoldDisplayLock(kEveryDisplay, kEveryDisplayWait);
-                    desk.Notify(keeper.ApplyNow(command.text));
-                    break;
-                }
+                case SCommand::EKind::Apply:
                 case SCommand::EKind::KeepCurrent: {
                     const std::unique_ptr<CDisplayLock> every = HoldDisplayLock(kEveryDisplay, kEveryDisplayWait);
-                    desk.Notify(keeper.KeepCurrent(mFiles.profiles));
+                    desk.Notify(command.kind == SCommand::EKind::Apply ? keeper.ApplyNow(command.text)
+                                                                       : keeper.KeepCurrent(mFiles.profiles));
                     break;
                 }
                 case SCommand::EKind::Quit: return;

@@ -13,16 +13,6 @@ namespace {
 
 using SDelegateBench = TVirtualBench<UiDisplayDelegate>;
 
-// The VCP codes written (Set VCP Feature requests), in order.
-std::vector<uint8_t> CodesWritten(const CVirtualDisplay& display_I) {
-    std::vector<uint8_t> codes;
-    for (const STransaction& t : display_I.Transactions()) {
-        if (t.request.size() > 4 && t.request[3] == 0x03) {
-            codes.push_back(t.request[4]);
-        }
-    }
-    return codes;
-}
 
 std::set<std::string> NamesWith(const SProfileReport& report_I, EProfileOutcome outcome_I) {
     std::set<std::string> names;

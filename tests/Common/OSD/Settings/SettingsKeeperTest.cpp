@@ -10,6 +10,7 @@
 
 #include "CVirtualDisplayConnector.h"
 #include "SettingsKeeper.h"
+#include "VirtualBench.h"
 #include "VirtualClock.h"
 #include "VirtualDisplayPresets.h"
 
@@ -53,16 +54,6 @@ public:
     void Notify(const std::vector<SKeeperResult>& results) override { notified.push_back(results); }
 };
 
-// The VCP codes written, in order.
-std::vector<uint8_t> CodesWritten(const CVirtualDisplay& display) {
-    std::vector<uint8_t> codes;
-    for (const STransaction& t : display.Transactions()) {
-        if (t.request.size() > 4 && t.request[3] == 0x03) {
-            codes.push_back(t.request[4]);
-        }
-    }
-    return codes;
-}
 
 struct SKeeperBench {
     CVirtualClock clock;

@@ -16,6 +16,7 @@
 #include "KeeperProcess.h"
 #include "KeptProfiles.h"
 #include "ProgramDriver.h"
+#include "VirtualBench.h"
 #include "codes.h"
 
 namespace {
@@ -32,15 +33,6 @@ std::shared_ptr<CVirtualDisplay> DisplayOf(const CSimulatedMachine& machine, uin
     return nullptr;
 }
 
-std::vector<uint8_t> CodesWritten(const CVirtualDisplay& display) {
-    std::vector<uint8_t> codes;
-    for (const STransaction& t : display.Transactions()) {
-        if (t.request.size() > 4 && t.request[3] == 0x03) {
-            codes.push_back(t.request[4]);
-        }
-    }
-    return codes;
-}
 
 bool Read(const CVirtualDisplay& display, uint8_t code) {
     return display.CountRequests(0x01, code) != 0;
