@@ -1,5 +1,6 @@
 #include "WinDisplays.h"
 
+#include "DisplayLock.h"
 #include "WinStrings.h"
 
 namespace {
@@ -22,7 +23,12 @@ std::vector<SCliDisplay>& CWinDisplays::Displays() {
         return mDisplays;
     }
     mDiscovery = CWinDisplayConfigInterface::Create();
-    mDiscovery->Init();
+    {
+        // Not while the settings dialog searches or the keeper restores; after a while anyway.
+        const std::unique_ptr<CDisplayLock> everyDisplay =
+            HoldDisplayLock(kEveryDisplay, std::chrono::milliseconds(10000));
+        mDiscovery->Init();
+    }
     for (const SDisplayInfo& info : mDiscovery->DisplayInfos()) {
         auto display = std::dynamic_pointer_cast<UiDisplayDelegate>(info.display);
         if (!display) {
