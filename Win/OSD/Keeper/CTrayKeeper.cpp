@@ -290,9 +290,10 @@ void CTrayKeeper::AddIcon() {
     icon.uID = kIconId;
     icon.uFlags = NIF_ICON | NIF_TIP | NIF_MESSAGE;
     icon.uCallbackMessage = kTrayMessage;
+    // Shared: loaded once and freed by the system, however often the shell asks for the icon.
     icon.hIcon = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_APPLICATION_ICON),
                                                IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
-                                               GetSystemMetrics(SM_CYSMICON), 0));
+                                               GetSystemMetrics(SM_CYSMICON), LR_SHARED));
     lstrcpynW(icon.szTip, Text(kProductTitle, mLanguage).c_str(), ARRAYSIZE(icon.szTip));
     if (!Shell_NotifyIconW(NIM_ADD, &icon)) {
         DLog("Keeper: the notification area took no icon\n");
