@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <map>
 #include <mutex>
+#include <utility>
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -29,7 +30,14 @@ Outputs& TheOutputs() {
     return outputs;
 }
 
+// The lines of this thread that a CHeldLines holds back, if any.
+thread_local std::vector<CHeldLines::SLine>* tHeld = nullptr;
+
 void Emit(ELogLevel level_I, std::string_view text_I) {
+    if (tHeld != nullptr) {
+        tHeld->push_back({level_I, std::string(text_I)});
+        return;
+    }
     Outputs& out = TheOutputs();
     std::lock_guard<std::mutex> lock(out.mutex);
     if (!gPlatformMuted.load(std::memory_order_relaxed)) {
@@ -50,6 +58,32 @@ void Emit(ELogLevel level_I, std::string_view text_I) {
 }
 
 }  // namespace
+
+CHeldLines::CHeldLines() : mPrevious(tHeld) {
+    tHeld = &mLines;
+}
+
+CHeldLines::~CHeldLines() {
+    Release();
+}
+
+void CHeldLines::Release() {
+    if (mHolding) {
+        mHolding = false;
+        tHeld = mPrevious;
+    }
+}
+
+void CHeldLines::Emit(std::vector<SLine>& lines_I) {
+    for (const SLine& line : lines_I) {
+        DebugLog::Emit(line.level, line.text);
+    }
+    lines_I.clear();
+}
+
+std::vector<CHeldLines::SLine> CHeldLines::Take() {
+    return std::exchange(mLines, {});
+}
 
 void SetEnabled(bool on_I) {
     gEnabled.store(on_I);

@@ -9,6 +9,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ByteBuffer.h"
 
@@ -44,6 +45,32 @@ int AddSink(Sink sink_I);
 void RemoveSink(int id_I);
 
 void Write(ELogLevel level_I, const char* format_I, ...) VLR_PRINTF_FORMAT(2, 3);
+
+// Holds back the lines this thread writes while it lives, so that work done on a worker can
+// be written later at the place a one-after-another run would have written it. Emit writes
+// what was held back (and empties it); lines not emitted are dropped with the object.
+class CHeldLines {
+public:
+    CHeldLines();
+    ~CHeldLines();
+    CHeldLines(const CHeldLines&) = delete;
+    CHeldLines& operator=(const CHeldLines&) = delete;
+
+    struct SLine {
+        ELogLevel level;
+        std::string text;
+    };
+    // Stops holding on this thread; later lines are written at once.
+    void Release();
+    // Writes the held lines in order, on whatever thread calls it.
+    static void Emit(std::vector<SLine>& lines_I);
+    std::vector<SLine> Take();
+
+private:
+    std::vector<SLine> mLines;
+    std::vector<SLine>* mPrevious = nullptr;
+    bool mHolding = true;
+};
 
 // Title line, then the bytes as " %2.2X", sixteen to a line.
 void HexDump(ELogLevel level_I, const char* title_I, const uint8_t* data_I, size_t size_I);

@@ -26,4 +26,17 @@ uint16_t ProductCode(const ByteBuffer& edid_I) {
     return static_cast<uint16_t>(edid_I[10] | (edid_I[11] << 8));
 }
 
+std::string ManufacturerId(const ByteBuffer& edid_I) {
+    if (edid_I.size() < 10) {
+        return {};
+    }
+    const unsigned id = (edid_I[8] << 8) | edid_I[9];
+    std::string letters;
+    for (int shift : {10, 5, 0}) {
+        const unsigned letter = (id >> shift) & 0x1F;
+        letters += letter >= 1 && letter <= 26 ? static_cast<char>('A' + letter - 1) : '?';
+    }
+    return letters;
+}
+
 }  // namespace Edid

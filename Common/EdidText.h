@@ -20,4 +20,7 @@ std::string DescriptorText(const ByteBuffer& edid_I, uint8_t tag_I);
 // The product code at bytes 10-11 (little-endian); 0 for a buffer shorter than 12 bytes.
 uint16_t ProductCode(const ByteBuffer& edid_I);
 
+// The three-letter manufacturer id at bytes 8-9 ("VLR"); empty for a buffer too short.
+std::string ManufacturerId(const ByteBuffer& edid_I);
+
 }  // namespace Edid

@@ -52,16 +52,3 @@ std::vector<SDrmConnector> FindDrmConnectors(ILinuxSystem& system_I, const std::
     }
     return found;
 }
-
-std::string EdidManufacturer(const ByteBuffer& edid_I) {
-    if (edid_I.size() < 10) {
-        return {};
-    }
-    const unsigned id = (edid_I[8] << 8) | edid_I[9];
-    std::string letters;
-    for (int shift : {10, 5, 0}) {
-        const unsigned letter = (id >> shift) & 0x1F;
-        letters += letter >= 1 && letter <= 26 ? static_cast<char>('A' + letter - 1) : '?';
-    }
-    return letters;
-}

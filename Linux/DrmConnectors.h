@@ -18,5 +18,3 @@ struct SDrmConnector {
 std::vector<SDrmConnector> FindDrmConnectors(ILinuxSystem& system_I,
                                              const std::string& sysfsDrm_I = "/sys/class/drm");
 
-// The EDID's three-letter manufacturer id ("VLR"); empty for a buffer too short.
-std::string EdidManufacturer(const ByteBuffer& edid_I);

@@ -7,6 +7,17 @@
 #include "EdidText.h"
 #include "codes.h"
 
+const char* ConnectorTypeName(unsigned type_I) {
+    switch (type_I) {
+        case eConnectorDisplayPort: return "graphics driver";
+        case eConnectorHID: return "HID";
+        case eConnectorSerial: return "serial";
+        case eConnectorFTDI: return "FTDI";
+        case eConnectorTI: return "TI";
+        default: return "?";
+    }
+}
+
 Connector::~Connector() {
     mEDIDCache.clear();
 }

@@ -24,6 +24,10 @@ enum EConnectorType : unsigned {
     eConnectorHID = 4,
 };
 
+// The route's name as the interface and the tool show it: "graphics driver", "HID", "serial",
+// "FTDI", "TI"; "?" for anything else.
+const char* ConnectorTypeName(unsigned type_I);
+
 class Connector {
 public:
     Connector() = default;
@@ -47,6 +51,9 @@ public:
     virtual std::string CapabilitiesString() = 0;
     virtual std::string MonitorName();
     virtual std::string SerialNumber(int32_t sid_I);
+    // Reads the display's EDID now, unless it is held already, for MonitorName and SerialNumber
+    // of the display itself; true when there is one.
+    bool LoadEDID() { return FillEDIDCache(-1); }
     virtual SFirmwareVersion FWVersion() = 0;
     // sid_I selects a sub-display where a transport has several; -1 is the display itself.
     virtual ByteBuffer ReadEDID(int32_t sid_I) = 0;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "EdidText.h"
+
 #include <fcntl.h>
 #include <linux/hidraw.h>
 #include <linux/i2c-dev.h>
@@ -196,9 +198,9 @@ TEST(LinuxDisplays, DrmConnectorsGiveTheirEdidAndDdcBus) {
     EXPECT_EQ(found[1].name, "card0-DP-3");
     EXPECT_EQ(found[1].i2cDevice, "/dev/i2c-9");
     EXPECT_EQ(found[2].name, "card0-HDMI-A-1");
-    EXPECT_EQ(EdidManufacturer(found[0].edid), "VLR");
-    EXPECT_EQ(EdidManufacturer(found[2].edid), "DEL");
-    EXPECT_EQ(EdidManufacturer(ByteBuffer(9, 0)), "");
+    EXPECT_EQ(Edid::ManufacturerId(found[0].edid), "VLR");
+    EXPECT_EQ(Edid::ManufacturerId(found[2].edid), "DEL");
+    EXPECT_EQ(Edid::ManufacturerId(ByteBuffer(9, 0)), "");
     EXPECT_TRUE(log.Contains("FindDrmConnectors: card0-DP-2 has a truncated EDID (100 bytes); skipped\n"));
 }
 
