@@ -1,6 +1,7 @@
 #include "CDisplay.h"
 
 #include <cstdio>
+#include <optional>
 
 #include "Assert.h"
 #include "Clock.h"
@@ -45,28 +46,61 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
     if (mCodeInfo.empty()) {
         mCodeInfo = BuildCodeInfoTable(mTraits.codeVariants);
     }
-
-    std::string capsStr = capsStr_I;
+    if (!capsStr_I.empty()) {
+        return InitializeFrom(capsStr_I, fail);
+    }
+    VLR_ASSERT(mConnector);
+    if (!mConnector) {
+        return false;
+    }
+    const auto exclusive = mConnector->Exclusive();
+    const bool caching = mCapabilitiesCache && mIdentity.IsComplete();
+    if (caching) {
+        // The firmware first: a cached string is only as good as the firmware it came from.
+        mFirmwareVersion = mConnector->FWVersion();
+        if (std::optional<CCapabilitiesCache::SEntry> cached = mCapabilitiesCache->Find(mIdentity, mFirmwareVersion)) {
+            DLog("CDisplay::Initialize: capabilities of %s from the cache\n", mIdentity.serial.c_str());
+            const std::string nameBefore = mMonitorName;
+            if (mMonitorName.empty()) {
+                mMonitorName = cached->monitorName;
+            }
+            if (InitializeFrom(cached->capabilities, fail)) {
+                mCapabilitiesFromCache = true;
+                return true;
+            }
+            DLog("CDisplay::Initialize: the cached capabilities do not make a display; reading them\n");
+            mCapabilitiesCache->Forget(mIdentity);
+            mMonitorName = nameBefore;
+            ClearData();
+        }
+    }
+    mCapabilitiesFromCache = false;
+    if (mMonitorName.empty()) {
+        CScopedTimer nameTimer("CDisplay::Initialize", " MonitorName");
+        mMonitorName = mConnector->MonitorName();
+    }
+    const std::string connectorsName = mMonitorName;
+    std::string capsStr;
+    {
+        CScopedTimer capsTimer("CDisplay::Initialize", " CapabilitiesString");
+        capsStr = mConnector->CapabilitiesString();
+    }
     if (capsStr.empty()) {
-        VLR_ASSERT(mConnector);
-        if (!mConnector) {
-            return false;
-        }
-        const auto exclusive = mConnector->Exclusive();
-        if (mMonitorName.empty()) {
-            CScopedTimer nameTimer("CDisplay::Initialize", " MonitorName");
-            mMonitorName = mConnector->MonitorName();
-        }
-        {
-            CScopedTimer capsTimer("CDisplay::Initialize", " CapabilitiesString");
-            capsStr = mConnector->CapabilitiesString();
-        }
-        if (capsStr.empty()) {
-            return false;
-        }
+        return false;
+    }
+    if (!caching) {
         mFirmwareVersion = mConnector->FWVersion();
     }
+    if (!InitializeFrom(capsStr, fail)) {
+        return false;
+    }
+    if (caching) {
+        mCapabilitiesCache->Store(mIdentity, mFirmwareVersion, {capsStr, connectorsName});
+    }
+    return true;
+}
 
+bool CDisplay::InitializeFrom(const std::string& capsStr, bool (*fail)(const char*)) {
     DLog("caps: %s\n", capsStr.c_str());
     mCapabilities = ParseCapabilitiesString(capsStr);
 
@@ -138,6 +172,14 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
         return fail("CreateCommandsVector failed");
     }
     return true;
+}
+
+const SFirmwareVersion& CDisplay::ReadFirmwareVersion() {
+    if (mFirmwareVersion.IsZero() && mConnector) {
+        const auto exclusive = mConnector->Exclusive();
+        mFirmwareVersion = mConnector->FWVersion();
+    }
+    return mFirmwareVersion;
 }
 
 void CDisplay::ApplyModelCorrections() {

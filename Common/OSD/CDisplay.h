@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "CVCPOption.h"
+#include "CapabilitiesCache.h"
 #include "CapabilitiesParser.h"
 #include "CodeInfo.h"
 #include "Connector.h"
@@ -45,8 +46,18 @@ public:
     CDisplay& operator=(const CDisplay&) = delete;
 
     // Reads name and capabilities from the connector, or uses capsStr_I when it is not empty
-    // (the connector is then asked for nothing). False when the display cannot be used.
+    // (the connector is then asked for nothing). False when the display cannot be used. With a
+    // capabilities cache and a complete identity the firmware version is read first, and the
+    // cache's string for this display and firmware stands in for the read.
     bool Initialize(const std::string& capsStr_I = std::string());
+    // Where Initialize may find the capabilities, and who this display is (from discovery).
+    void UseCapabilitiesCache(std::shared_ptr<CCapabilitiesCache> cache_I, SDisplayIdentity identity_I) {
+        mCapabilitiesCache = std::move(cache_I);
+        mIdentity = std::move(identity_I);
+    }
+    const SDisplayIdentity& Identity() const { return mIdentity; }
+    // Whether the last Initialize took its capabilities from the cache.
+    bool CapabilitiesFromCache() const { return mCapabilitiesFromCache; }
 
     // Makes the display keep every changed setting; true without a connector.
     virtual bool Save();
@@ -95,6 +106,8 @@ public:
     const std::string& DisplayType() const { return mType; }
     const SMCCSVersion& MCCSVersion() const { return mMCCSVersion; }
     const SFirmwareVersion& FirmwareVersion() const { return mFirmwareVersion; }
+    // The firmware version, asked of the display unless already known; zero when it does not say.
+    const SFirmwareVersion& ReadFirmwareVersion();
     const VCPOptionsMap& Options() const { return mVCPOptionsMap; }
     VCPOptionPtr Option(uint32_t vcpCode_I) const;
     bool HasOption(uint32_t vcpCode_I) const { return Option(vcpCode_I) != nullptr; }
@@ -106,6 +119,9 @@ protected:
     // Revert names an assertion that a first failure reports. True when the option ends
     // without an error.
     bool WriteWithRetry(const VCPOptionPtr& option_I, const char* firstFailureAssert_I = nullptr);
+    // Parses the capabilities and builds the option map and commands; fail_I writes a
+    // failure's line (Initialize's own) and returns false.
+    bool InitializeFrom(const std::string& capsStr, bool (*fail_I)(const char*));
     // The per-model corrections of the option map.
     void ApplyModelCorrections();
     void NoteFailure(const VCPOptionPtr& option_I);
@@ -128,4 +144,7 @@ protected:
     SFirmwareVersion mFirmwareVersion;
     std::string mLastFailure;
     bool mAllowRawColorValues = false;
+    std::shared_ptr<CCapabilitiesCache> mCapabilitiesCache;
+    SDisplayIdentity mIdentity;
+    bool mCapabilitiesFromCache = false;
 };
