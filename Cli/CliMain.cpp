@@ -15,9 +15,9 @@ int main(int argc, char** argv) {
     if (demo) {
         CDemoDisplays displays(CDemoDisplays::DefaultStateFile());
         return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(true),
-                                  DefaultKeptFile(true));
+                                  DefaultKeptFile(true), CCapabilitiesCache::DefaultFile(true));
     }
     CLinuxDisplays displays(RealLinuxSystem());
     return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(false),
-                              DefaultKeptFile(false));
+                              DefaultKeptFile(false), CCapabilitiesCache::DefaultFile(false));
 }

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "Clock.h"
+#include "ParallelWork.h"
 #include "DemoDisplays.h"
 #include "DisplayLock.h"
 #include "DisplayNames.h"
@@ -25,12 +26,17 @@ using nlohmann::json;
 class CTool {
 public:
     CTool(IDisplaySource& source_I, std::ostream& out_I, std::ostream& err_I, std::string changesFile_I,
-          std::string keptFile_I)
+          std::string keptFile_I, std::string cacheFile_I)
         : mSource(source_I),
           mOut(out_I),
           mErr(err_I),
           mChangesFile(std::move(changesFile_I)),
-          mKeptFile(std::move(keptFile_I)) {}
+          mKeptFile(std::move(keptFile_I)),
+          mCacheFile(std::move(cacheFile_I)) {}
+
+    // --serial-init and --no-cache, set while the command line is read.
+    bool mSerialInit = false;
+    bool mNoCache = false;
 
     int List(bool json_I);
 
@@ -96,11 +102,17 @@ private:
     void Remember(const SCliDisplay& display_I, uint8_t code_I);
     void Forget(const SCliDisplay& display_I);
 
+    // The displays found, the search going as the command line asked.
+    std::vector<SCliDisplay>& Displays();
+
     IDisplaySource& mSource;
+    bool mSourceSet = false;
+    std::shared_ptr<CCapabilitiesCache> mCache;
     std::ostream& mOut;
     std::ostream& mErr;
     std::string mChangesFile;
     std::string mKeptFile;
+    std::string mCacheFile;
     // The lock of the display the command talks to; a keeper's restore round takes a second or two.
     static constexpr std::chrono::milliseconds kLockWait{3000};
     std::unique_ptr<CDisplayLock> mHeld;
@@ -152,15 +164,27 @@ void CTool::Forget(const SCliDisplay& display_I) {
     }
 }
 
+std::vector<SCliDisplay>& CTool::Displays() {
+    if (!mSourceSet) {
+        mSourceSet = true;
+        if (!mNoCache && !mCacheFile.empty()) {
+            mCache = std::make_shared<CCapabilitiesCache>(mCacheFile);
+        }
+        mSource.SetSearchOptions({!mSerialInit, mCache});
+    }
+    return mSource.Displays();
+}
+
 bool CTool::Ready(SCliDisplay& display_I) {
     if (!display_I.ready) {
+        display_I.display->UseCapabilitiesCache(mCache, display_I.identity);
         display_I.ready = display_I.display->Initialize();
     }
     return display_I.ready;
 }
 
 SCliDisplay* CTool::FindListed(const std::string& display_I, int& exitCode_O) {
-    std::vector<SCliDisplay>& displays = mSource.Displays();
+    std::vector<SCliDisplay>& displays = Displays();
     for (size_t i = 0; i < displays.size(); ++i) {
         if (display_I == std::to_string(i) || display_I == displays[i].serial) {
             return &displays[i];
@@ -202,10 +226,13 @@ std::optional<STarget> CTool::Target(UiDisplayDelegate& display_I, const std::st
     if (std::optional<ESetting> setting = SettingByName(name_I)) {
         target.setting = setting;
         target.code = display_I.Traits().SettingCode(*setting);
+        const VCPOptionPtr option = target.code != 0 ? display_I.Option(target.code) : nullptr;
+        const bool unread = option && !option->HasOriginal();
         if (target.code == 0 || !display_I.GetSetting(*setting).supported) {
             mErr << name_I << ": this display has no such setting\n";
             return std::nullopt;
         }
+        target.justRead = unread && option->HasOriginal() && !option->HasError();
         return target;
     }
     if (std::optional<uint8_t> code = ParseVcpCode(name_I)) {
@@ -225,8 +252,9 @@ json CTool::ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, boo
     value["name"] = target_I.setting ? SettingName(*target_I.setting) : CodeLabel(display_I, target_I.code);
     value["code"] = target_I.code;
     if (target_I.setting) {
-        // Through the delegate, as the dialogs read it (per-family codes and value lists).
-        display_I.GetVCPValue(target_I.code, true);
+        // Through the delegate, as the dialogs read it (per-family codes and value lists); a
+        // value read a moment ago is not asked for again.
+        display_I.GetVCPValue(target_I.code, !target_I.justRead);
         const SSettingState state = display_I.GetSetting(*target_I.setting);
         ok_O = state.valid;
         value["value"] = state.value;
@@ -264,21 +292,33 @@ int CTool::Failed(UiDisplayDelegate& display_I, const std::string& what_I) {
 }
 
 int CTool::List(bool json_I) {
+    std::vector<SCliDisplay>& displays = Displays();
+    // Only the firmware version is read, of every display at once; a display that does not
+    // report one is initialised, as its capabilities may name the code that holds it.
+    std::vector<std::string> firmware(displays.size());
+    RunForEach(displays.size(), !mSerialInit, [&](size_t index_I) {
+        SCliDisplay& display = displays[index_I];
+        if (!display.ready && !display.display->ReadFirmwareVersion().IsZero()) {
+            firmware[index_I] = display.display->FirmwareVersion().ToString();
+        } else {
+            firmware[index_I] = Ready(display) ? display.display->FirmwareVersionText() : "";
+        }
+    });
     json all = json::array();
-    for (size_t i = 0; i < mSource.Displays().size(); ++i) {
-        SCliDisplay& display = mSource.Displays()[i];
-        const std::string firmware =
-            Ready(display) ? display.display->FirmwareVersionText() : "(not answering)";
+    for (size_t i = 0; i < displays.size(); ++i) {
+        SCliDisplay& display = displays[i];
+        const bool answering = !firmware[i].empty() || display.ready;
+        const std::string shown = answering ? firmware[i] : "(not answering)";
         json entry = {{"index", i},
                       {"model", display.model},
                       {"serial", display.serial},
                       {"route", display.route},
-                      {"firmware", firmware},
-                      {"answering", display.ready}};
+                      {"firmware", shown},
+                      {"answering", answering}};
         all.push_back(entry);
         if (!json_I) {
             mOut << i << "  " << display.model << "  serial " << display.serial << "  via " << display.route
-                 << "  firmware " << firmware << "\n";
+                 << "  firmware " << shown << "\n";
         }
     }
     PrintNotes();
@@ -718,7 +758,7 @@ int CTool::Restore(const std::string& display_I, bool json_I, int waitSeconds_I)
         }
         chosen.push_back(found);
     } else {
-        for (SCliDisplay& display : mSource.Displays()) {
+        for (SCliDisplay& display : Displays()) {
             if (kept.Of(display.model, display.serial)) {
                 chosen.push_back(&display);
             }
@@ -781,8 +821,9 @@ int CTool::Restore(const std::string& display_I, bool json_I, int waitSeconds_I)
 }  // namespace
 
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
-                       std::ostream& err_O, const std::string& changesFile_I, const std::string& keptFile_I) {
-    CTool tool(source_I, out_O, err_O, changesFile_I, keptFile_I);
+                       std::ostream& err_O, const std::string& changesFile_I, const std::string& keptFile_I,
+                       const std::string& cacheFile_I) {
+    CTool tool(source_I, out_O, err_O, changesFile_I, keptFile_I, cacheFile_I);
     CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays",
                  "velor-display"};
     app.require_subcommand(1);
@@ -791,6 +832,9 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     bool demo = false;
     app.add_flag("--json", json, "Print what is read as JSON");
     app.add_flag("--demo", demo, "Use the virtual displays of the demo");
+    app.add_flag("--serial-init", tool.mSerialInit,
+                 "Initialise the displays one after another (for drivers that dislike concurrent DDC/CI)");
+    app.add_flag("--no-cache", tool.mNoCache, "Read every capabilities string from the display, none from the cache");
     std::string display;
     std::vector<std::string> names;
     bool save = false;

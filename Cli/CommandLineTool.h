@@ -17,10 +17,11 @@ constexpr int kDrifted = 4;  // check: the display differs from the profile
 }  // namespace CliExit
 
 // args_I without the program name. changesFile_I keeps the unsaved changes between runs, for
-// revert (empty: not kept); keptFile_I the profiles displays keep, for keep and restore.
+// revert (empty: not kept); keptFile_I the profiles displays keep, for keep and restore;
+// cacheFile_I the capabilities strings of the displays seen (empty: none are kept).
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
                        std::ostream& err_O, const std::string& changesFile_I = {},
-                       const std::string& keptFile_I = {});
+                       const std::string& keptFile_I = {}, const std::string& cacheFile_I = {});
 // Where the program keeps the changes: "changes.json" in its state folder (the demo's
 // "demo-changes.json"); the kept profiles' file is DefaultKeptFile's.
 std::string DefaultChangesFile(bool demo_I);

@@ -10,6 +10,7 @@
 
 #include "CVirtualDisplayConnector.h"
 #include "DebugLog.h"
+#include "EdidText.h"
 #include "VirtualMachine.h"
 
 namespace {
@@ -71,8 +72,11 @@ std::vector<SCliDisplay>& CDemoDisplays::Displays() {
         auto connector = std::make_shared<CVirtualDisplayConnector>(entry.display, entry.connectorType);
         connector->Open(0);
         auto display = std::make_shared<UiDisplayDelegate>(connector, entry.display->Model().edidProductCode);
-        mDisplays.push_back(
-            {entry.display->Model().monitorName, entry.display->Model().serialText, entry.route, display});
+        const ByteBuffer& edid = entry.display->Edid();
+        mDisplays.push_back({entry.display->Model().monitorName, entry.display->Model().serialText, entry.route,
+                             display, false,
+                             {Edid::ManufacturerId(edid), Edid::ProductCode(edid),
+                              Edid::DescriptorText(edid, Edid::kTagSerialNumber), entry.route}});
     }
     return mDisplays;
 }

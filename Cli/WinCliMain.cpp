@@ -26,7 +26,7 @@ int main(int argc, char** argv) {
         CWinDisplays displays;
         result =
             RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(demo != nullptr),
-                               DefaultKeptFile(demo != nullptr));
+                               DefaultKeptFile(demo != nullptr), CCapabilitiesCache::DefaultFile(demo != nullptr));
     }
     return result;
 }

@@ -3,26 +3,13 @@
 #include "DisplayLock.h"
 #include "WinStrings.h"
 
-namespace {
-
-const char* RouteName(unsigned type_I) {
-    switch (type_I) {
-        case eConnectorDisplayPort: return "graphics driver";
-        case eConnectorHID: return "HID";
-        case eConnectorSerial: return "serial";
-        case eConnectorFTDI: return "FTDI";
-        case eConnectorTI: return "TI";
-        default: return "?";
-    }
-}
-
-}  // namespace
-
 std::vector<SCliDisplay>& CWinDisplays::Displays() {
     if (mDiscovery) {
         return mDisplays;
     }
     mDiscovery = CWinDisplayConfigInterface::Create();
+    mDiscovery->SetInitializeAtOnce(mSearchOptions.atOnce);
+    mDiscovery->SetCapabilitiesCache(mSearchOptions.cache);
     {
         // Not while the settings dialog searches or the keeper restores; after a while anyway.
         const std::unique_ptr<CDisplayLock> everyDisplay =
@@ -36,7 +23,7 @@ std::vector<SCliDisplay>& CWinDisplays::Displays() {
         }
         // Discovery has initialised it.
         mDisplays.push_back({Narrow(info.ModelName()), Narrow(info.serialNumber),
-                             RouteName(display->GetConnector()->GetType()), display, true});
+                             ConnectorTypeName(display->GetConnector()->GetType()), display, true, display->Identity()});
     }
     return mDisplays;
 }

@@ -64,7 +64,7 @@ std::vector<SLinuxDisplay> CLinuxDisplayDiscovery::Find() {
     }
 
     for (const SDrmConnector& drm : FindDrmConnectors(mSystem, mSysfsDrm)) {
-        if (EdidManufacturer(drm.edid) != "VLR") {
+        if (Edid::ManufacturerId(drm.edid) != "VLR") {
             continue;  // another maker's monitor
         }
         const uint16_t productCode = Edid::ProductCode(drm.edid);
@@ -118,7 +118,9 @@ std::vector<SLinuxDisplay> CLinuxDisplayDiscovery::Find() {
         }
         auto display = std::make_shared<UiDisplayDelegate>(connector, productCode);
         const std::string name = Edid::DescriptorText(drm.edid, 0xFC);
-        displays.push_back({name.empty() ? drm.name : name, serial, route, display});
+        displays.push_back({name.empty() ? drm.name : name, serial, route, display,
+                            {Edid::ManufacturerId(drm.edid), productCode, serial,
+                             ConnectorTypeName(connector->GetType())}});
     }
     return displays;
 }

@@ -16,6 +16,7 @@ struct SLinuxDisplay {
     std::string serial;  // the EDID's serial number
     std::string route;   // the device node it is reached by
     std::shared_ptr<UiDisplayDelegate> display;
+    SDisplayIdentity identity;  // what its capabilities are cached under
 };
 
 class CLinuxDisplayDiscovery {

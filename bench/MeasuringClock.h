@@ -1,7 +1,9 @@
 #pragma once
 // A real clock that also adds up the pauses it was asked for, so a benchmark can set the
-// wall time of a run against the waits the protocol itself needs.
+// wall time of a run against the waits the protocol itself needs. Pauses of several threads
+// (displays initialised at the same time) add up.
 
+#include <atomic>
 #include <chrono>
 
 #include "Clock.h"
@@ -9,14 +11,14 @@
 class CMeasuringClock final : public IClock {
 public:
     void Pause(std::chrono::microseconds duration_I) override {
-        mRequested += duration_I;
+        mRequested += duration_I.count();
         mReal.Pause(duration_I);
     }
     std::chrono::microseconds Now() const override { return mReal.Now(); }
-    std::chrono::microseconds Requested() const { return mRequested; }
-    void Reset() { mRequested = std::chrono::microseconds{0}; }
+    std::chrono::microseconds Requested() const { return std::chrono::microseconds(mRequested.load()); }
+    void Reset() { mRequested = 0; }
 
 private:
     CRealClock mReal;
-    std::chrono::microseconds mRequested{0};
+    std::atomic<long long> mRequested{0};
 };

@@ -437,3 +437,66 @@ TEST(CommandLineTool, EverySettingsRowIsANameScriptsCanWriteBothWays) {
     EXPECT_EQ(SettingByName("Color-Temperature"), std::optional<ESetting>(ESetting::ColorTemperature));
     EXPECT_EQ(SettingByName("colour"), std::nullopt);
 }
+
+TEST(CommandLineTool, AFreshRunReadsOnlyWhatTheCommandNeedsAndTakesCapabilitiesFromTheCache) {
+    const std::string cacheFile = TempFile("vlr-cli-capabilities.json");
+    std::filesystem::remove(cacheFile);
+    auto capabilitiesReads = [](const CVirtualDisplay& display) {
+        size_t reads = 0;
+        for (const STransaction& t : display.Transactions()) {
+            reads += t.request.size() > 3 && t.request[3] == 0xF3 ? 1 : 0;
+        }
+        return reads;
+    };
+    // Each run a fresh process: displays found afresh, the cache file kept.
+    auto run = [&](std::vector<std::string> args, std::vector<size_t>* capsReads = nullptr,
+                   std::vector<size_t>* transactions = nullptr) {
+        SToolBench bench;
+        std::ostringstream out;
+        std::ostringstream err;
+        SRun result;
+        result.code = RunCommandLineTool(args, bench.displays, out, err, {}, {}, cacheFile);
+        result.out = out.str();
+        result.err = err.str();
+        for (size_t i = 0; i < bench.displays.Displays().size(); ++i) {
+            if (capsReads) {
+                capsReads->push_back(capabilitiesReads(*bench.Virtual(i)));
+            }
+            if (transactions) {
+                transactions->push_back(bench.Virtual(i)->Transactions().size());
+            }
+        }
+        return result;
+    };
+
+    // list asks each display for its firmware version and nothing else.
+    std::vector<size_t> caps;
+    std::vector<size_t> transactions;
+    SRun listed = run({"list"}, &caps, &transactions);
+    EXPECT_EQ(listed.code, CliExit::kDone);
+    EXPECT_EQ(caps, (std::vector<size_t>{0, 0, 0, 0}));
+    EXPECT_EQ(transactions, (std::vector<size_t>{1, 1, 1, 1}));
+    EXPECT_EQ(run({"list", "--serial-init"}).out, listed.out);
+
+    // The first get reads display 0's capabilities; the next run takes them from the cache and
+    // reads the firmware version and the one value.
+    caps.clear();
+    transactions.clear();
+    const SRun first = run({"get", "0", "brightness"}, &caps, &transactions);
+    ASSERT_EQ(first.code, CliExit::kDone) << first.err;
+    EXPECT_GT(caps[0], 0u);
+    EXPECT_EQ(std::vector<size_t>(transactions.begin() + 1, transactions.end()), (std::vector<size_t>{0, 0, 0}))
+        << "only the display named is initialised";
+    caps.clear();
+    transactions.clear();
+    const SRun second = run({"get", "0", "brightness"}, &caps, &transactions);
+    EXPECT_EQ(second.code, CliExit::kDone);
+    EXPECT_EQ(second.out, first.out);
+    EXPECT_EQ(caps[0], 0u);
+    EXPECT_EQ(transactions, (std::vector<size_t>{2, 0, 0, 0})) << "the firmware version and brightness";
+
+    caps.clear();
+    EXPECT_EQ(run({"get", "0", "brightness", "--no-cache"}, &caps).out, first.out);
+    EXPECT_GT(caps[0], 0u);
+    std::filesystem::remove(cacheFile);
+}

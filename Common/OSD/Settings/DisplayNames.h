@@ -37,6 +37,7 @@ struct STarget {
     std::optional<ESetting> setting;
     uint8_t code = 0;
     std::string text;  // as written
+    bool justRead = false;  // its value was read from the display while it was looked up
 };
 
 // The values a command can give what it names, with their names: a setting's choices as the
