@@ -267,4 +267,19 @@ std::optional<SVirtualMachine> Scenario(const std::string& name_I) {
     return std::nullopt;
 }
 
+SVirtualMachine OnePerRouteAlone(size_t route_I) {
+    SVirtualMachine machine = OnePerRoute();
+    machine.monitors = {machine.monitors.at(route_I)};
+    if (route_I != 0) {
+        machine.hidInterfaces.clear();
+    }
+    if (route_I != 2) {
+        machine.comPorts.clear();
+    }
+    if (route_I != 3) {
+        machine.ftdiBridges.clear();
+    }
+    return machine;
+}
+
 }  // namespace VirtualMachine

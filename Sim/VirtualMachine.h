@@ -103,5 +103,8 @@ SVirtualComPort FtdiPort(const std::string& portName_I, std::shared_ptr<CVirtual
 // The scenarios by name, with a line each on what they show.
 std::vector<std::pair<std::string, std::string>> ScenarioList();
 std::optional<SVirtualMachine> Scenario(const std::string& name_I);
+// "one-per-route" with only the display of one route (0 HID, 1 the graphics driver, 2 the
+// serial port, 3 the FTDI bridge): its monitor and its channel.
+SVirtualMachine OnePerRouteAlone(size_t route_I);
 
 }  // namespace VirtualMachine

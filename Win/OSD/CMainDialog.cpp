@@ -168,6 +168,15 @@ DWORD WINAPI CMainDialog::DisplayConfigThread(LPVOID pClass_I) {
         discovery->SetMatchByModel(self->mOptions.skipSerialMatch);
         discovery->SetStopOnDisplayPortError(self->mOptions.exitOnError);
         discovery->SetInterfaceLanguage(self->mLanguage);
+        discovery->SetInitializeAtOnce(!self->mOptions.serialInit);
+        if (!self->mOptions.noCache) {
+            discovery->SetCapabilitiesCache(std::make_shared<CCapabilitiesCache>(
+                CCapabilitiesCache::DefaultFile(!self->mOptions.demoScenario.empty())));
+        }
+        discovery->SetProgressCallback([self](size_t ready_I, size_t found_I) {
+            self->mSearchFound = found_I;
+            self->mSearchReady = ready_I;
+        });
         discovery->Init();
         if (!discovery->ErrorText().empty()) {
             self->mErrorText = WithErrorAdvice(Widen(discovery->ErrorText()));
@@ -240,6 +249,9 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
     if (mSearching) {
         mHeldDisplay.reset();  // the search holds every display
     }
+    mSearchReady = 0;
+    mSearchFound = 0;
+    mShownReady = 0;
     mThread.Start(first_I, firstName_I, this);
     SetTimer(m_hWnd, kPollTimer, kPollPeriodMs, nullptr);
     mWaitWindow = MessageWindows::CreateWaitWindow(m_hWnd, mLanguage);
@@ -266,6 +278,7 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
             TranslateMessage(&message);
             DispatchMessageW(&message);
         }
+        ShowSearchProgress();
     }
     if (mWaitWindow != nullptr) {
         ::DestroyWindow(mWaitWindow);
@@ -287,6 +300,15 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
         PostMessageW(m_hWnd, kSearchAgainMessage, 0, 0);
     }
     return true;
+}
+
+void CMainDialog::ShowSearchProgress() {
+    const size_t ready = mSearchReady;
+    if (mWaitWindow == nullptr || ready == mShownReady) {
+        return;
+    }
+    mShownReady = ready;
+    MessageWindows::ShowWaitProgress(mWaitWindow, mLanguage, ready, mSearchFound);
 }
 
 // ---- Start ----
@@ -341,6 +363,7 @@ LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
             TranslateMessage(&message);
             DispatchMessageW(&message);
         }
+        ShowSearchProgress();
     }
     KillTimer(m_hWnd, kPollTimer);
     if (mWaitWindow != nullptr) {

@@ -198,6 +198,12 @@ private:
     // Searches still to come for a display that did not answer after a change on the desk
     // (counted down by the search thread too).
     std::atomic<unsigned> mLookAgainLeft{0};
+    // How far the search under way has come, for the wait window.
+    std::atomic<size_t> mSearchReady{0};
+    std::atomic<size_t> mSearchFound{0};
+    size_t mShownReady = 0;
+    // Writes that progress into the wait window when it changed.
+    void ShowSearchProgress();
     bool mIgnorePowerWarning = false;
     std::optional<SWindowPosition> mRememberedPosition;
     RECT mWindowRect{};

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 #include "Assert.h"
 #include "CEdidBuilder.h"
@@ -122,6 +123,25 @@ void CWinDisplayConfigInterface::Clear() {
     mDisplayInfos.clear();
     mConnectorList.clear();
     mErrorText.clear();
+    ForgetAhead();
+}
+
+void CWinDisplayConfigInterface::ForgetAhead() {
+    // A display port opened ahead for a record the search served otherwise is let go.
+    for (auto& entry : mAheadDisplayPort) {
+        if (entry.second.connector) {
+            entry.second.connector->Close();
+        }
+    }
+    mAheadDisplayPort.clear();
+    mAhead.clear();
+    mAheadClaimed.clear();
+    mAheadSerialLines.clear();
+    mAheadPortSearchLines.clear();
+    mAheadPorts.clear();
+    mAheadPortSerials.clear();
+    mPortsSearchedAhead = false;
+    mReady = 0;
 }
 
 bool CWinDisplayConfigInterface::Init() {
@@ -147,6 +167,9 @@ bool CWinDisplayConfigInterface::Init() {
 
     DLog("CWinDisplayConfigInterface::Init - looking for Vcp HID devices...\n");
     FindVcpHIDDevices();
+    if (mInitializeAtOnce && mDisplayInfos.size() > 1) {
+        InitializeAhead();
+    }
 
     bool portsSearched = false;
     for (size_t index = 0; index < mDisplayInfos.size();) {
@@ -163,6 +186,7 @@ bool CWinDisplayConfigInterface::Init() {
                 mErrorText =
                     Discovery::DisplayPortErrorText(info.productCode, Narrow(info.supportedName), error);
                 ReleaseUnusedConnectors();
+                ForgetAhead();
                 return false;
             }
         }
@@ -175,9 +199,13 @@ bool CWinDisplayConfigInterface::Init() {
             mDisplayInfos.erase(mDisplayInfos.begin() + static_cast<std::ptrdiff_t>(index));
             continue;  // the next record moved into this place
         }
+        if (!mInitializeAtOnce || mAhead.empty()) {
+            NoteReady();
+        }
         ++index;
     }
     ReleaseUnusedConnectors();
+    ForgetAhead();
     mErrorText.clear();
     return !mDisplayInfos.empty();
 }
@@ -213,26 +241,40 @@ void CWinDisplayConfigInterface::ServeByHid(SDisplayInfo& info_I) {
     const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
         mConnectorList.size(),
         [&](size_t i_I) { return mConnectorList[i_I]->GetType() == eConnectorHID && !IsTaken(mConnectorList[i_I]); },
-        [&](size_t i_I) { return mConnectorList[i_I]->SerialNumber(-1); }, serial, byModel);
+        [&](size_t i_I) {
+            EmitAheadSerialLines(*mConnectorList[i_I]);
+            return mConnectorList[i_I]->SerialNumber(-1);
+        },
+        serial, byModel);
     if (chosen) {
-        info_I.display = CreateDisplay(info_I.productCode, info_I.monitorName, info_I.supportedName,
-                                       mConnectorList[*chosen]);
+        info_I.display = CreateDisplay(info_I, mConnectorList[*chosen]);
     }
 }
 
 bool CWinDisplayConfigInterface::ServeByDisplayPort(SDisplayInfo& info_I, bool& failed_O,
                                                     std::string& error_O) {
     DLog("CWinDisplayConfigInterface::Init: - trying to create a DP supported tablet...\n");
-    auto connector = std::make_shared<CWinI2CConnectorDP>();
     info_I.owner = mRecordOwner;
     if (info_I.monitor == nullptr) {
         // The monitor may have been attached after the enumeration; look once more.
         const auto index = static_cast<int>(&info_I - mDisplayInfos.data());
         MatchMonitorHandle(index);
     }
+    std::shared_ptr<CWinI2CConnectorDP> connector;
+    bool opened = false;
+    if (auto ahead = mAheadDisplayPort.find(info_I.deviceID);
+        ahead != mAheadDisplayPort.end() && ahead->second.monitor == info_I.monitor) {
+        connector = ahead->second.connector;
+        opened = ahead->second.opened;
+        DebugLog::CHeldLines::Emit(ahead->second.lines);
+        mAheadDisplayPort.erase(ahead);
+    } else {
+        connector = std::make_shared<CWinI2CConnectorDP>();
+        opened = connector->Open(info_I);
+    }
     std::shared_ptr<CDisplay> display;
-    if (connector->Open(info_I)) {
-        display = CreateDisplay(info_I.productCode, info_I.monitorName, info_I.supportedName, connector);
+    if (opened) {
+        display = CreateDisplay(info_I, connector);
     }
     if (display) {
         info_I.display = display;
@@ -250,7 +292,11 @@ void CWinDisplayConfigInterface::ServeByLegacyPairing(SDisplayInfo& info_I, bool
     DLog("CWinDisplayConfigInterface::Init: - Process non-DP supported tablets...\n");
     if (!portsSearched_IO) {
         portsSearched_IO = true;
-        FindSerialPorts();
+        if (mPortsSearchedAhead) {
+            DebugLog::CHeldLines::Emit(mAheadPortSearchLines);
+        } else {
+            FindSerialPorts();
+        }
         DLog("CWinDisplayConfigInterface::Init - mConnectorList has %d items\n",
              static_cast<int>(mConnectorList.size()));
     }
@@ -267,6 +313,7 @@ void CWinDisplayConfigInterface::ServeByLegacyPairing(SDisplayInfo& info_I, bool
         if (IsTaken(connector)) {
             continue;
         }
+        EmitAheadSerialLines(*connector);
         const std::string connectorSerial = connector->SerialNumber(-1);
         DLog("CWinDisplayConfigInterface::Init conn->S/N %s\n",
              connectorSerial.empty() ? "WARNING: SERIAL NUMBER NOT FOUND!" : connectorSerial.c_str());
@@ -277,8 +324,7 @@ void CWinDisplayConfigInterface::ServeByLegacyPairing(SDisplayInfo& info_I, bool
         if (chosen) {
             DLog("CWinDisplayConfigInterface::Init S/N match - creating Display for ser# %s, [%s]\n",
                  serial.c_str(), monitorName.c_str());
-            info_I.display =
-                CreateDisplay(info_I.productCode, info_I.monitorName, info_I.supportedName, connector);
+            info_I.display = CreateDisplay(info_I, connector);
             return;
         }
     }
@@ -636,19 +682,34 @@ bool CWinDisplayConfigInterface::IsMakersOwnComputer() const {
     return read && Discovery::IsMakersOwnComputer(RegistryText(value));
 }
 
-std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplay(uint16_t productCode_I,
-                                                                    const std::wstring& monitorName_I,
-                                                                    const std::wstring& supportedName_I,
+std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplay(const SDisplayInfo& info_I,
                                                                     std::shared_ptr<Connector> connector_I) {
+    const auto ahead = mAhead.find(connector_I.get());
+    if (ahead != mAhead.end() && !ahead->second.used && ahead->second.deviceID == info_I.deviceID) {
+        ahead->second.used = true;
+        DebugLog::CHeldLines::Emit(ahead->second.lines);
+        return ahead->second.display;
+    }
+    return CreateDisplayNow(info_I, std::move(connector_I));
+}
+
+std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplayNow(const SDisplayInfo& info_I,
+                                                                       std::shared_ptr<Connector> connector_I) {
     CScopedTimer timer("CWinDisplayConfigInterface::CreateDisplay");
-    DLog("Matched display %s\n", Narrow(monitorName_I).c_str());
+    const uint16_t productCode_I = info_I.productCode;
+    DLog("Matched display %s\n", Narrow(info_I.monitorName).c_str());
     const bool makersComputer =
         IsInModelGroup(EModelGroup::PenComputerScreen, productCode_I) && IsMakersOwnComputer();
     const bool overGraphicsDriver = connector_I->GetType() == eConnectorDisplayPort;
+    const std::string serial = Narrow(info_I.serialNumber);
+    SDisplayIdentity identity{Edid::ManufacturerId(info_I.edid), productCode_I,
+                              serial == kInvalidSerialNumber ? std::string() : serial,
+                              ConnectorTypeName(connector_I->GetType())};
 
     auto display = std::make_shared<UiDisplayDelegate>(std::move(connector_I), productCode_I);
     // Inside the maker's own computer the built-in screen takes raw colour values.
     display->SetAllowRawColorValues(makersComputer);
+    display->UseCapabilitiesCache(mCapabilitiesCache, std::move(identity));
     bool initialized = false;
     for (int attempt = 1; attempt <= kInitializeAttempts && !initialized; ++attempt) {
         initialized = display->Initialize();
@@ -665,9 +726,184 @@ std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplay(uint16_t pro
     if (!initialized) {
         return nullptr;
     }
-    display->SetSupportedName(Narrow(supportedName_I));
+    display->SetSupportedName(Narrow(info_I.supportedName));
     SetLanguage(*display);
     return display;
+}
+
+// ---- Initialising ahead ----
+
+void CWinDisplayConfigInterface::InitializeAhead() {
+    // The channel the search would choose for each record by HID, claimed so that no two
+    // records try one interface. The first read of an interface's serial number is the search's
+    // own: its lines are written where the search reads it.
+    std::vector<std::shared_ptr<Connector>> hidOf(mDisplayInfos.size());
+    if (Discovery::TriesHid(mConnectionMode)) {
+        for (size_t record = 0; record < mDisplayInfos.size(); ++record) {
+            const SDisplayInfo& info = mDisplayInfos[record];
+            const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
+                mConnectorList.size(),
+                [&](size_t i_I) {
+                    return mConnectorList[i_I]->GetType() == eConnectorHID &&
+                           mAheadClaimed.count(mConnectorList[i_I].get()) == 0;
+                },
+                [&](size_t i_I) { return SerialAhead(*mConnectorList[i_I], false); }, Narrow(info.serialNumber),
+                mMatchByModel && Discovery::HidServesByModel(info.productCode));
+            if (chosen) {
+                hidOf[record] = mConnectorList[*chosen];
+                mAheadClaimed.insert(hidOf[record].get());
+            }
+        }
+    }
+    std::vector<std::thread> workers;
+    for (size_t record = 0; record < mDisplayInfos.size(); ++record) {
+        workers.emplace_back(
+            [this, info = mDisplayInfos[record], hid = hidOf[record]] { InitializeRecordAhead(info, hid); });
+    }
+    for (std::thread& worker : workers) {
+        worker.join();
+    }
+}
+
+void CWinDisplayConfigInterface::InitializeRecordAhead(const SDisplayInfo& info_I,
+                                                       const std::shared_ptr<Connector>& hid_I) {
+    // What is written here outside the steps kept below is not the search's.
+    DebugLog::CHeldLines stray;
+    if (hid_I && CreateAhead(info_I, hid_I)) {
+        return;
+    }
+    bool displayPortFailed = false;
+    if (Discovery::TriesDisplayPort(mConnectionMode, false) && info_I.monitor != nullptr) {
+        SDisplayInfo record = info_I;
+        record.owner = mRecordOwner;
+        SAheadDisplayPort ahead;
+        ahead.connector = std::make_shared<CWinI2CConnectorDP>();
+        ahead.monitor = info_I.monitor;
+        {
+            DebugLog::CHeldLines held;
+            ahead.opened = ahead.connector->Open(record);
+            ahead.lines = held.Take();
+        }
+        const std::shared_ptr<CWinI2CConnectorDP> connector = ahead.connector;
+        const bool opened = ahead.opened;
+        {
+            std::lock_guard<std::mutex> lock(mAheadMutex);
+            mAheadDisplayPort[info_I.deviceID] = std::move(ahead);
+        }
+        if (opened && CreateAhead(info_I, connector)) {
+            return;
+        }
+        displayPortFailed = true;
+        if (mStopOnDisplayPortError && !connector->LastCapabilitiesError().empty()) {
+            return;  // the search ends at this record
+        }
+    }
+    if (!Discovery::TriesLegacy(mConnectionMode, displayPortFailed)) {
+        return;
+    }
+    SearchPortsAhead();
+    std::shared_ptr<Connector> port;
+    {
+        std::lock_guard<std::mutex> lock(mAheadMutex);
+        for (const std::shared_ptr<Connector>& candidate : mAheadPorts) {
+            if (mAheadClaimed.count(candidate.get()) == 0 &&
+                Discovery::SameSerialNumber(mAheadPortSerials[candidate.get()], Narrow(info_I.serialNumber))) {
+                port = candidate;
+                mAheadClaimed.insert(candidate.get());
+                break;
+            }
+        }
+    }
+    if (port) {
+        CreateAhead(info_I, port);
+    }
+}
+
+bool CWinDisplayConfigInterface::CreateAhead(const SDisplayInfo& info_I, const std::shared_ptr<Connector>& connector_I) {
+    SAhead ahead;
+    ahead.deviceID = info_I.deviceID;
+    {
+        DebugLog::CHeldLines held;
+        ahead.display = CreateDisplayNow(info_I, connector_I);
+        ahead.lines = held.Take();
+    }
+    const bool answered = ahead.display != nullptr;
+    {
+        std::lock_guard<std::mutex> lock(mAheadMutex);
+        mAhead[connector_I.get()] = std::move(ahead);
+    }
+    if (answered) {
+        NoteReady();
+    }
+    return answered;
+}
+
+void CWinDisplayConfigInterface::SearchPortsAhead() {
+    std::lock_guard<std::mutex> lock(mPortsMutex);
+    if (mPortsSearchedAhead) {
+        return;
+    }
+    {
+        DebugLog::CHeldLines held;
+        const size_t before = mConnectorList.size();
+        FindSerialPorts();
+        mAheadPortSearchLines = held.Take();
+        mAheadPorts.assign(mConnectorList.begin() + static_cast<std::ptrdiff_t>(before), mConnectorList.end());
+    }
+    // Each one's serial number from its display's EDID, all at the same time. A port with no
+    // display of ours is asked too, where the search might have found its display first.
+    std::vector<std::string> serials(mAheadPorts.size());
+    std::vector<std::thread> readers;
+    for (size_t i = 0; i < mAheadPorts.size(); ++i) {
+        readers.emplace_back([this, i, &serials] { serials[i] = SerialAhead(*mAheadPorts[i], true); });
+    }
+    for (std::thread& reader : readers) {
+        reader.join();
+    }
+    std::lock_guard<std::mutex> aheadLock(mAheadMutex);
+    for (size_t i = 0; i < mAheadPorts.size(); ++i) {
+        mAheadPortSerials[mAheadPorts[i].get()] = serials[i];
+    }
+    mPortsSearchedAhead = true;
+}
+
+std::string CWinDisplayConfigInterface::SerialAhead(Connector& connector_I, bool fromEdid_I) {
+    DebugLog::CHeldLines held;
+    if (fromEdid_I) {
+        // SerialNumber writes its lines at every call: only the read itself is held for the search.
+        connector_I.LoadEDID();
+    }
+    HeldLines firstRead = held.Take();
+    std::string serial = connector_I.SerialNumber(-1);
+    if (!fromEdid_I) {
+        firstRead = held.Take();  // the interface writes its lines at the first read only
+    }
+    std::lock_guard<std::mutex> lock(mAheadMutex);
+    if (!firstRead.empty()) {
+        mAheadSerialLines[&connector_I] = std::move(firstRead);
+    }
+    return serial;
+}
+
+void CWinDisplayConfigInterface::EmitAheadSerialLines(const Connector& connector_I) {
+    const auto held = mAheadSerialLines.find(&connector_I);
+    if (held != mAheadSerialLines.end()) {
+        DebugLog::CHeldLines::Emit(held->second);
+        mAheadSerialLines.erase(held);
+    }
+}
+
+void CWinDisplayConfigInterface::NoteReady() {
+    std::function<void(size_t, size_t)> progress;
+    size_t ready = 0;
+    {
+        std::lock_guard<std::mutex> lock(mAheadMutex);
+        ready = ++mReady;
+        progress = mProgress;
+    }
+    if (progress) {
+        progress(ready, mDisplayInfos.size());
+    }
 }
 
 void CWinDisplayConfigInterface::SetLanguage(CDisplay& display_I) {

@@ -14,14 +14,22 @@
 #include <setupapi.h>
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "CDisplay.h"
+#include "CapabilitiesCache.h"
 #include "Connector.h"
+#include "DebugLog.h"
 #include "DiscoveryRules.h"
 #include "DisplayInfo.h"
+
+class CWinI2CConnectorDP;
 
 class CWinDisplayConfigInterface {
 public:
@@ -37,6 +45,18 @@ public:
     // The interface language: model names are looked up in it, and displays whose menu
     // language the program sets get it.
     void SetInterfaceLanguage(LANGID languageId_I);
+
+    // Displays on different channels are initialised at the same time (the default is one
+    // after another, the reference the tests of initialisation check). What is observable stays
+    // as one after another: each display's log lines together and in order, the same records
+    // in the same order, the same displays on the same channels.
+    void SetInitializeAtOnce(bool on_I) { mInitializeAtOnce = on_I; }
+    // Where displays find and keep their capabilities strings; null: every display is read.
+    void SetCapabilitiesCache(std::shared_ptr<CCapabilitiesCache> cache_I) { mCapabilitiesCache = std::move(cache_I); }
+    // Told, from the search's threads, how many of the monitors found have a display ready.
+    void SetProgressCallback(std::function<void(size_t ready, size_t found)> callback_I) {
+        mProgress = std::move(callback_I);
+    }
 
     // The whole search. True when at least one display was found and no error text was left.
     bool Init();
@@ -59,9 +79,9 @@ public:
     void FindVcpHIDDevices();
     bool OpenDevice(const std::string& devicePath_I);
     void FindSerialPorts();
-    std::shared_ptr<CDisplay> CreateDisplay(uint16_t productCode_I, const std::wstring& monitorName_I,
-                                            const std::wstring& supportedName_I,
-                                            std::shared_ptr<Connector> connector_I);
+    // The record's display over the connector, initialised (or null): the one initialised
+    // ahead for this connector where there is one, else initialised now.
+    std::shared_ptr<CDisplay> CreateDisplay(const SDisplayInfo& info_I, std::shared_ptr<Connector> connector_I);
     void SetLanguage(CDisplay& display_I);
     // Matches one record with its monitor handle (MonitorEnumProc's matching role). The index
     // must name a record.
@@ -75,6 +95,51 @@ public:
 
 private:
     CWinDisplayConfigInterface() = default;
+
+    std::shared_ptr<CDisplay> CreateDisplayNow(const SDisplayInfo& info_I, std::shared_ptr<Connector> connector_I);
+
+    // Initialising ahead: each record's likely channel (its HID interface by serial number, its
+    // monitor through the graphics driver, the port or bridge that reads its serial number) is
+    // tried on a thread of its own, the way the search would try it, and what came of it is
+    // kept with its log lines. The search then runs one record after another as always, and
+    // where it creates a display on a channel tried ahead it takes that display and writes
+    // those lines there. A guess the search does not make is let go unused.
+    using HeldLines = std::vector<DebugLog::CHeldLines::SLine>;
+    struct SAhead {
+        std::wstring deviceID;  // the record it was tried for
+        std::shared_ptr<CDisplay> display;  // null: the initialisation failed
+        HeldLines lines;
+        bool used = false;
+    };
+    struct SAheadDisplayPort {
+        std::shared_ptr<CWinI2CConnectorDP> connector;
+        HMONITOR monitor = nullptr;
+        bool opened = false;
+        HeldLines lines;  // the connector's opening
+    };
+    void InitializeAhead();
+    void InitializeRecordAhead(const SDisplayInfo& info_I, const std::shared_ptr<Connector>& hid_I);
+    // Tries the display on the connector ahead; true when it answered.
+    bool CreateAhead(const SDisplayInfo& info_I, const std::shared_ptr<Connector>& connector_I);
+    // The port and bridge search and each one's serial number, once, for every record ahead.
+    void SearchPortsAhead();
+    // A connector's serial number, holding the lines of its first read for the search.
+    std::string SerialAhead(Connector& connector_I, bool fromEdid_I);
+    // Writes those lines where the search reads the serial number.
+    void EmitAheadSerialLines(const Connector& connector_I);
+    void ForgetAhead();
+    void NoteReady();
+    std::mutex mAheadMutex;
+    std::mutex mPortsMutex;
+    std::set<const Connector*> mAheadClaimed;
+    std::map<const Connector*, SAhead> mAhead;
+    std::map<std::wstring, SAheadDisplayPort> mAheadDisplayPort;  // by the record's device id
+    bool mPortsSearchedAhead = false;
+    HeldLines mAheadPortSearchLines;
+    std::map<const Connector*, HeldLines> mAheadSerialLines;
+    std::vector<std::shared_ptr<Connector>> mAheadPorts;
+    std::map<const Connector*, std::string> mAheadPortSerials;
+    size_t mReady = 0;
 
     // Steps 6 to 8 for one record.
     void ServeByHid(SDisplayInfo& info_I);
@@ -110,4 +175,7 @@ private:
     // the displays discovery holds).
     std::shared_ptr<void> mRecordOwner = std::make_shared<int>(0);
     std::string mErrorText;
+    bool mInitializeAtOnce = false;
+    std::shared_ptr<CCapabilitiesCache> mCapabilitiesCache;
+    std::function<void(size_t, size_t)> mProgress;
 };

@@ -55,6 +55,8 @@ SStartupOptions ParseStartupOptions(const std::wstring& commandLine_I, bool debu
     options.help = Has(commandLine_I, L"/help");
     // Not in the "/help" box, whose text stays as it is: the log-on entry and the README name it.
     options.tray = Has(commandLine_I, L"/tray");
+    options.serialInit = Has(commandLine_I, L"/serialInit");
+    options.noCache = Has(commandLine_I, L"/nocache");
     if (Has(commandLine_I, L"/demo")) {
         const std::wstring scenario = WordAfter(commandLine_I, L"/demo", &IsScenarioCharacter);
         options.demoScenario = scenario.empty() ? kDefaultDemoScenario : Narrow(scenario);
@@ -70,6 +72,7 @@ std::wstring ProgramOptions(const SStartupOptions& options_I) {
     if (options_I.languageName != "userUI") {
         options += (options.empty() ? L"" : L" ") + (L"/language " + Widen(options_I.languageName));
     }
+
     return options;
 }
 

@@ -13,6 +13,10 @@ struct SStartupOptions {
     bool help = false;
     // The resident keeper instead of the settings dialog.
     bool tray = false;
+    // "/serialInit": displays initialised one after another (for drivers that dislike
+    // concurrent DDC/CI); "/nocache": every capabilities string read from its display.
+    bool serialInit = false;
+    bool noCache = false;
     // The simulated machine to run on instead of the real one; empty: the real one.
     std::string demoScenario;
 };

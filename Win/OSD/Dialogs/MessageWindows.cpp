@@ -1,6 +1,7 @@
 #include "MessageWindows.h"
 
 #include <atomic>
+#include <utility>
 
 #include "AccessKeys.h"
 #include "Assert.h"
@@ -22,6 +23,7 @@ constexpr UINT kCommunicationFailureExiting = 2901;
 constexpr UINT kTooDark = 2902;
 constexpr UINT kWarning = 2903;
 constexpr UINT kPleaseWait = 2905;
+constexpr UINT kDisplaysReady = 2967;  // "%1 of %2 displays ready"
 constexpr UINT kFactoryResetWarning = 2908;
 constexpr UINT kFactoryResetQuestion = 2909;
 constexpr UINT kHelpNotOpened = 2912;
@@ -257,6 +259,25 @@ HWND CreateWaitWindow(HWND owner_I, LANGID language_I) {
     SetDlgItemTextW(hWaitWindow, IDC_WAIT_TEXT, Text(kPleaseWait, language_I).c_str());
     CentreOnPrimaryWorkArea(hWaitWindow, owner_I);
     return hWaitWindow;
+}
+
+void ShowWaitProgress(HWND waitWindow_I, LANGID language_I, size_t ready_I, size_t found_I) {
+    if (waitWindow_I == nullptr || found_I == 0) {
+        return;
+    }
+    const std::wstring progress =
+        Filled(Text(kDisplaysReady, language_I), std::to_wstring(ready_I), std::to_wstring(found_I));
+    SetDlgItemTextW(waitWindow_I, IDC_WAIT_TEXT, (Text(kPleaseWait, language_I) + L"\n" + progress).c_str());
+}
+
+std::wstring Filled(std::wstring text_I, const std::wstring& first_I, const std::wstring& second_I) {
+    for (const auto& [mark, value] : {std::pair{L"%1", first_I}, std::pair{L"%2", second_I}}) {
+        const size_t at = text_I.find(mark);
+        if (at != std::wstring::npos) {
+            text_I.replace(at, 2, value);
+        }
+    }
+    return text_I;
 }
 
 void RunNoDeviceWindow(HWND owner_I, LANGID language_I) {

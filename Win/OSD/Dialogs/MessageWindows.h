@@ -57,6 +57,10 @@ void CentreOnPrimaryWorkArea(HWND window_I, HWND reference_I);
 
 // The wait window (string 2905), topmost and centred; null when it cannot be created.
 HWND CreateWaitWindow(HWND owner_I, LANGID language_I);
+// Adds to its text how many of the displays found are ready ("3 of 4 displays ready").
+void ShowWaitProgress(HWND waitWindow_I, LANGID language_I, size_t ready_I, size_t found_I);
+// A text with its "%1" and "%2" replaced.
+std::wstring Filled(std::wstring text_I, const std::wstring& first_I, const std::wstring& second_I = {});
 // Each runs until its OK button ends the thread's message loop.
 void RunNoDeviceWindow(HWND owner_I, LANGID language_I);
 void RunErrorWindow(HWND owner_I, const std::wstring& text_I, LANGID language_I);

@@ -14,6 +14,7 @@
 #include "DialogIds.h"
 #include "DisplayLock.h"
 #include "KeptProfiles.h"
+#include "MessageWindows.h"
 #include "ResourceUtils.h"
 #include "SettingNames.h"
 #include "SettingTable.h"
@@ -88,16 +89,6 @@ std::wstring SettingLabel(const std::string& name_I, LANGID language_I) {
         }
     }
     return label.empty() ? Widen(name_I) : label;
-}
-
-std::wstring Filled(std::wstring text_I, const std::wstring& first_I, const std::wstring& second_I) {
-    for (const auto& [mark, value] : {std::pair{L"%1", first_I}, std::pair{L"%2", second_I}}) {
-        const size_t at = text_I.find(mark);
-        if (at != std::wstring::npos) {
-            text_I.replace(at, 2, value);
-        }
-    }
-    return text_I;
 }
 
 std::wstring OwnPath() {
@@ -414,22 +405,22 @@ void CTrayKeeper::ShowNotification(const std::vector<SKeeperResult>& results_I) 
         std::wstring line;
         switch (result.kind) {
             case SKeeperResult::EKind::Restored:
-                line = Filled(Text(settings.empty() ? kMatchedText : kRestoredText, mLanguage), model, settings);
+                line = MessageWindows::Filled(Text(settings.empty() ? kMatchedText : kRestoredText, mLanguage), model, settings);
                 break;
             case SKeeperResult::EKind::Failed:
-                line = Filled(Text(kNotRestoredText, mLanguage), model, settings);
+                line = MessageWindows::Filled(Text(kNotRestoredText, mLanguage), model, settings);
                 allRestored = false;
                 break;
             case SKeeperResult::EKind::NotAnswering:
-                line = Filled(Text(kNotAnsweringText, mLanguage), model, {});
+                line = MessageWindows::Filled(Text(kNotAnsweringText, mLanguage), model, {});
                 allRestored = false;
                 break;
             case SKeeperResult::EKind::Kept:
-                line = Filled(Text(kKeptText, mLanguage), model, {});
+                line = MessageWindows::Filled(Text(kKeptText, mLanguage), model, {});
                 kept = true;
                 break;
             case SKeeperResult::EKind::ProfileUnreadable:
-                line = Filled(Text(kUnreadableText, mLanguage), model, {});
+                line = MessageWindows::Filled(Text(kUnreadableText, mLanguage), model, {});
                 allRestored = false;
                 break;
         }

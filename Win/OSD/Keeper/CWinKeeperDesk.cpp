@@ -9,6 +9,11 @@ CWinKeeperDesk::CWinKeeperDesk(const SStartupOptions& options_I, LANGID language
     mDiscovery->SetConnectionMode(options_I.connectionMode);
     mDiscovery->SetMatchByModel(options_I.skipSerialMatch);
     mDiscovery->SetInterfaceLanguage(language_I);
+    mDiscovery->SetInitializeAtOnce(!options_I.serialInit);
+    if (!options_I.noCache) {
+        mDiscovery->SetCapabilitiesCache(
+            std::make_shared<CCapabilitiesCache>(CCapabilitiesCache::DefaultFile(!options_I.demoScenario.empty())));
+    }
 }
 
 std::vector<SKeeperDisplay> CWinKeeperDesk::Search() {

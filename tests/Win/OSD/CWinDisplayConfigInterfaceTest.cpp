@@ -433,3 +433,96 @@ TEST(WinDisplayConfigInterface, EveryRouteClosesItsConnectorWhenItsDisplayIsUnpl
     EXPECT_EQ(bench.Found(), (std::vector<std::string>{"Studio 24 over 4", "Canvas 22 Pro over 3",
                                                        "Canvas 12 over 0", "Canvas 13 HD over 1"}));
 }
+
+namespace {
+
+// A whole search, one after another or at once: the displays found, the log it wrote (without
+// the timing lines), and what each display of the machine was asked.
+struct SSearchRecord {
+    bool found = false;
+    std::vector<std::string> displays;
+    std::vector<std::string> lines;
+    std::vector<size_t> requests;
+};
+
+SSearchRecord Search(SVirtualMachine machine, bool atOnce, uint32_t mode,
+                     const std::function<void(SVirtualMachine&)>& fault = {}) {
+    if (fault) {
+        fault(machine);
+    }
+    SDiscoveryBench bench(std::move(machine), mode);
+    bench.discovery->SetInitializeAtOnce(atOnce);
+    SSearchRecord record;
+    {
+        CLogCapture log;
+        record.found = bench.discovery->Init();
+        for (const std::string& line : log.Writes()) {
+            if (line.rfind("TIME: ", 0) != 0) {
+                record.lines.push_back(line);
+            }
+        }
+    }
+    record.displays = bench.Found();
+    const SVirtualMachine& m = bench.machine.Machine();
+    std::vector<std::shared_ptr<CVirtualDisplay>> displays;
+    for (const SVirtualMonitor& monitor : m.monitors) {
+        displays.push_back(monitor.display);
+    }
+    for (const SVirtualHidInterface& hid : m.hidInterfaces) {
+        displays.push_back(hid.display);
+    }
+    for (const SVirtualComPort& port : m.comPorts) {
+        displays.push_back(port.display);
+    }
+    for (const SVirtualFtdiBridge& bridge : m.ftdiBridges) {
+        displays.push_back(bridge.display);
+    }
+    for (const auto& display : displays) {
+        record.requests.push_back(display ? display->Transactions().size() : 0);
+    }
+    return record;
+}
+
+}  // namespace
+
+TEST(WinDisplayConfigInterface, ASearchAtOnceFindsLogsAndAsksExactlyAsOneAfterAnother) {
+    struct SCase {
+        const char* scenario;
+        uint32_t mode;
+        std::function<void(SVirtualMachine&)> fault;
+    };
+    const std::vector<SCase> cases = {
+        {"one-per-route", eConnectionAll, {}},
+        {"one-per-route", eConnectionHidOnly, {}},
+        {"one-per-route", eConnectionDisplayPortOnly, {}},
+        {"one-per-route", eConnectionLegacyOnly, {}},
+        {"two-families", eConnectionAll, {}},
+        {"ddc-fails-serial-pairs", eConnectionAll, {}},
+        {"serial-matches-nothing", eConnectionAll, {}},
+        {"pen-computer", eConnectionAll, {}},
+        // One display that never answers its capabilities: the others are found as ever.
+        {"one-per-route", eConnectionAll,
+         [](SVirtualMachine& m) {
+             m.hidInterfaces.back().display->Faults().FailNext(EFault::NoReply, 1000, ddcCC_CapabilitiesRequest);
+         }},
+        // One that answers only its third attempt over the serial port.
+        {"one-per-route", eConnectionAll,
+         [](SVirtualMachine& m) {
+             m.comPorts[0].display->Faults().FailNext(EFault::NoReply, 2, ddcCC_CapabilitiesRequest);
+         }},
+    };
+    // Libraries load once a process: the comparison starts after they have.
+    Search(*VirtualMachine::Scenario("one-per-route"), false, eConnectionAll);
+    for (const SCase& c : cases) {
+        SCOPED_TRACE(std::string(c.scenario) + " mode " + std::to_string(c.mode));
+        const SSearchRecord serial = Search(*VirtualMachine::Scenario(c.scenario), false, c.mode, c.fault);
+        const SSearchRecord atOnce = Search(*VirtualMachine::Scenario(c.scenario), true, c.mode, c.fault);
+        EXPECT_EQ(atOnce.found, serial.found);
+        EXPECT_EQ(atOnce.displays, serial.displays);
+        EXPECT_EQ(atOnce.requests, serial.requests);
+        for (size_t i = 0; i < std::min(serial.lines.size(), atOnce.lines.size()); ++i) {
+            ASSERT_EQ(atOnce.lines[i], serial.lines[i]) << "line " << i;
+        }
+        EXPECT_EQ(atOnce.lines.size(), serial.lines.size());
+    }
+}

@@ -115,6 +115,8 @@ struct SProgram {
         gDarkQuestions = 0;
         MessageWindows::SetMessageBoxTimeoutFunction(&AnswerDarkScreenQuestion);
         options.languageName = options.languageName == "userUI" ? "en" : options.languageName;
+        // Every start reads its displays: what an earlier test left in the cache is not this one's.
+        options.noCache = true;
         ui = std::thread([this, options] {
             exitCode = RunApplication(options);
             ended = true;

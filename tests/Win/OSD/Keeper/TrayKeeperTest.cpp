@@ -79,6 +79,9 @@ struct STray {
         AppRegistry::WriteKeepSettings(true);
         SStartupOptions options;
         options.languageName = "en";
+        // Every search reads its displays: a display that is starting counts its start-up on the
+        // virtual clock, which only the protocol's pauses move on.
+        options.noCache = true;
         ui = std::thread([files, options, this] {
             CTrayKeeper keeper(options, MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), files);
             keeper.Run();
