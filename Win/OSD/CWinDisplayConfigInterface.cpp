@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <thread>
 
 #include "Assert.h"
 #include "CEdidBuilder.h"
@@ -16,6 +15,7 @@
 #include "EdidText.h"
 #include "LanguageProvider.h"
 #include "ModelGroups.h"
+#include "ParallelWork.h"
 #include "ResourceUtils.h"
 #include "ScopedTimer.h"
 #include "SerialPort.h"
@@ -696,17 +696,17 @@ std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplay(const SDispl
 std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplayNow(const SDisplayInfo& info_I,
                                                                        std::shared_ptr<Connector> connector_I) {
     CScopedTimer timer("CWinDisplayConfigInterface::CreateDisplay");
-    const uint16_t productCode_I = info_I.productCode;
+    const uint16_t productCode = info_I.productCode;
     DLog("Matched display %s\n", Narrow(info_I.monitorName).c_str());
     const bool makersComputer =
-        IsInModelGroup(EModelGroup::PenComputerScreen, productCode_I) && IsMakersOwnComputer();
+        IsInModelGroup(EModelGroup::PenComputerScreen, productCode) && IsMakersOwnComputer();
     const bool overGraphicsDriver = connector_I->GetType() == eConnectorDisplayPort;
     const std::string serial = Narrow(info_I.serialNumber);
-    SDisplayIdentity identity{Edid::ManufacturerId(info_I.edid), productCode_I,
+    SDisplayIdentity identity{Edid::ManufacturerId(info_I.edid), productCode,
                               serial == kInvalidSerialNumber ? std::string() : serial,
                               ConnectorTypeName(connector_I->GetType())};
 
-    auto display = std::make_shared<UiDisplayDelegate>(std::move(connector_I), productCode_I);
+    auto display = std::make_shared<UiDisplayDelegate>(std::move(connector_I), productCode);
     // Inside the maker's own computer the built-in screen takes raw colour values.
     display->SetAllowRawColorValues(makersComputer);
     display->UseCapabilitiesCache(mCapabilitiesCache, std::move(identity));
@@ -755,14 +755,8 @@ void CWinDisplayConfigInterface::InitializeAhead() {
             }
         }
     }
-    std::vector<std::thread> workers;
-    for (size_t record = 0; record < mDisplayInfos.size(); ++record) {
-        workers.emplace_back(
-            [this, info = mDisplayInfos[record], hid = hidOf[record]] { InitializeRecordAhead(info, hid); });
-    }
-    for (std::thread& worker : workers) {
-        worker.join();
-    }
+    RunForEach(mDisplayInfos.size(), true,
+               [&](size_t record_I) { InitializeRecordAhead(mDisplayInfos[record_I], hidOf[record_I]); });
 }
 
 void CWinDisplayConfigInterface::InitializeRecordAhead(const SDisplayInfo& info_I,
@@ -853,13 +847,7 @@ void CWinDisplayConfigInterface::SearchPortsAhead() {
     // Each one's serial number from its display's EDID, all at the same time. A port with no
     // display of ours is asked too, where the search might have found its display first.
     std::vector<std::string> serials(mAheadPorts.size());
-    std::vector<std::thread> readers;
-    for (size_t i = 0; i < mAheadPorts.size(); ++i) {
-        readers.emplace_back([this, i, &serials] { serials[i] = SerialAhead(*mAheadPorts[i], true); });
-    }
-    for (std::thread& reader : readers) {
-        reader.join();
-    }
+    RunForEach(mAheadPorts.size(), true, [&](size_t i_I) { serials[i_I] = SerialAhead(*mAheadPorts[i_I], true); });
     std::lock_guard<std::mutex> aheadLock(mAheadMutex);
     for (size_t i = 0; i < mAheadPorts.size(); ++i) {
         mAheadPortSerials[mAheadPorts[i].get()] = serials[i];
