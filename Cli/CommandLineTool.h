@@ -1,6 +1,7 @@
 #pragma once
-// The command-line tool: list, caps, get, set, save, reset, profiles, check, keep and restore, over whatever
-// displays the source finds, on Windows and on Linux. Returns the process's exit code.
+// The command-line tool: list, caps, get, set, save, reset, profiles, check, keep, restore and a
+// studio's apply, over whatever displays the source finds, on Windows and on Linux. Returns the
+// process's exit code.
 
 #include <ostream>
 #include <string>
@@ -14,6 +15,7 @@ constexpr int kBadUsage = 1;
 constexpr int kNoSuchDisplay = 2;
 constexpr int kCommunicationFailure = 3;
 constexpr int kDrifted = 4;  // check: the display differs from the profile
+constexpr int kChanged = 5;  // apply: a display was changed (with --check: would be)
 }  // namespace CliExit
 
 // args_I without the program name. changesFile_I keeps the unsaved changes between runs, for

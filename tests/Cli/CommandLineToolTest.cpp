@@ -500,3 +500,95 @@ TEST(CommandLineTool, AFreshRunReadsOnlyWhatTheCommandNeedsAndTakesCapabilitiesF
     EXPECT_GT(caps[0], 0u);
     std::filesystem::remove(cacheFile);
 }
+
+TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsAConfigurationEngineNeeds) {
+    SToolBench bench;
+    bench.keptFile = TempFile("vlr-studio-test/kept.json");
+    const std::filesystem::path folder = std::filesystem::path(bench.keptFile).parent_path();
+    std::filesystem::remove_all(folder);
+    const std::string studio = TempFile("vlr-studio-test.json");
+    // The Studio 24's own entry wins over its model's; the two are not merged.
+    std::ofstream(studio) << R"({"displays": [
+        {"model": "Canvas 22 Pro", "settings": {"brightness": 60, "colour-space": "adobe-rgb"}, "keep": true},
+        {"model": "Velor Studio 24", "settings": {"brightness": 80, "sharpness": 1}},
+        {"model": "studio-24", "serial": "VC1070A40934", "settings": {"brightness": 45, "contrast": 40}}]})";
+    auto canvas = bench.Virtual(0);
+    auto studio24 = bench.Virtual(1);
+
+    SRun run = bench.Run({"apply", studio, "--check"});
+    EXPECT_EQ(run.code, CliExit::kChanged) << run.err;
+    EXPECT_EQ(canvas->CountRequests(0x03) + studio24->CountRequests(0x03), 0u);
+    EXPECT_FALSE(std::filesystem::exists(folder / "studio"));
+
+    const std::string keptProfile = (folder / "studio" / "VC1060A40892.json").string();
+    run = bench.Run({"apply", studio});
+    EXPECT_EQ(run.code, CliExit::kChanged) << run.err;
+    EXPECT_EQ(run.out,
+              "Canvas 22 Pro (serial VC1060A40892, via graphics driver):\n"
+              "colour-space: 0 (srgb) -> 1 (adobe-rgb)\n"
+              "brightness: 70 -> 60\n"
+              "keep: keeps these settings (" + keptProfile + ")\n"
+              "  changed\n"
+              "Studio 24 (serial VC1070A40934, via HID):\n"
+              "brightness: 70 -> 45\n"
+              "contrast: 50 -> 40\n"
+              "  changed\n"
+              "Canvas 12 (serial VC1040A40772, via serial): no entry for this model\n"
+              "Canvas 13 HD (serial VC1043A40811, via FTDI): no entry for this model\n"
+              "4 displays: 2 changed, 0 unchanged, 0 failed, 0 with values they do not take, 2 without an entry\n");
+    EXPECT_EQ(canvas->Value(0x10), 60);
+    EXPECT_EQ(canvas->Value(0xE3), 1);
+    EXPECT_EQ(studio24->Value(0x6B), 45);
+    EXPECT_EQ(studio24->Value(0x12), 40);
+    EXPECT_EQ(bench.Run({"keep", "--list"}).out, "Canvas 22 Pro  serial VC1060A40892  keeps " + keptProfile + "\n");
+
+    // The second run reads and writes nothing.
+    canvas->ClearTransactions();
+    studio24->ClearTransactions();
+    run = bench.Run({"apply", studio, "--json"});
+    EXPECT_EQ(run.code, CliExit::kDone) << run.err;
+    EXPECT_EQ(canvas->CountRequests(0x03) + studio24->CountRequests(0x03), 0u);
+    EXPECT_NE(run.out.find(R"("totals": {
+    "changed": 0,
+    "displays": 4,
+    "failed": 0,
+    "invalid": 0,
+    "no entry": 2,
+    "unchanged": 2
+  })"),
+              std::string::npos)
+        << run.out;
+
+    // A student changed the brightness in the menu: the check names it and writes nothing.
+    canvas->SetValueFromMenu(0x10, 90);
+    run = bench.Run({"apply", studio, "--check", "--json"});
+    EXPECT_EQ(run.code, CliExit::kChanged);
+    EXPECT_NE(run.out.find("\"would change\": 1"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("\"outcome\": \"drifted\""), std::string::npos);
+    EXPECT_EQ(canvas->Value(0x10), 90);
+
+    // A display that does not answer fails the run; the others are still set.
+    studio24->Faults().FailNext(EFault::NoReply, 1000);
+    studio24->PowerCycle();
+    run = bench.Run({"apply", studio});
+    EXPECT_EQ(run.code, CliExit::kCommunicationFailure);
+    EXPECT_EQ(canvas->Value(0x10), 60);
+    EXPECT_NE(run.out.find("1 changed, 0 unchanged, 1 failed"), std::string::npos) << run.out;
+    studio24->Faults().Clear();
+
+    // What the file gets wrong is named, and the rest of it still applies.
+    std::ofstream(studio) << R"({"displays": [{"model": "Canvas 99", "settings": {}},
+        {"model": "Canvas 22 Pro", "settings": {"brightnes": 50, "contrast": 45}},
+        {"model": "Canvas 22 Pro", "settings": {"contrast": 30}}]})";
+    run = bench.Run({"apply", studio});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, studio + ": displays[0]: \"Canvas 99\" is not a model this tool knows\n" + studio +
+                           ": displays[1]: \"brightnes\" is not a setting's name\n" + studio +
+                           ": displays[2]: Canvas 22 Pro has an entry already\n");
+    EXPECT_EQ(canvas->Value(0x12), 45);
+    std::ofstream(studio) << "[]";
+    run = bench.Run({"apply", studio});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, studio + ": not a studio file (a JSON object with a list of \"displays\")\n");
+    EXPECT_EQ(bench.Run({"apply", folder.string()}).err, folder.string() + ": is a folder, not a studio file\n");
+}

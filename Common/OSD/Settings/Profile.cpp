@@ -258,6 +258,10 @@ bool SProfileReport::Any(EProfileOutcome outcome_I) const {
                        [&](const SProfileItem& item_I) { return item_I.outcome == outcome_I; });
 }
 
+bool IsProfileName(const std::string& name_I) {
+    return SettingByName(name_I) || ChannelByName(name_I) != nullptr;
+}
+
 std::optional<SProfile> ProfileFromText(const std::string& text_I, std::string& problem_O) {
     const Json json = Json::parse(text_I, nullptr, false);
     if (json.is_discarded() || !json.is_object() || !json.contains("settings") || !json["settings"].is_object()) {
@@ -286,6 +290,8 @@ std::optional<SProfile> ProfileFromText(const std::string& text_I, std::string& 
             }
         } else if (value.is_string()) {
             entry.text = value.get<std::string>();
+        } else if (value.is_number_float()) {
+            entry.text = value.dump();  // a choice named by a number: gamma 2.2
         }
         profile.values.push_back(entry);
     }

@@ -32,6 +32,10 @@ struct SProfile {
     bool undo = false;
 };
 
+// Whether a profile can name this: a setting's name (or accepted spelling) or a custom colour
+// channel's ("gain-red").
+bool IsProfileName(const std::string& name_I);
+
 // The profile in a file's text; none, and the reason, when it is not one.
 std::optional<SProfile> ProfileFromText(const std::string& text_I, std::string& problem_O);
 std::string ProfileText(const SProfile& profile_I);
