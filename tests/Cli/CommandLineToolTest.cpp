@@ -579,12 +579,14 @@ TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsACo
     // What the file gets wrong is named, and the rest of it still applies.
     std::ofstream(studio) << R"({"displays": [{"model": "Canvas 99", "settings": {}},
         {"model": "Canvas 22 Pro", "settings": {"brightnes": 50, "contrast": 45}},
-        {"model": "Canvas 22 Pro", "settings": {"contrast": 30}}]})";
+        {"model": "Canvas 22 Pro", "settings": {"contrast": 30}},
+        {"model": "Studio 24", "serail": "VC1070A40934", "settings": {"contrast": 30}}]})";
     run = bench.Run({"apply", studio});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(run.err, studio + ": displays[0]: \"Canvas 99\" is not a model this tool knows\n" + studio +
                            ": displays[1]: \"brightnes\" is not a setting's name\n" + studio +
-                           ": displays[2]: Canvas 22 Pro has an entry already\n");
+                           ": displays[2]: Canvas 22 Pro has an entry already\n" + studio +
+                           ": displays[3]: \"serail\" is not a part of an entry (model, serial, keep, settings)\n");
     EXPECT_EQ(canvas->Value(0x12), 45);
     std::ofstream(studio) << "[]";
     run = bench.Run({"apply", studio});

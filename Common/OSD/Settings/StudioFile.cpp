@@ -28,6 +28,13 @@ std::optional<SStudioEntry> EntryFrom(const Json& json_I, const std::string& whe
         problems_IO.push_back(where_I + ": names no model (\"model\": \"Canvas 22 Pro\")");
         return std::nullopt;
     }
+    for (const auto& [key, value] : json_I.items()) {
+        // A misspelt "serial" would set every display of the model: the entry is left out.
+        if (key != "model" && key != "serial" && key != "keep" && key != "settings" && key != "description") {
+            problems_IO.push_back(where_I + ": \"" + key + "\" is not a part of an entry (model, serial, keep, settings)");
+            return std::nullopt;
+        }
+    }
     SStudioEntry entry;
     entry.model = json_I["model"].get<std::string>();
     if (!IsKnownFamily(PlainModelName(entry.model))) {
