@@ -979,6 +979,10 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays",
                  "velor-display"};
     app.require_subcommand(1);
+    app.footer("Exit codes: 0 done (apply: nothing needed changing), 1 wrong use or a file that cannot be used, "
+               "2 no such display (apply: the search was hindered), 3 a display did not answer as expected or is "
+               "in use, 4 check: the display differs from the profile, 5 apply: a display was changed (with "
+               "--check: would be).");
     app.fallthrough();  // --json and --demo may follow the command
     bool json = false;
     bool demo = false;
