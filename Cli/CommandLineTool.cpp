@@ -947,8 +947,9 @@ int CTool::Apply(const std::string& file_I, bool check_I, bool json_I) {
     PrintNotes();
     const char* changedName = check_I ? "would change" : "changed";
     if (json_I) {
-        json counted = {{"displays", displays.size()}, {changedName, totals["changed"]}, {"unchanged", totals["unchanged"]},
-                        {"failed", totals["failed"]}, {"invalid", totals["invalid"]}, {"no entry", totals["no entry"]}};
+        json counted = {{"displays", displays.size()},          {check_I ? "would_change" : "changed", totals["changed"]},
+                        {"unchanged", totals["unchanged"]},      {"failed", totals["failed"]},
+                        {"invalid", totals["invalid"]},          {"no_entry", totals["no entry"]}};
         mOut << json{{"studio", file_I}, {"check", check_I}, {"displays", all}, {"totals", counted},
                      {"problems", studio->problems}, {"notes", mSource.Notes()}}
                     .dump(2)

@@ -1,9 +1,13 @@
 // velor-display.exe: the command-line tool on Windows, over the dialog's own discovery. With
 // --demo the demo's simulated machine stands in for the system, as for the dialog program.
+// velor-display-quiet.exe is the same tool without a console, for log-on tasks: what it prints
+// goes to velor-display-quiet.log in the program's state folder, each run replacing the last.
 
 #include <windows.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <memory>
 
@@ -21,11 +25,23 @@ int main(int argc, char** argv) {
     if (std::find(args.begin(), args.end(), "--demo") != args.end()) {
         demo = std::make_unique<CDemoMachine>("one-per-route");
     }
+    std::ostream* out = &std::cout;
+    std::ostream* err = &std::cerr;
+#ifdef VLR_QUIET_TOOL
+    std::ofstream log;
+    if (const std::string folder = ProgramStateFolder(demo != nullptr); !folder.empty()) {
+        std::error_code error;
+        std::filesystem::create_directories(folder, error);
+        log.open(std::filesystem::path(folder) / "velor-display-quiet.log", std::ios::trunc);
+    }
+    out = &log;  // unopened: what would be printed goes nowhere
+    err = &log;
+#endif
     int result = 0;
     {
         CWinDisplays displays;
         result =
-            RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(demo != nullptr),
+            RunCommandLineTool(args, displays, *out, *err, DefaultChangesFile(demo != nullptr),
                                DefaultKeptFile(demo != nullptr), CCapabilitiesCache::DefaultFile(demo != nullptr));
     }
     return result;

@@ -1,5 +1,5 @@
-// The display lock on Linux: an flock on a file in the user's runtime folder ($XDG_RUNTIME_DIR,
-// else the temporary folder). The kernel lets go of it when the process ends.
+// The display lock on Linux: an flock on a file in the user's runtime folder ($XDG_RUNTIME_DIR
+// where it can be written, else the temporary folder). The kernel lets go of it when the process ends.
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -24,8 +24,10 @@ private:
 };
 
 std::string LockFolder() {
+    // A runtime folder that is named but not there (a session's variable kept through su)
+    // would make every display look in use.
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    if (runtime != nullptr && runtime[0] == '/') {
+    if (runtime != nullptr && runtime[0] == '/' && access(runtime, W_OK | X_OK) == 0) {
         return runtime;
     }
     const char* temporary = std::getenv("TMPDIR");

@@ -2,10 +2,12 @@
 ; shortcut, an entry in Apps & Features, a silent mode (/S) for deployment, and an uninstaller
 ; that removes exactly what was installed. The user's settings (HKCU\Software\Velor\OSD) stay
 ; unless the uninstaller is asked to remove them (its page, or /REMOVESETTINGS with /S). A
-; component starts the keeper at every user's log-on (its page, or /KEEPER with /S).
+; component starts the keeper at every user's log-on (its page, or /KEEPER with /S). For device
+; management, /STUDIO=<file> keeps a studio file for the machine and a log-on task that applies
+; it in every user's session (velor-display-quiet apply); exit code 2 when the file is missing.
 ;
 ; makensis -DVERSION=6.4.3-1 -DFILE_VERSION=6.4.3.1 -DPROGRAM=<exe> -DCONSOLE_PROGRAM=<velor-display.exe>
-;          -DICON=<ico> -DOUTFILE=<setup.exe>
+;          -DQUIET_PROGRAM=<velor-display-quiet.exe> -DICON=<ico> -DOUTFILE=<setup.exe>
 
 ; A 64-bit installer for the 64-bit program: it needs no 32-bit layer (nor does a check under Wine).
 Target amd64-unicode
@@ -21,6 +23,7 @@ ManifestSupportedOS all
 !define PUBLISHER "Velor"
 !define EXE "VelorDisplaySettings.exe"
 !define CONSOLE_EXE "velor-display.exe"
+!define QUIET_EXE "velor-display-quiet.exe"
 !define UNINSTALLER "Uninstall.exe"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\VelorDisplaySettings"
 !define SETTINGS_KEY "Software\Velor\OSD"
@@ -31,6 +34,12 @@ ManifestSupportedOS all
 !define KEEPER_CLASS "VelorDisplaySettings.Keeper"
 !define RUN_KEY "Software\Microsoft\Windows\CurrentVersion\Run"
 !define KEEPER_VALUE "Velor Display Settings Keeper"
+; The studio file of the machine (under ProgramData) and the task that applies it at log-on.
+!define STUDIO_FOLDER "Velor\Display Settings"
+!define STUDIO_FILE "studio.json"
+!define STUDIO_TASK "Velor Display Settings Studio"
+
+Var StudioSource
 
 Name "${PRODUCT}"
 OutFile "${OUTFILE}"
@@ -97,6 +106,7 @@ Section "Program" SecProgram
   SetOutPath "$INSTDIR"
   File "/oname=${EXE}" "${PROGRAM}"
   File "/oname=${CONSOLE_EXE}" "${CONSOLE_PROGRAM}"
+  File "/oname=${QUIET_EXE}" "${QUIET_PROGRAM}"
   SetOutPath "$INSTDIR\Help"
   File "${HELP}\*.html"
   SetOutPath "$INSTDIR"
@@ -122,6 +132,31 @@ Section /o "Keep display settings (start the keeper at log-on)" SecKeeper
   WriteRegStr HKLM "${RUN_KEY}" "${KEEPER_VALUE}" '"$INSTDIR\${EXE}" /tray'
 SectionEnd
 
+; With /STUDIO=<file>: the machine's studio file, and a task that applies it as each user logs on
+; (in the user's session: the displays' DDC/CI answers there). An upgrade without /STUDIO keeps both.
+Section /o "-Studio file" SecStudio
+  SetShellVarContext all
+  CreateDirectory "$APPDATA\${STUDIO_FOLDER}"
+  CopyFiles /SILENT /FILESONLY "$StudioSource" "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"
+  InitPluginsDir
+  FileOpen $0 "$PLUGINSDIR\studio-task.xml" w
+  FileWriteUTF16LE /BOM $0 '<?xml version="1.0" encoding="UTF-16"?>$\r$\n'
+  FileWriteUTF16LE $0 '<Task version="1.2" xmlns="http://schemas.microsoft.com/windows/2004/02/mit/task">$\r$\n'
+  FileWriteUTF16LE $0 '  <RegistrationInfo><Author>${PUBLISHER}</Author><Description>Sets the Velor pen displays as the studio file says (velor-display apply).</Description></RegistrationInfo>$\r$\n'
+  FileWriteUTF16LE $0 '  <Triggers><LogonTrigger><Enabled>true</Enabled><Delay>PT15S</Delay></LogonTrigger></Triggers>$\r$\n'
+  FileWriteUTF16LE $0 '  <Principals><Principal id="Users"><GroupId>S-1-5-32-545</GroupId><RunLevel>LeastPrivilege</RunLevel></Principal></Principals>$\r$\n'
+  FileWriteUTF16LE $0 '  <Settings><MultipleInstancesPolicy>IgnoreNew</MultipleInstancesPolicy><DisallowStartIfOnBatteries>false</DisallowStartIfOnBatteries><StopIfGoingOnBatteries>false</StopIfGoingOnBatteries><ExecutionTimeLimit>PT10M</ExecutionTimeLimit><Enabled>true</Enabled></Settings>$\r$\n'
+  FileWriteUTF16LE $0 '  <Actions Context="Users"><Exec><Command>"$INSTDIR\${QUIET_EXE}"</Command><Arguments>apply "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"</Arguments></Exec></Actions>$\r$\n'
+  FileWriteUTF16LE $0 '</Task>$\r$\n'
+  FileClose $0
+  nsExec::ExecToLog '"$SYSDIR\schtasks.exe" /Create /F /TN "${STUDIO_TASK}" /XML "$PLUGINSDIR\studio-task.xml"'
+  Pop $0
+  ${If} $0 != 0
+    DetailPrint "The log-on task could not be registered (schtasks: $0)."
+    SetErrorLevel 4
+  ${EndIf}
+SectionEnd
+
 ; After the sections: it selects one of them.
 Function .onInit
   SetRegView 64
@@ -133,6 +168,17 @@ Function .onInit
   ${IfNot} ${Errors}
   ${OrIf} $1 != ""
     SectionSetFlags ${SecKeeper} ${SF_SELECTED}
+  ${EndIf}
+  ClearErrors
+  ${GetOptions} $0 "/STUDIO=" $StudioSource
+  ${IfNot} ${Errors}
+    ${IfNot} ${FileExists} "$StudioSource"
+    ${OrIf} ${FileExists} "$StudioSource\*.*"
+      MessageBox MB_OK|MB_ICONSTOP "The studio file $StudioSource cannot be found." /SD IDOK
+      SetErrorLevel 2
+      Quit
+    ${EndIf}
+    SectionSetFlags ${SecStudio} ${SF_SELECTED}
   ${EndIf}
 FunctionEnd
 
@@ -147,6 +193,13 @@ Section "un.Program" SecUnProgram
   DeleteRegValue HKCU "${RUN_KEY}" "${KEEPER_VALUE}"
   Delete "$INSTDIR\${EXE}"
   Delete "$INSTDIR\${CONSOLE_EXE}"
+  Delete "$INSTDIR\${QUIET_EXE}"
+  ; The studio's log-on task and file (the machine's, not a user's setting).
+  nsExec::ExecToLog '"$SYSDIR\schtasks.exe" /Delete /F /TN "${STUDIO_TASK}"'
+  Pop $0
+  Delete "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"
+  RMDir "$APPDATA\${STUDIO_FOLDER}"
+  RMDir "$APPDATA\Velor"
   Delete "$INSTDIR\${UNINSTALLER}"
   Delete "$INSTDIR\Help\*.html"
   RMDir "$INSTDIR\Help"

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <future>
@@ -553,7 +554,7 @@ TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsACo
     "displays": 4,
     "failed": 0,
     "invalid": 0,
-    "no entry": 2,
+    "no_entry": 2,
     "unchanged": 2
   })"),
               std::string::npos)
@@ -563,7 +564,7 @@ TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsACo
     canvas->SetValueFromMenu(0x10, 90);
     run = bench.Run({"apply", studio, "--check", "--json"});
     EXPECT_EQ(run.code, CliExit::kChanged);
-    EXPECT_NE(run.out.find("\"would change\": 1"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("\"would_change\": 1"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("\"outcome\": \"drifted\""), std::string::npos);
     EXPECT_EQ(canvas->Value(0x10), 90);
 
@@ -594,3 +595,16 @@ TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsACo
     EXPECT_EQ(run.err, studio + ": not a studio file (a JSON object with a list of \"displays\")\n");
     EXPECT_EQ(bench.Run({"apply", folder.string()}).err, folder.string() + ": is a folder, not a studio file\n");
 }
+
+#ifndef _WIN32
+TEST(CommandLineTool, ARuntimeFolderThatIsNotThereDoesNotMakeEveryDisplayLookInUse) {
+    SToolBench bench;
+    const char* had = std::getenv("XDG_RUNTIME_DIR");
+    const std::string kept = had != nullptr ? had : "";
+    setenv("XDG_RUNTIME_DIR", "/run/user/no-such-user", 1);  // as su keeps a session's variable
+    const SRun run = bench.Run({"set", "0", "contrast=44"});
+    had != nullptr ? setenv("XDG_RUNTIME_DIR", kept.c_str(), 1) : unsetenv("XDG_RUNTIME_DIR");
+    EXPECT_EQ(run.code, CliExit::kDone) << run.err;
+    EXPECT_EQ(bench.Virtual(0)->Value(0x12), 44);
+}
+#endif
