@@ -38,6 +38,7 @@ ManifestSupportedOS all
 !define STUDIO_FOLDER "Velor\Display Settings"
 !define STUDIO_FILE "studio.json"
 !define STUDIO_TASK "Velor Display Settings Studio"
+!define STUDIO_TASK_FILE "studio-task.xml"
 
 Var StudioSource
 
@@ -138,8 +139,8 @@ Section /o "-Studio file" SecStudio
   SetShellVarContext all
   CreateDirectory "$APPDATA\${STUDIO_FOLDER}"
   CopyFiles /SILENT /FILESONLY "$StudioSource" "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"
-  InitPluginsDir
-  FileOpen $0 "$PLUGINSDIR\studio-task.xml" w
+  ; The task's definition stays beside the studio file, for the administrator to read.
+  FileOpen $0 "$APPDATA\${STUDIO_FOLDER}\${STUDIO_TASK_FILE}" w
   FileWriteUTF16LE /BOM $0 '<?xml version="1.0" encoding="UTF-16"?>$\r$\n'
   FileWriteUTF16LE $0 '<Task version="1.2" xmlns="http://schemas.microsoft.com/windows/2004/02/mit/task">$\r$\n'
   FileWriteUTF16LE $0 '  <RegistrationInfo><Author>${PUBLISHER}</Author><Description>Sets the Velor pen displays as the studio file says (velor-display apply).</Description></RegistrationInfo>$\r$\n'
@@ -149,7 +150,7 @@ Section /o "-Studio file" SecStudio
   FileWriteUTF16LE $0 '  <Actions Context="Users"><Exec><Command>"$INSTDIR\${QUIET_EXE}"</Command><Arguments>apply "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"</Arguments></Exec></Actions>$\r$\n'
   FileWriteUTF16LE $0 '</Task>$\r$\n'
   FileClose $0
-  nsExec::ExecToLog '"$SYSDIR\schtasks.exe" /Create /F /TN "${STUDIO_TASK}" /XML "$PLUGINSDIR\studio-task.xml"'
+  nsExec::ExecToLog '"$SYSDIR\schtasks.exe" /Create /F /TN "${STUDIO_TASK}" /XML "$APPDATA\${STUDIO_FOLDER}\${STUDIO_TASK_FILE}"'
   Pop $0
   ${If} $0 != 0
     DetailPrint "The log-on task could not be registered (schtasks: $0)."
@@ -198,6 +199,7 @@ Section "un.Program" SecUnProgram
   nsExec::ExecToLog '"$SYSDIR\schtasks.exe" /Delete /F /TN "${STUDIO_TASK}"'
   Pop $0
   Delete "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"
+  Delete "$APPDATA\${STUDIO_FOLDER}\${STUDIO_TASK_FILE}"
   RMDir "$APPDATA\${STUDIO_FOLDER}"
   RMDir "$APPDATA\Velor"
   Delete "$INSTDIR\${UNINSTALLER}"
