@@ -138,7 +138,7 @@ TEST(Profile, HostileProfilesAreRefusedOrTheirBadValuesNamedNeverWritten) {
     ASSERT_TRUE(bench.InitializeAndReadAll());
     bench.display->ClearTransactions();
     const SProfile profile = Parsed(R"({"model": 5, "settings": {
-        "brightness": 4294967297, "contrast": true, "gamma": 2.2, "sharpness": {"a": 1},
+        "brightness": 4294967297, "contrast": true, "gamma": 2.25, "sharpness": {"a": 1},
         "volume": 3, "Brightness": 20, "colour-space": "ultraviolet", "gain-red": 250,
         "lcd-conditioning": 1}})");
     const SProfileReport report = ApplyProfile(*bench.cdisplay, profile);
