@@ -593,7 +593,11 @@ TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsACo
     run = bench.Run({"apply", studio});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(run.err, studio + ": not a studio file (a JSON object with a list of \"displays\")\n");
-    EXPECT_EQ(bench.Run({"apply", folder.string()}).err, folder.string() + ": is a folder, not a studio file\n");
+    EXPECT_EQ(bench.Run({"apply", folder.string()}).err, folder.string() + ": is a folder, not a file\n");
+    // A profile is read the same way: a folder is named, never a crash.
+    const SRun profileFolder = bench.Run({"profile", "apply", "0", folder.string()});
+    EXPECT_EQ(profileFolder.code, CliExit::kBadUsage);
+    EXPECT_EQ(profileFolder.err, folder.string() + ": is a folder, not a file\n");
 }
 
 #ifndef _WIN32

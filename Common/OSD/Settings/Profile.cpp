@@ -9,6 +9,7 @@
 
 #include "DisplayNames.h"
 #include "SettingNames.h"
+#include "TextFile.h"
 
 namespace {
 
@@ -312,15 +313,9 @@ std::string ProfileText(const SProfile& profile_I) {
 }
 
 std::optional<SProfile> ReadProfileFile(const std::string& path_I, std::string& problem_O) {
-    std::ifstream in(path_I, std::ios::binary);
-    if (!in.is_open()) {
-        problem_O = path_I + ": cannot be read";
-        return std::nullopt;
-    }
-    std::ostringstream text;
-    text << in.rdbuf();
-    std::optional<SProfile> profile = ProfileFromText(text.str(), problem_O);
-    if (!profile) {
+    const std::optional<std::string> text = ReadTextFile(path_I, problem_O);
+    std::optional<SProfile> profile = text ? ProfileFromText(*text, problem_O) : std::nullopt;
+    if (text && !profile) {
         problem_O = path_I + ": " + problem_O;
     }
     return profile;

@@ -4,11 +4,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "ProductFamilies.h"
+#include "TextFile.h"
 
 namespace {
 
@@ -128,20 +126,9 @@ std::optional<SStudioFile> StudioFromText(const std::string& text_I, std::string
 }
 
 std::optional<SStudioFile> ReadStudioFile(const std::string& path_I, std::string& problem_O) {
-    std::error_code error;
-    if (std::filesystem::is_directory(path_I, error)) {
-        problem_O = path_I + ": is a folder, not a studio file";
-        return std::nullopt;
-    }
-    std::ifstream in(path_I, std::ios::binary);
-    if (!in.is_open()) {
-        problem_O = path_I + ": cannot be read";
-        return std::nullopt;
-    }
-    std::ostringstream text;
-    text << in.rdbuf();
-    std::optional<SStudioFile> studio = StudioFromText(text.str(), problem_O);
-    if (!studio) {
+    const std::optional<std::string> text = ReadTextFile(path_I, problem_O);
+    std::optional<SStudioFile> studio = text ? StudioFromText(*text, problem_O) : std::nullopt;
+    if (text && !studio) {
         problem_O = path_I + ": " + problem_O;
     }
     return studio;
