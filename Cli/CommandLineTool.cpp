@@ -19,6 +19,7 @@
 #include "Profile.h"
 #include "SettingNames.h"
 #include "StudioFile.h"
+#include "TextFile.h"
 #include "codes.h"
 
 namespace {
@@ -130,9 +131,19 @@ private:
 };
 
 json CTool::LoadChanges() const {
-    std::ifstream in(mChangesFile);
-    json changes = in ? json::parse(in, nullptr, false) : json::object();
-    return changes.is_object() ? changes : json::object();
+    std::string problem;
+    std::error_code error;
+    if (mChangesFile.empty() || !std::filesystem::exists(mChangesFile, error)) {
+        return json::object();
+    }
+    const std::optional<std::string> text = ReadTextFile(mChangesFile, problem);
+    const json changes = text ? json::parse(*text, nullptr, false) : json();
+    if (!changes.is_object()) {
+        // Started afresh: the notes of earlier runs are lost, said here.
+        mErr << (text ? mChangesFile + ": damaged revert notes (not a JSON object); started afresh" : problem) << "\n";
+        return json::object();
+    }
+    return changes;
 }
 
 void CTool::StoreChanges(const json& changes_I) const {
@@ -562,18 +573,27 @@ int CTool::Revert(SCliDisplay& found_I) {
     }
     int result = CliExit::kDone;
     for (const auto& [code, value] : changes[found_I.serial].items()) {
-        const auto number = static_cast<uint8_t>(std::stoul(code, nullptr, 16));
-        if (!value.is_number_integer() || !found_I.display->Option(number)) {
+        const std::optional<uint8_t> number = ParseVcpCode(code);
+        if (!number || !value.is_number_integer() || value.get<int64_t>() < 0 || value.get<int64_t>() > 0xFFFF) {
+            mErr << mChangesFile << ": damaged revert notes (\"" << code << "\": " << value.dump()
+                 << " is not a VCP code and its value); left out\n";
+            result = std::max(result, CliExit::kBadUsage);
             continue;
         }
-        if (!found_I.display->SetVCPValueVerify(number, value.get<int32_t>(), 1)) {
-            result = Failed(*found_I.display, RevertLabel(*found_I.display, number));
+        if (!found_I.display->Option(*number)) {
             continue;
         }
-        mOut << RevertLabel(*found_I.display, number) << ": back to " << value.get<int32_t>() << "\n";
+        const std::string label = RevertLabel(*found_I.display, *number);
+        if (!found_I.display->SetVCPValueVerify(*number, value.get<int32_t>(), 1)) {
+            result = Failed(*found_I.display, label);
+            continue;
+        }
+        // Named as the code's values are (a setting's values need not be its code's).
+        mOut << label << ": back to " << Shown(*found_I.display, STarget{std::nullopt, *number, label}, value.get<int32_t>())
+             << "\n";
     }
-    if (result == CliExit::kDone) {
-        Forget(found_I);
+    if (result != CliExit::kCommunicationFailure) {
+        Forget(found_I);  // what was damaged cannot be put back later either
     }
     return result;
 }

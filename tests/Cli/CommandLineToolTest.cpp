@@ -421,6 +421,21 @@ TEST(CommandLineTool, RevertUndoesTheUnsavedChangesOfEarlierRuns) {
     ASSERT_EQ(run({"set", "0", "contrast=25", "--save"}).first, CliExit::kDone);
     EXPECT_EQ(run({"revert", "0"}).second, "nothing to revert: no unsaved changes made with this tool\n");
     EXPECT_EQ(canvas->Value(0x12), 25);
+
+    // Choices are named as the display names them; damaged notes are said, the good ones still undone.
+    ASSERT_EQ(run({"set", "0", "colour-space=adobe-rgb"}).first, CliExit::kDone);
+    EXPECT_EQ(run({"revert", "0"}).second, "colour-space: back to 0 (sRGB)\n");
+    std::ofstream(changes) << R"({"VC1060A40892": {"zz": 5, "12": 70000, "10": 33}})";
+    std::tie(code, text) = run({"revert", "0"});
+    EXPECT_EQ(code, CliExit::kBadUsage);
+    EXPECT_EQ(text, "brightness: back to 33\n" + changes +
+                        ": damaged revert notes (\"12\": 70000 is not a VCP code and its value); left out\n" + changes +
+                        ": damaged revert notes (\"zz\": 5 is not a VCP code and its value); left out\n");
+    EXPECT_EQ(canvas->Value(0x10), 33);
+    EXPECT_EQ(canvas->Value(0x12), 25);
+    std::ofstream(changes) << "[1, 2";
+    EXPECT_EQ(run({"revert", "0"}).second, "nothing to revert: no unsaved changes made with this tool\n" + changes +
+                                               ": damaged revert notes (not a JSON object); started afresh\n");
     std::remove(changes.c_str());
 }
 
