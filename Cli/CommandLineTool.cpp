@@ -529,8 +529,14 @@ int CTool::Set(SCliDisplay& found_I, const std::vector<std::string>& assignments
                     names += (names.empty() ? "" : ", ") + named.name;
                 }
             }
-            mErr << assignment << ": the value is not a number"
-                 << (names.empty() ? "" : " or one of " + names) << "\n";
+            const std::string text = assignment.substr(equals + 1);
+            const bool digits = !text.empty() && text.find_first_not_of("-0123456789") == std::string::npos;
+            if (digits) {
+                mErr << assignment << ": far outside what any setting takes; nothing was written\n";
+            } else {
+                mErr << assignment << ": the value is not a number" << (names.empty() ? "" : " or one of " + names)
+                     << "\n";
+            }
             return CliExit::kBadUsage;
         }
         const std::string refusal = Refusal(display, *target, *value);
@@ -1063,11 +1069,14 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
 
     CLI::App* reset = app.add_subcommand("reset", "Factory reset (needs --yes) or colour reset");
     reset->add_option("display", display, "Index or serial number")->required();
-    reset->add_option("what", what, "factory or colour")
-        ->required()
-        ->check(CLI::IsMember({"factory", "colour", "color"}));
+    reset->add_option("what", what, "factory or colour")->required();
     reset->add_flag("--yes", yes, "Confirms a factory reset");
     reset->callback([&] {
+        if (what != "factory" && what != "colour" && what != "color") {
+            err_O << "reset takes factory or colour, not " << what << "\n";
+            result = CliExit::kBadUsage;
+            return;
+        }
         result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Reset(found, what, yes); });
     });
 

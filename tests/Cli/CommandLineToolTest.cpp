@@ -192,6 +192,12 @@ TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
     EXPECT_EQ(bench.Run({"get", "0", "0x99"}).code, CliExit::kBadUsage);
     EXPECT_EQ(bench.Run({"get", "7", "brightness"}).code, CliExit::kNoSuchDisplay);
     EXPECT_EQ(bench.Run({"get", "VC1070A40934", "brightness"}).code, CliExit::kDone);  // by serial
+    run = bench.Run({"set", "0", "brightness=4294967346"});  // 2^32 + 50 must not wrap to 50
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, "brightness=4294967346: far outside what any setting takes; nothing was written\n");
+    run = bench.Run({"reset", "0", "bogus"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, "reset takes factory or colour, not bogus\n");
 
     // A factory reset only when confirmed.
     run = bench.Run({"reset", "0", "factory"});
