@@ -8,6 +8,12 @@
 ;
 ; makensis -DVERSION=6.4.3-1 -DFILE_VERSION=6.4.3.1 -DPROGRAM=<exe> -DCONSOLE_PROGRAM=<velor-display.exe>
 ;          -DQUIET_PROGRAM=<velor-display-quiet.exe> -DICON=<ico> -DOUTFILE=<setup.exe>
+;          [-DSIGN=<command that signs the file it is given, in place>]
+
+; The uninstaller is made while the installer is built: it is signed then, as the programs were.
+!ifdef SIGN
+  !uninstfinalize '"${SIGN}" "%1"'
+!endif
 
 ; A 64-bit installer for the 64-bit program: it needs no 32-bit layer (nor does a check under Wine).
 Target amd64-unicode
