@@ -11,6 +11,7 @@
 #include "CVirtualDisplayConnector.h"
 #include "DebugLog.h"
 #include "EdidText.h"
+#include "TextFile.h"
 #include "VirtualMachine.h"
 
 namespace {
@@ -86,11 +87,17 @@ void CDemoDisplays::Load() {
     if (mStateFile.empty()) {
         return;
     }
-    std::ifstream in(mStateFile);
-    if (!in) {
+    std::error_code error;
+    std::string problem;
+    const std::optional<std::string> text =
+        std::filesystem::exists(mStateFile, error) ? ReadTextFile(mStateFile, problem) : std::nullopt;
+    if (!text) {
+        if (!problem.empty()) {
+            DLog("Demo: %s; starting afresh\n", problem.c_str());
+        }
         return;
     }
-    const nlohmann::json state = nlohmann::json::parse(in, nullptr, false);
+    const nlohmann::json state = nlohmann::json::parse(*text, nullptr, false);
     if (!state.is_object()) {
         DLog("Demo: %s is not a state file; starting afresh\n", mStateFile.c_str());
         return;

@@ -332,6 +332,14 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
     EXPECT_EQ(bench.Run({"keep", "1", profile}).code, CliExit::kBadUsage);
     std::ifstream in(bench.keptFile);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "{\"kept\": 7}");
+    // A folder where the list should be: named, never read as a stream (which ends the tool).
+    in.close();
+    std::filesystem::remove(bench.keptFile);
+    std::filesystem::create_directory(bench.keptFile);
+    run = bench.Run({"keep", "--list"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, bench.keptFile + ": is a folder, not a file\nthe kept profiles cannot be read; nothing was changed\n");
+    EXPECT_EQ(bench.Run({"restore"}).code, CliExit::kBadUsage);
 }
 
 TEST(CommandLineTool, RestoreGivesADisplayThatIsStillStartingTheSecondsItIsTold) {

@@ -1,5 +1,7 @@
 #include "ApplicationRules.h"
 
+#include "TextFile.h"
+
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
@@ -49,14 +51,16 @@ CApplicationRules CApplicationRules::FromText(const std::string& text_I, const s
 }
 
 CApplicationRules CApplicationRules::FromFile(const std::string& path_I, std::string& problem_O) {
-    std::ifstream in(path_I, std::ios::binary);
-    if (!in.is_open()) {
+    std::error_code error;
+    if (!std::filesystem::exists(path_I, error)) {
+        return {};  // no rules yet
+    }
+    const std::optional<std::string> text = ReadTextFile(path_I, problem_O);
+    if (!text) {
         return {};
     }
-    std::ostringstream text;
-    text << in.rdbuf();
     std::string problem;
-    CApplicationRules rules = FromText(text.str(), std::filesystem::path(path_I).parent_path().string(), problem);
+    CApplicationRules rules = FromText(*text, std::filesystem::path(path_I).parent_path().string(), problem);
     if (!problem.empty()) {
         problem_O = path_I + ": " + problem;
     }

@@ -1,5 +1,7 @@
 #include "KeptProfiles.h"
 
+#include "TextFile.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -20,13 +22,12 @@ bool SameDisplay(const SKeptProfile& kept_I, const std::string& model_I, const s
 
 bool CKeptProfiles::Load(std::string& problem_O) {
     mKept.clear();
-    std::ifstream in(mFile, std::ios::binary);
-    if (!in.is_open()) {
-        return true;
+    std::error_code error;
+    if (!std::filesystem::exists(mFile, error)) {
+        return true;  // nothing kept yet
     }
-    std::ostringstream text;
-    text << in.rdbuf();
-    return LoadText(text.str(), problem_O);
+    const std::optional<std::string> text = ReadTextFile(mFile, problem_O);
+    return text && LoadText(*text, problem_O);
 }
 
 bool CKeptProfiles::LoadText(const std::string& text_I, std::string& problem_O) {
