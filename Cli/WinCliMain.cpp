@@ -13,12 +13,15 @@
 
 #include "CommandLineTool.h"
 #include "DemoMachine.h"
+#include "InUseMark.h"
 #include "KeptProfiles.h"
 #include "SystemLibrary.h"
 #include "WinDisplays.h"
 
 int main(int argc, char** argv) {
     RestrictLibrarySearchToSystem();
+    // An installer waits while the tool runs (a studio's apply at log-on, a script's set).
+    const CInUseMark inUse;
     SetConsoleOutputCP(CP_UTF8);
     const std::vector<std::string> args(argv + 1, argv + argc);
     std::unique_ptr<CDemoMachine> demo;

@@ -33,8 +33,13 @@ ManifestSupportedOS all
 !define UNINSTALLER "Uninstall.exe"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\VelorDisplaySettings"
 !define SETTINGS_KEY "Software\Velor\OSD"
-; The program holds this mutex while it runs.
+; The program holds this mutex while it runs, in its session (versions before 6.4.3-1 only this).
 !define RUNNING_MUTEX "VelorDisplaySettings.Running"
+; The program and the command-line tool hold this one in the global namespace, seen from every
+; session: another user's, and session 0 where device management runs the installer as SYSTEM.
+; Opening it may be refused (another user's, with rights of its own): that too means running.
+!define IN_USE_MUTEX "Global\VelorDisplaySettings.InUse"
+!define ERROR_ACCESS_DENIED 5
 ; The keeper (the program with /tray): its window, and the log-on entry that starts it for every
 ; user (a user's own option in the program writes the same value under HKCU).
 !define KEEPER_CLASS "VelorDisplaySettings.Keeper"
@@ -84,8 +89,14 @@ VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 ${PUBLISHER}"
 ; with exit code 3 and changes nothing.
 !macro WaitWhileProgramRuns
   ${Do}
-    System::Call 'kernel32::OpenMutexW(i 0x00100000, i 0, w "${RUNNING_MUTEX}") p .r0'
+    System::Call 'kernel32::OpenMutexW(i 0x00100000, i 0, w "${IN_USE_MUTEX}") p .r0 ?e'
+    Pop $1
     ${If} $0 P= 0
+    ${AndIf} $1 <> ${ERROR_ACCESS_DENIED}
+      System::Call 'kernel32::OpenMutexW(i 0x00100000, i 0, w "${RUNNING_MUTEX}") p .r0'
+    ${EndIf}
+    ${If} $0 P= 0
+    ${AndIf} $1 <> ${ERROR_ACCESS_DENIED}
       ${Break}
     ${EndIf}
     System::Call 'kernel32::CloseHandle(p r0)'

@@ -4,6 +4,7 @@
 
 #include "CMainDialog.h"
 #include "CTrayKeeper.h"
+#include "InUseMark.h"
 #include "DebugLog.h"
 #include "LanguageProvider.h"
 #include "MessageWindows.h"
@@ -68,6 +69,8 @@ int RunApplication(const SStartupOptions& options_I) {
         BringRunningCopyForward();
         return eExitClosed;
     }
+    // For installers in any session; the keeper holds none: an installer ends it and goes on.
+    const CInUseMark inUse;
     INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);
 
