@@ -72,8 +72,9 @@ VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 ${PUBLISHER}"
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
 !define MUI_ABORTWARNING
-!define MUI_FINISHPAGE_RUN "$INSTDIR\${EXE}"
+!define MUI_FINISHPAGE_RUN
 !define MUI_FINISHPAGE_RUN_TEXT "Start ${PRODUCT}"
+!define MUI_FINISHPAGE_RUN_FUNCTION StartAsLoggedOnUser
 !define MUI_COMPONENTSPAGE_NODESC
 
 !insertmacro MUI_PAGE_COMPONENTS
@@ -84,6 +85,15 @@ VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 ${PUBLISHER}"
 !insertmacro MUI_UNPAGE_COMPONENTS
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
+
+; The finish page's start: the installer runs elevated, possibly as another account (an
+; administrator's, approved over the user's shoulder), and a program it starts would keep its
+; window position and power-warning choice in that account's settings. Explorer, the logged-on
+; user's own shell, starts it instead, unelevated, as that user. (Wine has one user and no
+; elevation: nothing there can show the difference.)
+Function StartAsLoggedOnUser
+  Exec '"$WINDIR\explorer.exe" "$INSTDIR\${EXE}"'
+FunctionEnd
 
 ; Waits for the user to close the program; in silent mode, or when the user cancels, ends
 ; with exit code 3 and changes nothing.
