@@ -11,6 +11,7 @@
 #include <sstream>
 #include <thread>
 
+#include "ProgramFolders.h"
 #include "DebugLog.h"
 
 namespace {
@@ -174,22 +175,9 @@ std::string CCapabilitiesCache::DefaultFile(bool demo_I) {
     if (const char* named = std::getenv("VLR_CAPABILITIES_CACHE"); named != nullptr && *named != '\0') {
         return named;
     }
-    std::filesystem::path folder;
-#if defined(_WIN32)
-    const char* local = std::getenv("LOCALAPPDATA");
-    if (local == nullptr || *local == '\0') {
+    const std::filesystem::path folder = UserCacheFolder();
+    if (folder.empty()) {
         return {};
     }
-    folder = std::filesystem::path(local) / "Velor Display Settings";
-#else
-    if (const char* cache = std::getenv("XDG_CACHE_HOME"); cache != nullptr && *cache != '\0') {
-        folder = cache;
-    } else if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
-        folder = std::filesystem::path(home) / ".cache";
-    } else {
-        return {};
-    }
-    folder /= "velor-display-settings";
-#endif
     return (folder / (demo_I ? "demo-capabilities.json" : "capabilities.json")).string();
 }

@@ -242,6 +242,13 @@ SectionEnd
 Section /o "un.Also remove my settings" SecUnSettings
   DeleteRegKey HKCU "${SETTINGS_KEY}"
   DeleteRegKey /ifempty HKCU "Software\Velor"
+  ; The files the program and the command-line tool keep for this user: revert notes, kept
+  ; profiles, profiles per application, the quiet tool's log; the demo's values; the cache.
+  SetShellVarContext current
+  RMDir /r "$APPDATA\velor-display-settings"
+  RMDir /r "$APPDATA\Velor\Display Settings Demo"
+  RMDir "$APPDATA\Velor"
+  RMDir /r "$LOCALAPPDATA\Velor Display Settings"
 SectionEnd
 
 ; After the sections: it selects one of them.

@@ -1,5 +1,6 @@
 #include "KeptProfiles.h"
 
+#include "ProgramFolders.h"
 #include "TextFile.h"
 
 #include <nlohmann/json.hpp>
@@ -102,17 +103,7 @@ std::string ProgramStateFolder(bool demo_I) {
     if (const char* demoState = std::getenv("VLR_DEMO_STATE"); demo_I && demoState != nullptr && *demoState != '\0') {
         return std::filesystem::path(demoState).parent_path().string();
     }
-    std::filesystem::path folder;
-    if (const char* state = std::getenv("XDG_STATE_HOME"); state != nullptr && *state != '\0') {
-        folder = state;
-    } else if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
-        folder = std::filesystem::path(home) / ".local" / "state";
-    } else if (const char* appData = std::getenv("APPDATA"); appData != nullptr && *appData != '\0') {
-        folder = appData;
-    } else {
-        return {};
-    }
-    return (folder / "velor-display-settings").string();
+    return UserStateFolder();
 }
 
 namespace {

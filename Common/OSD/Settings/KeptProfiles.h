@@ -38,9 +38,9 @@ private:
     std::vector<SKeptProfile> mKept;
 };
 
-// The folder the program keeps its own files in: $XDG_STATE_HOME/velor-display-settings
-// (~/.local/state/...), else %APPDATA%\velor-display-settings; empty when there is none. The
-// demo's files go beside $VLR_DEMO_STATE when that is set.
+// The folder the program keeps its own files in (UserStateFolder: ~/.local/state/velor-display-settings,
+// the roaming application data's velor-display-settings on Windows); empty when there is none.
+// The demo's files go beside $VLR_DEMO_STATE when that is set.
 std::string ProgramStateFolder(bool demo_I);
 // The kept profiles, the profiles per application and the folder of profiles the keeper's
 // menu offers, in that folder (the demo's own files with "demo-" in front).
