@@ -24,6 +24,10 @@ ManifestSupportedOS all
 !include "LogicLib.nsh"
 !include "FileFunc.nsh"
 !include "WinMessages.nsh"
+!include "StrFunc.nsh"
+${StrStr}
+${UnStrStr}
+${UnStrRep}
 
 !define PRODUCT "Velor Display Settings"
 !define PUBLISHER "Velor"
@@ -52,6 +56,28 @@ ManifestSupportedOS all
 !define STUDIO_TASK_FILE "studio-task.xml"
 
 Var StudioSource
+
+; The machine's PATH (the installation is the machine's: an elevated installer's HKCU may be
+; another account's, or SYSTEM's under device management).
+!define ENVIRONMENT_KEY "SYSTEM\CurrentControlSet\Control\Session Manager\Environment"
+
+; PathHas RESULT PATH: RESULT is not empty when PATH has the program folder as one of its entries.
+!macro PathHas result path
+  !ifdef __UNINSTALL__
+    ${UnStrStr} ${result} ";${path};" ";$INSTDIR;"
+  !else
+    ${StrStr} ${result} ";${path};" ";$INSTDIR;"
+  !endif
+!macroend
+
+; A PATH as long as NSIS's strings may have been cut when read: it is never written back.
+!macro PathTooLong path label
+  StrLen $9 "${path}"
+  IntOp $8 ${NSIS_MAX_STRLEN} - 1
+  IntCmp $9 $8 0 +3 0
+    DetailPrint "PATH is too long to change safely; the program folder was not ${label}."
+    Goto path_done
+!macroend
 
 Name "${PRODUCT}"
 OutFile "${OUTFILE}"
@@ -185,6 +211,23 @@ Section /o "-Studio file" SecStudio
   ${EndIf}
 SectionEnd
 
+; Chosen on the components page, or with /PATH in silent mode; an upgrade keeps the choice.
+Section /o "Add the program folder to PATH (velor-display in any console)" SecPath
+  ReadRegStr $0 HKLM "${ENVIRONMENT_KEY}" "Path"
+  !insertmacro PathTooLong $0 "added"
+  !insertmacro PathHas $1 $0
+  ${If} $1 == ""
+    ${If} $0 == ""
+      StrCpy $0 "$INSTDIR"
+    ${Else}
+      StrCpy $0 "$0;$INSTDIR"
+    ${EndIf}
+    WriteRegExpandStr HKLM "${ENVIRONMENT_KEY}" "Path" "$0"
+    SendMessage ${HWND_BROADCAST} ${WM_SETTINGCHANGE} 0 "STR:Environment" /TIMEOUT=5000
+  ${EndIf}
+  path_done:
+SectionEnd
+
 ; After the sections: it selects one of them.
 Function .onInit
   SetRegView 64
@@ -196,6 +239,14 @@ Function .onInit
   ${IfNot} ${Errors}
   ${OrIf} $1 != ""
     SectionSetFlags ${SecKeeper} ${SF_SELECTED}
+  ${EndIf}
+  ReadRegStr $1 HKLM "${ENVIRONMENT_KEY}" "Path"
+  !insertmacro PathHas $1 $1
+  ClearErrors
+  ${GetOptions} $0 "/PATH" $2
+  ${IfNot} ${Errors}
+  ${OrIf} $1 != ""
+    SectionSetFlags ${SecPath} ${SF_SELECTED}
   ${EndIf}
   ClearErrors
   ${GetOptions} $0 "/STUDIO=" $StudioSource
@@ -229,6 +280,17 @@ Section "un.Program" SecUnProgram
   Delete "$APPDATA\${STUDIO_FOLDER}\${STUDIO_TASK_FILE}"
   RMDir "$APPDATA\${STUDIO_FOLDER}"
   RMDir "$APPDATA\Velor"
+  ; The program folder leaves the machine's PATH (only that entry).
+  ReadRegStr $0 HKLM "${ENVIRONMENT_KEY}" "Path"
+  !insertmacro PathTooLong $0 "removed"
+  !insertmacro PathHas $1 $0
+  ${If} $1 != ""
+    ${UnStrRep} $0 ";$0;" ";$INSTDIR;" ";"
+    StrCpy $0 $0 -1 1  ; the two added semicolons
+    WriteRegExpandStr HKLM "${ENVIRONMENT_KEY}" "Path" "$0"
+    SendMessage ${HWND_BROADCAST} ${WM_SETTINGCHANGE} 0 "STR:Environment" /TIMEOUT=5000
+  ${EndIf}
+  path_done:
   Delete "$INSTDIR\${UNINSTALLER}"
   Delete "$INSTDIR\Help\*.html"
   RMDir "$INSTDIR\Help"
