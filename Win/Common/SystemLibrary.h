@@ -15,6 +15,13 @@ enum class ELibraryLocation {
 
 // Null when the library is not there; the reason is logged.
 HMODULE LoadTrustedLibrary(const wchar_t* name_I, ELibraryLocation where_I);
+// A function of a library LoadTrustedLibrary loaded; null when the library or the function is
+// not there.
+template <typename Function>
+Function LibraryFunction(HMODULE module_I, const char* name_I) {
+    FARPROC address = module_I != nullptr ? GetProcAddress(module_I, name_I) : nullptr;
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(address));
+}
 // Whether the library's file is where LoadTrustedLibrary would look, without loading it (and
 // so without running any of its code).
 bool IsTrustedLibraryInstalled(const wchar_t* name_I, ELibraryLocation where_I);

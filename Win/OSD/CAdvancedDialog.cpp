@@ -10,6 +10,7 @@
 #include "KeeperProcess.h"
 #include "MessageWindows.h"
 #include "SettingTable.h"
+#include "SystemLibrary.h"
 #include "UiDisplayDelegate.h"
 #include "WinStrings.h"
 #include "codes.h"
@@ -121,19 +122,30 @@ UiDisplayDelegate* CAdvancedDialog::Delegate() const {
 }
 
 std::wstring CAdvancedDialog::ProgramVersion() {
+    // version.dll is no known DLL: imported, it would be looked for beside a downloaded copy of
+    // the program first. It is loaded from the system directory only, when the page shows.
+    static const HMODULE version = LoadTrustedLibrary(L"version.dll", ELibraryLocation::SystemOnly);
+    using SizeFunction = DWORD(WINAPI*)(LPCWSTR, LPDWORD);
+    using InfoFunction = BOOL(WINAPI*)(LPCWSTR, DWORD, DWORD, LPVOID);
+    using QueryFunction = BOOL(WINAPI*)(LPCVOID, LPCWSTR, LPVOID*, PUINT);
+    const auto infoSize = LibraryFunction<SizeFunction>(version, "GetFileVersionInfoSizeW");
+    const auto info = LibraryFunction<InfoFunction>(version, "GetFileVersionInfoW");
+    const auto query = LibraryFunction<QueryFunction>(version, "VerQueryValueW");
+    if (infoSize == nullptr || info == nullptr || query == nullptr) {
+        return {};
+    }
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     DWORD ignored = 0;
-    const DWORD size = GetFileVersionInfoSizeW(path, &ignored);
+    const DWORD size = infoSize(path, &ignored);
     if (size == 0) {
         return {};
     }
     std::vector<BYTE> data(size);
     wchar_t* text = nullptr;
     UINT length = 0;
-    if (!GetFileVersionInfoW(path, 0, size, data.data()) ||
-        !VerQueryValueW(data.data(), L"\\StringFileInfo\\040904B0\\ProductVersion",
-                        reinterpret_cast<void**>(&text), &length) ||
+    if (!info(path, 0, size, data.data()) ||
+        !query(data.data(), L"\\StringFileInfo\\040904B0\\ProductVersion", reinterpret_cast<void**>(&text), &length) ||
         text == nullptr) {
         return {};
     }
