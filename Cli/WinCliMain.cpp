@@ -22,7 +22,18 @@ int main(int argc, char** argv) {
     RestrictLibrarySearchToSystem();
     // An installer waits while the tool runs (a studio's apply at log-on, a script's set).
     const CInUseMark inUse;
+    // Its texts are UTF-8 (the manifest makes UTF-8 the process's code page); the console's own
+    // code page is the user's again when the tool ends.
+    const UINT consoleCodePage = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
+    struct SRestoreCodePage {
+        UINT codePage;
+        ~SRestoreCodePage() {
+            if (codePage != 0) {
+                SetConsoleOutputCP(codePage);
+            }
+        }
+    } restoreCodePage{consoleCodePage};
     const std::vector<std::string> args(argv + 1, argv + argc);
     std::unique_ptr<CDemoMachine> demo;
     if (std::find(args.begin(), args.end(), "--demo") != args.end()) {
