@@ -4,6 +4,9 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
@@ -26,6 +29,46 @@ namespace {
 
 using nlohmann::json;
 
+// A line on standard error while a long operation runs, a dot added every two seconds and
+// "done" at its end; nothing when no one watches (no stream).
+class CProgressLine {
+public:
+    CProgressLine(std::ostream* err_I, const std::string& what_I) : mErr(err_I) {
+        if (mErr == nullptr) {
+            return;
+        }
+        *mErr << what_I << " " << std::flush;
+        mTicker = std::thread([this] {
+            std::unique_lock<std::mutex> lock(mMutex);
+            // Real seconds, not the protocol's clock: this is for the eye only.
+            while (!mCondition.wait_for(lock, std::chrono::seconds(2), [this] { return mDone; })) {
+                *mErr << "." << std::flush;
+            }
+        });
+    }
+    ~CProgressLine() {
+        if (mErr == nullptr) {
+            return;
+        }
+        {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            mDone = true;
+        }
+        mCondition.notify_one();
+        mTicker.join();
+        *mErr << " done\n" << std::flush;
+    }
+    CProgressLine(const CProgressLine&) = delete;
+    CProgressLine& operator=(const CProgressLine&) = delete;
+
+private:
+    std::ostream* mErr;
+    std::thread mTicker;
+    std::mutex mMutex;
+    std::condition_variable mCondition;
+    bool mDone = false;
+};
+
 class CTool {
 public:
     CTool(IDisplaySource& source_I, std::ostream& out_I, std::ostream& err_I, std::string changesFile_I,
@@ -40,6 +83,8 @@ public:
     // --serial-init and --no-cache, set while the command line is read.
     bool mSerialInit = false;
     bool mNoCache = false;
+    // A person reads the errors at a terminal: long operations say what they do meanwhile.
+    bool mShowProgress = false;
 
     int List(bool json_I);
 
@@ -212,7 +257,10 @@ SCliDisplay* CTool::FindListed(const std::string& display_I, int& exitCode_O) {
             return &displays[i];
         }
     }
-    mErr << "no display " << display_I << " (" << displays.size() << " found; see list)\n";
+    mErr << "no display " << display_I << ": no display found has that index or serial number ("
+         << (displays.empty() ? std::string("none found")
+                              : displays.size() == 1 ? std::string("index 0") : "index 0 to " + std::to_string(displays.size() - 1))
+         << "; see list)\n";
     PrintNotes();
     exitCode_O = CliExit::kNoSuchDisplay;
     return nullptr;
@@ -265,7 +313,9 @@ std::optional<STarget> CTool::Target(UiDisplayDelegate& display_I, const std::st
         }
         return target;
     }
-    mErr << name_I << ": not a setting name or a VCP code (brightness, contrast, 0x10, ...)\n";
+    const std::string hint = NearestProfileNameHint(name_I);
+    mErr << name_I << ": not a setting name or a VCP code" << (hint.empty() ? " (brightness, contrast, 0x10, ...)" : hint)
+         << "\n";
     return std::nullopt;
 }
 
@@ -610,6 +660,9 @@ int CTool::Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I) {
             mErr << "reset factory puts every setting of the display back to its factory value; add --yes\n";
             return CliExit::kBadUsage;
         }
+        const CProgressLine progress(mShowProgress ? &mErr : nullptr,
+                                     found_I.model + ": back to the factory settings; the display restarts, which takes "
+                                                     "about 20 seconds");
         return found_I.display->FactoryReset() ? CliExit::kDone : Failed(*found_I.display, "reset factory");
     }
     return found_I.display->ResetColor() ? CliExit::kDone : Failed(*found_I.display, "reset colour");
@@ -1001,8 +1054,9 @@ int CTool::Apply(const std::string& file_I, bool check_I, bool json_I) {
 
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
                        std::ostream& err_O, const std::string& changesFile_I, const std::string& keptFile_I,
-                       const std::string& cacheFile_I) {
+                       const std::string& cacheFile_I, bool showProgress_I) {
     CTool tool(source_I, out_O, err_O, changesFile_I, keptFile_I, cacheFile_I);
+    tool.mShowProgress = showProgress_I;
     CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays",
                  "velor-display"};
     app.require_subcommand(1);

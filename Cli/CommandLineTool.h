@@ -21,9 +21,12 @@ constexpr int kChanged = 5;  // apply: a display was changed (with --check: woul
 // args_I without the program name. changesFile_I keeps the unsaved changes between runs, for
 // revert (empty: not kept); keptFile_I the profiles displays keep, for keep and restore;
 // cacheFile_I the capabilities strings of the displays seen (empty: none are kept).
+// showProgress_I: errors go to a person at a terminal, who is told what a long operation (a
+// factory reset) is doing meanwhile.
 int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& source_I, std::ostream& out_O,
                        std::ostream& err_O, const std::string& changesFile_I = {},
-                       const std::string& keptFile_I = {}, const std::string& cacheFile_I = {});
+                       const std::string& keptFile_I = {}, const std::string& cacheFile_I = {},
+                       bool showProgress_I = false);
 // Where the program keeps the changes: "changes.json" in its state folder (the demo's
 // "demo-changes.json"); the kept profiles' file is DefaultKeptFile's.
 std::string DefaultChangesFile(bool demo_I);

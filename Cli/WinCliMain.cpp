@@ -39,6 +39,9 @@ int main(int argc, char** argv) {
     if (std::find(args.begin(), args.end(), "--demo") != args.end()) {
         demo = std::make_unique<CDemoMachine>("one-per-route");
     }
+    // A console, not a file or a pipe, takes the progress of long operations.
+    DWORD consoleMode = 0;
+    bool atTerminal = GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &consoleMode) != 0;
     std::ostream* out = &std::cout;
     std::ostream* err = &std::cerr;
 #ifdef VLR_QUIET_TOOL
@@ -50,13 +53,15 @@ int main(int argc, char** argv) {
     }
     out = &log;  // unopened: what would be printed goes nowhere
     err = &log;
+    atTerminal = false;
 #endif
     int result = 0;
     {
         CWinDisplays displays;
         result =
             RunCommandLineTool(args, displays, *out, *err, DefaultChangesFile(demo != nullptr),
-                               DefaultKeptFile(demo != nullptr), CCapabilitiesCache::DefaultFile(demo != nullptr));
+                               DefaultKeptFile(demo != nullptr), CCapabilitiesCache::DefaultFile(demo != nullptr),
+                               atTerminal);
     }
     return result;
 }

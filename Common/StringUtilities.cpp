@@ -1,5 +1,8 @@
 #include "StringUtilities.h"
 
+#include <algorithm>
+#include <vector>
+
 #include <cstdarg>
 #include <cstdio>
 
@@ -237,4 +240,21 @@ bool IsValidUtf8(const std::string& text_I) {
         i += taken;
     }
     return true;
+}
+
+size_t EditDistance(const std::string& a_I, const std::string& b_I) {
+    std::vector<size_t> row(b_I.size() + 1);
+    for (size_t j = 0; j < row.size(); ++j) {
+        row[j] = j;
+    }
+    for (size_t i = 1; i <= a_I.size(); ++i) {
+        size_t diagonal = row[0];
+        row[0] = i;
+        for (size_t j = 1; j <= b_I.size(); ++j) {
+            const size_t above = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a_I[i - 1] == b_I[j - 1] ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row.back();
 }

@@ -30,3 +30,7 @@ std::u16string DecodeCodedString(const std::u16string& codedString_I);
 std::u16string Utf8ToUtf16(const std::string& text_I);
 std::string Utf16ToUtf8(const std::u16string& text_I);
 bool IsValidUtf8(const std::string& text_I);
+
+// How many letters must be added, removed or changed to make one text the other (letter case
+// counts as a change).
+size_t EditDistance(const std::string& a_I, const std::string& b_I);

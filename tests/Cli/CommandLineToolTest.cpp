@@ -190,7 +190,12 @@ TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
     EXPECT_EQ(bench.Run({"set", "0", "fan=1"}).code, CliExit::kBadUsage);  // no fan setting here
     EXPECT_EQ(bench.Run({"set", "0", "brightness"}).code, CliExit::kBadUsage);
     EXPECT_EQ(bench.Run({"get", "0", "0x99"}).code, CliExit::kBadUsage);
-    EXPECT_EQ(bench.Run({"get", "7", "brightness"}).code, CliExit::kNoSuchDisplay);
+    run = bench.Run({"get", "7", "brightness"});
+    EXPECT_EQ(run.code, CliExit::kNoSuchDisplay);
+    EXPECT_EQ(run.err, "no display 7: no display found has that index or serial number (index 0 to 3; see list)\n");
+    run = bench.Run({"get", "0", "contrats"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, "contrats: not a setting name or a VCP code (did you mean contrast?)\n");
     EXPECT_EQ(bench.Run({"get", "VC1070A40934", "brightness"}).code, CliExit::kDone);  // by serial
     run = bench.Run({"set", "0", "brightness=4294967346"});  // 2^32 + 50 must not wrap to 50
     EXPECT_EQ(run.code, CliExit::kBadUsage);
@@ -199,12 +204,20 @@ TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(run.err, "reset takes factory or colour, not bogus\n");
 
-    // A factory reset only when confirmed.
+    // A factory reset only when confirmed; a person at a terminal is told what the wait is.
     run = bench.Run({"reset", "0", "factory"});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(canvas->CountRequests(0x03, 0x04), 0u);
     EXPECT_EQ(bench.Run({"reset", "0", "factory", "--yes"}).code, CliExit::kDone);
     EXPECT_EQ(canvas->CountRequests(0x03, 0x04), 1u);
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunCommandLineTool({"reset", "0", "factory", "--yes"}, bench.displays, out, err, {}, {}, {}, true),
+              CliExit::kDone);
+    EXPECT_EQ(err.str().substr(0, 91),
+              "Canvas 22 Pro: back to the factory settings; the display restarts, which takes about 20 "
+              "sec");
+    EXPECT_EQ(err.str().substr(err.str().size() - 6), " done\n");
 
     // A display that stops answering: communication failure.
     canvas->Faults().FailNext(EFault::NoReply, 100);
@@ -614,7 +627,7 @@ TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsACo
     run = bench.Run({"apply", studio});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(run.err, studio + ": displays[0]: \"Canvas 99\" is not a model this tool knows\n" + studio +
-                           ": displays[1]: \"brightnes\" is not a setting's name\n" + studio +
+                           ": displays[1]: \"brightnes\" is not a setting's name (did you mean brightness?)\n" + studio +
                            ": displays[2]: Canvas 22 Pro has an entry already\n" + studio +
                            ": displays[3]: \"serail\" is not a part of an entry (model, serial, keep, settings)\n");
     EXPECT_EQ(canvas->Value(0x12), 45);

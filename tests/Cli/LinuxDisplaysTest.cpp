@@ -255,7 +255,7 @@ TEST(LinuxDisplays, NodesTheUserMayNotOpenAreNamedWithTheWayToGetThem) {
                   "module loaded? sudo modprobe i2c-dev\n");
     err.str("");
     EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err), CliExit::kNoSuchDisplay);
-    EXPECT_EQ(err.str().find("no display 0 (0 found; see list)\n/dev/hidraw0 does not open"), 0u)
+    EXPECT_EQ(err.str().find("no display 0: no display found has that index or serial number (none found; see list)\n/dev/hidraw0 does not open"), 0u)
         << err.str();
 }
 

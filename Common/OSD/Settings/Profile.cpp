@@ -3,12 +3,14 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <limits>
 #include <sstream>
 
 #include "DisplayNames.h"
 #include "SettingNames.h"
+#include "StringUtilities.h"
 #include "TextFile.h"
 
 namespace {
@@ -114,7 +116,7 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
         const std::optional<ESetting> setting = SettingByName(value.name);
         const SChannelName* channel = setting ? nullptr : ChannelByName(value.name);
         if (!setting && channel == nullptr) {
-            skip(value.name, EProfileOutcome::Invalid, "not a setting's name");
+            skip(value.name, EProfileOutcome::Invalid, "not a setting's name" + NearestProfileNameHint(value.name));
             continue;
         }
         const std::string name = setting ? SettingName(*setting) : channel->name;
@@ -261,6 +263,30 @@ bool SProfileReport::Any(EProfileOutcome outcome_I) const {
 
 bool IsProfileName(const std::string& name_I) {
     return SettingByName(name_I) || ChannelByName(name_I) != nullptr;
+}
+
+std::string NearestProfileNameHint(const std::string& name_I) {
+    std::vector<std::string> names;
+    for (ESetting setting : AllSettings()) {
+        names.push_back(SettingName(setting));
+    }
+    for (const SChannelName& channel : kChannels) {
+        names.push_back(channel.name);
+    }
+    std::string lower = name_I;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c_I) { return static_cast<char>(std::tolower(c_I)); });
+    // One letter off for short names, two for longer ones: nearer than any two names are.
+    std::string nearest;
+    size_t best = (name_I.size() < 8 ? 1 : 2) + 1;
+    for (const std::string& name : names) {
+        const size_t distance = EditDistance(lower, name);
+        if (distance < best) {
+            best = distance;
+            nearest = name;
+        }
+    }
+    return nearest.empty() ? std::string() : " (did you mean " + nearest + "?)";
 }
 
 std::optional<SProfile> ProfileFromText(const std::string& text_I, std::string& problem_O) {

@@ -35,6 +35,9 @@ struct SProfile {
 // Whether a profile can name this: a setting's name (or accepted spelling) or a custom colour
 // channel's ("gain-red").
 bool IsProfileName(const std::string& name_I);
+// " (did you mean brightness?)" for a name a letter or two away from one a profile can name;
+// "" when none is that near.
+std::string NearestProfileNameHint(const std::string& name_I);
 
 // The profile in a file's text; none, and the reason, when it is not one.
 std::optional<SProfile> ProfileFromText(const std::string& text_I, std::string& problem_O);

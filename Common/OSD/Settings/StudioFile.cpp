@@ -66,7 +66,8 @@ std::optional<SStudioEntry> EntryFrom(const Json& json_I, const std::string& whe
     // same way whatever displays it has.
     for (const SProfileValue& value : profile->values) {
         if (!IsProfileName(value.name)) {
-            problems_IO.push_back(where_I + ": \"" + value.name + "\" is not a setting's name");
+            problems_IO.push_back(where_I + ": \"" + value.name + "\" is not a setting's name" +
+                                  NearestProfileNameHint(value.name));
         } else if (!value.number && value.text.empty()) {
             problems_IO.push_back(where_I + ": " + value.name + " is not a whole number or a choice's name");
         } else {
