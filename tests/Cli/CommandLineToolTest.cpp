@@ -256,6 +256,29 @@ TEST(CommandLineTool, AProfileRoundTripsAndApplyWritesOnlyWhatDiffers) {
     EXPECT_NE(run.err.find("contrast: the display did not answer as expected"), std::string::npos) << run.err;
     EXPECT_EQ(canvas->Value(0x10), 70);
 
+    // Choices are kept by name, so a profile of another family sets the same choices there;
+    // only what that display lacks is skipped.
+    canvas->Faults().Clear();
+    ASSERT_EQ(bench.Run({"set", "0", "contrast=50"}).code, CliExit::kDone);
+    ASSERT_EQ(bench.Run({"set", "1", "aspect-ratio=keep-ratio"}).code, CliExit::kDone);
+    ASSERT_EQ(bench.Run({"profile", "save", "1", file}).code, CliExit::kDone);
+    std::ifstream saved(file);
+    const std::string named(std::istreambuf_iterator<char>(saved), {});
+    EXPECT_NE(named.find("\"aspect-ratio\": \"keep-ratio\""), std::string::npos) << named;
+    EXPECT_NE(named.find("\"colour-temperature\": \"6500k\""), std::string::npos) << named;
+    run = bench.Run({"profile", "apply", "0", file});
+    EXPECT_EQ(run.code, CliExit::kDone) << run.err;
+    EXPECT_EQ(run.out, "aspect-ratio: 2 (full-screen) -> 5 (keep-ratio)\nfan: skipped (not on this display)\n");
+    EXPECT_EQ(canvas->Value(0xE2), 5);
+
+    // A value the display refuses is refused as set refuses it: exit code 1, nothing written.
+    std::ofstream(file) << R"({"settings": {"brightness": -1}})";
+    canvas->ClearTransactions();
+    run = bench.Run({"profile", "apply", "0", file});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, "brightness: skipped (\"-1\" is not a value this display offers)\n");
+    EXPECT_EQ(canvas->CountRequests(0x03), 0u);
+
     // Not a profile.
     std::ofstream(file) << "{ this is not json";
     EXPECT_EQ(bench.Run({"profile", "apply", "0", file}).code, CliExit::kBadUsage);

@@ -138,7 +138,7 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
             item.code = ChannelCode(*channel);
             item.rank = 1;
             if (!value.number || (!display_I.AllowsRawColorValues() && (*value.number < 0 || *value.number > 100))) {
-                skip(name, EProfileOutcome::Skipped, "not a value this display takes (0 to 100)");
+                skip(name, EProfileOutcome::Invalid, "not a value this display takes (0 to 100)");
                 continue;
             }
             item.wanted = *value.number;
@@ -222,7 +222,7 @@ SProfileReport Run(UiDisplayDelegate& display_I, const SProfile& profile_I, bool
         } else if (*result.actual != item.wanted && !write_I) {
             result.outcome = EProfileOutcome::Drifted;
         } else if (*result.actual != item.wanted && !item.offered) {
-            result.outcome = EProfileOutcome::Skipped;
+            result.outcome = EProfileOutcome::Invalid;  // refused as a set of it would be
             result.detail = "\"" + std::to_string(item.wanted) + "\" is not a value this display offers";
         } else if (*result.actual != item.wanted) {
             if (beforeWrite_I && item.code != 0) {
@@ -372,7 +372,13 @@ SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I
         }
         const SSettingState state = display_I.GetSetting(row.setting);
         if (state.supported && state.writable && state.valid) {
-            profile.values.push_back({row.name, state.value, {}});
+            // A choice by its name: another family may reach the same choice with another number.
+            const std::string choice = NameOfValue(display_I, STarget{row.setting, code, row.name}, state.value);
+            if (!choice.empty()) {
+                profile.values.push_back({row.name, std::nullopt, choice});
+            } else {
+                profile.values.push_back({row.name, state.value, {}});
+            }
             codes.push_back(code);
         }
     }

@@ -56,8 +56,8 @@ enum class EProfileOutcome {
     Drifted,   // the display has another value (checking only)
     Restored,  // written and read back
     Failed,    // did not read, did not write, or the display did not take it
-    Skipped,   // not on this display, or not a value it offers
-    Invalid,   // not a setting's name, or not a usable value
+    Skipped,   // not on this display (a profile of another family)
+    Invalid,   // not a setting's name, or a value this display refuses
 };
 
 struct SProfileItem {

@@ -145,6 +145,6 @@ TEST(Profile, HostileProfilesAreRefusedOrTheirBadValuesNamedNeverWritten) {
     EXPECT_TRUE(CodesWritten(*bench.display).empty());
     EXPECT_EQ(NamesWith(report, EProfileOutcome::Invalid),
               (std::set<std::string>{"brightness", "contrast", "gamma", "sharpness", "volume", "Brightness",
-                                     "colour-space"}));
-    EXPECT_EQ(NamesWith(report, EProfileOutcome::Skipped), (std::set<std::string>{"gain-red", "lcd-conditioning"}));
+                                     "colour-space", "gain-red"}));  // 250: refused, as a set of it is
+    EXPECT_EQ(NamesWith(report, EProfileOutcome::Skipped), (std::set<std::string>{"lcd-conditioning"}));
 }
