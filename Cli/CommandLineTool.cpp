@@ -298,7 +298,8 @@ std::optional<STarget> CTool::Target(UiDisplayDelegate& display_I, const std::st
         target.code = display_I.Traits().SettingCode(*setting);
         const VCPOptionPtr option = target.code != 0 ? display_I.Option(target.code) : nullptr;
         const bool unread = option && !option->HasOriginal();
-        if (target.code == 0 || !display_I.GetSetting(*setting).supported) {
+        // Code 0: a setting the program keeps itself (the colour mode of most families).
+        if (!display_I.GetSetting(*setting).supported) {
             mErr << name_I << ": this display has no such setting\n";
             return std::nullopt;
         }
@@ -326,7 +327,9 @@ json CTool::ValueJson(UiDisplayDelegate& display_I, const STarget& target_I, boo
     if (target_I.setting) {
         // Through the delegate, as the dialogs read it (per-family codes and value lists); a
         // value read a moment ago is not asked for again.
-        display_I.GetVCPValue(target_I.code, !target_I.justRead);
+        if (target_I.code != 0) {
+            display_I.GetVCPValue(target_I.code, !target_I.justRead);
+        }
         const SSettingState state = display_I.GetSetting(*target_I.setting);
         ok_O = state.valid;
         value["value"] = state.value;
@@ -547,7 +550,7 @@ std::string CTool::WriteVerified(UiDisplayDelegate& display_I, const STarget& ta
     if (option && option->Info().WriteOnly()) {
         return {};  // an action: nothing to read back
     }
-    if (!display_I.GetVCPValue(target_I.code, true).valid) {
+    if (target_I.code != 0 && !display_I.GetVCPValue(target_I.code, true).valid) {
         return failed();
     }
     const SSettingState after = display_I.GetSetting(*target_I.setting);

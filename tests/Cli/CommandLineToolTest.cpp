@@ -110,6 +110,14 @@ TEST(CommandLineTool, GetAndSetGoThroughTheDelegatesPerFamilyCodes) {
 
 TEST(CommandLineTool, ChoicesGoByTheDialogsLabelsOnEveryFamily) {
     SToolBench bench;
+    // The colour mode the program keeps itself (no display here reports it) is still a setting.
+    for (const char* display : {"0", "1", "2", "3"}) {
+        const SRun mode = bench.Run({"get", display, "colour-mode"});
+        EXPECT_EQ(mode.code, CliExit::kDone) << display << ": " << mode.err;
+        EXPECT_EQ(mode.out, "colour-mode = 1 (temperature)\n") << display;
+    }
+    EXPECT_EQ(bench.Run({"set", "0", "colour-mode=space", "colour-space=dci-p3"}).code, CliExit::kDone);
+    EXPECT_EQ(bench.Virtual(0)->Value(0xE3), 4);
     SRun run = bench.Run({"set", "0", "colour-space=Adobe-RGB", "gamma=2.4", "aspect-ratio=keep-ratio"});
     EXPECT_EQ(run.code, CliExit::kDone) << run.err;
     auto canvas = bench.Virtual(0);
