@@ -238,6 +238,15 @@ std::vector<SCliDisplay>& CTool::Displays() {
             mCache = std::make_shared<CCapabilitiesCache>(mCacheFile);
         }
         mSource.SetSearchOptions({!mSerialInit, mCache});
+        // The same order on every system, by route, so that an index means the same display
+        // on Windows and on Linux.
+        std::vector<SCliDisplay>& found = mSource.Displays();
+        const auto rank = [](const SCliDisplay& display_I) {
+            static const std::vector<std::string> kRoutes = {"graphics driver", "HID", "serial", "FTDI", "TI"};
+            return std::find(kRoutes.begin(), kRoutes.end(), display_I.route) - kRoutes.begin();
+        };
+        std::stable_sort(found.begin(), found.end(),
+                         [&](const SCliDisplay& a_I, const SCliDisplay& b_I) { return rank(a_I) < rank(b_I); });
     }
     return mSource.Displays();
 }

@@ -21,8 +21,13 @@ std::vector<SCliDisplay>& CWinDisplays::Displays() {
         if (!display) {
             continue;
         }
-        // Discovery has initialised it.
-        mDisplays.push_back({Narrow(info.ModelName()), Narrow(info.serialNumber),
+        // Discovery has initialised it. Named as on Linux, without the maker's name the dialog
+        // puts in front.
+        std::string model = Narrow(info.ModelName());
+        if (model.rfind("Velor ", 0) == 0) {
+            model.erase(0, 6);
+        }
+        mDisplays.push_back({model, Narrow(info.serialNumber),
                              ConnectorTypeName(display->GetConnector()->GetType()), display, true, display->Identity()});
     }
     return mDisplays;

@@ -67,7 +67,9 @@ std::wstring CDemoMachine::StateFile(const std::string& scenario_I) {
     return folder.empty() ? std::wstring() : folder + L"\\" + Widen(scenario_I) + L".txt";
 }
 
-// One line per stored value: the display's serial number, the VCP code and the value.
+// One line per stored value: the display's serial number, the VCP code, the saved value and the
+// current one (files of earlier versions have no current values: the display starts from the
+// saved ones). Unsaved values stay between runs, as a display keeps them until it is switched off.
 void CDemoMachine::Load() {
     const std::wstring path = StateFile(mScenario);
     FILE* file = path.empty() ? nullptr : _wfopen(path.c_str(), L"r");
@@ -75,13 +77,19 @@ void CDemoMachine::Load() {
         return;
     }
     std::map<std::string, std::map<uint8_t, uint16_t>> saved;
+    std::map<std::string, std::map<uint8_t, uint16_t>> current;
     char line[128];
     while (std::fgets(line, sizeof(line), file) != nullptr) {
         char serial[32] = {};
         unsigned code = 0;
         unsigned value = 0;
-        if (std::sscanf(line, "%31s %x %u", serial, &code, &value) == 3 && code <= 0xFF && value <= 0xFFFF) {
+        unsigned now = 0;
+        const int read = std::sscanf(line, "%31s %x %u %u", serial, &code, &value, &now);
+        if (read >= 3 && code <= 0xFF && value <= 0xFFFF && (read == 3 || now <= 0xFFFF)) {
             saved[serial][static_cast<uint8_t>(code)] = static_cast<uint16_t>(value);
+            if (read == 4) {
+                current[serial][static_cast<uint8_t>(code)] = static_cast<uint16_t>(now);
+            }
         } else {
             DLog("Demo: ignoring a line of the saved settings: %s", line);
         }
@@ -91,6 +99,9 @@ void CDemoMachine::Load() {
         auto it = saved.find(display->Model().serialText);
         if (it != saved.end()) {
             display->RestoreSavedValues(it->second);
+        }
+        for (const auto& [code, value] : current[display->Model().serialText]) {
+            display->SetValueFromMenu(code, value);
         }
     }
 }
@@ -110,7 +121,8 @@ void CDemoMachine::Store() const {
     }
     for (const auto& display : mMachine->Machine().Displays()) {
         for (const auto& [code, value] : display->SavedValues()) {
-            std::fprintf(file, "%s %02X %u\n", display->Model().serialText.c_str(), code, value);
+            std::fprintf(file, "%s %02X %u %u\n", display->Model().serialText.c_str(), code, value,
+                         display->Value(code));
         }
     }
     std::fclose(file);
