@@ -285,6 +285,10 @@ TEST(CommandLineTool, AProfileRoundTripsAndApplyWritesOnlyWhatDiffers) {
     run = bench.Run({"profile", "apply", "0", file});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(run.err, "brightness: skipped (\"-1\" is not a value this display offers)\n");
+    std::ofstream(file) << R"({"settings": {"brightness": 4294967346}})";  // 2^32 + 50, never cut to 50
+    run = bench.Run({"profile", "apply", "0", file});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, "brightness: skipped (\"4294967346\" is far outside what any setting takes)\n");
     EXPECT_EQ(canvas->CountRequests(0x03), 0u);
 
     // Not a profile.

@@ -160,7 +160,9 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
         const std::optional<int32_t> wanted =
             value.number ? value.number : ValueByText(display_I, target, value.text);
         if (!wanted) {
-            skip(name, EProfileOutcome::Invalid, "\"" + value.text + "\" is not one of its choices here");
+            const bool number = value.text.find_first_not_of("-0123456789") == std::string::npos;
+            skip(name, EProfileOutcome::Invalid,
+                 "\"" + value.text + (number ? "\" is far outside what any setting takes" : "\" is not one of its choices here"));
             continue;
         }
         item.offered = Offers(state, *wanted);
@@ -306,14 +308,19 @@ std::optional<SProfile> ProfileFromText(const std::string& text_I, std::string& 
         SProfileValue entry{name, std::nullopt, {}};
         constexpr int64_t kLowest = std::numeric_limits<int32_t>::min();
         constexpr int64_t kHighest = std::numeric_limits<int32_t>::max();
+        // A number no setting can take stays as its text, to be named as such, never cut short.
         if (value.is_number_unsigned()) {
             if (value.get<uint64_t>() <= static_cast<uint64_t>(kHighest)) {
                 entry.number = static_cast<int32_t>(value.get<uint64_t>());
+            } else {
+                entry.text = value.dump();
             }
         } else if (value.is_number_integer()) {
             const int64_t number = value.get<int64_t>();
             if (number >= kLowest && number <= kHighest) {
                 entry.number = static_cast<int32_t>(number);
+            } else {
+                entry.text = value.dump();
             }
         } else if (value.is_string()) {
             entry.text = value.get<std::string>();
