@@ -21,7 +21,7 @@ int ArgumentsOf(uint8_t opcode_I) {
         case kBitsInRisingMsb: return 1;
         case kSetClockDivisor: return 2;
         case kDriveOnlyZero: return 2;
-        default: return 0;  // 0x87, 0x8A, 0x8C, 0x85, 0x97 and unknown opcodes
+        default: return 0;  // 0x87, 0x8A, 0x8C, 0x85, 0x96, 0x97 and unknown opcodes
     }
 }
 
@@ -36,6 +36,7 @@ void CVirtualMpsseEngine::Reset() {
     mScl = mSda = true;
     mInTransfer = mAddressed = mReading = false;
     mOpenDrainPins = 0;
+    mAdaptiveClocking = false;
 }
 
 ByteBuffer CVirtualMpsseEngine::Read(size_t count_I) {
@@ -65,6 +66,8 @@ void CVirtualMpsseEngine::Write(const ByteBuffer& commands_I) {
             case kBadCommand: mOut.insert(mOut.end(), {kBadCommandEcho, kBadCommand}); break;
             case kSetLowBits: SetPins(mPending[at + 1]); break;
             case kDriveOnlyZero: mOpenDrainPins = mPending[at + 1]; break;
+            case kEnableAdaptiveClocking: mAdaptiveClocking = true; break;
+            case kDisableAdaptiveClocking: mAdaptiveClocking = false; break;
             case kBytesOutFallingMsb:
                 for (size_t i = at + 3; i < at + size; ++i) {
                     ClockByteOut(mPending[i]);
@@ -91,6 +94,7 @@ void CVirtualMpsseEngine::SetPins(uint8_t value_I) {
         // SDA falls while SCL is high: start (a repeated start ends the previous transfer).
         Finish();
         mInTransfer = true;
+        mBytesThisTransfer = 0;
         mAddressed = false;
         mAcknowledged = true;
         mWritten.clear();
@@ -108,8 +112,9 @@ void CVirtualMpsseEngine::ClockByteOut(uint8_t byte_I) {
         mAcknowledged = false;
         return;
     }
-    if (mDisplayStretchesClock && (mOpenDrainPins & kSclPin) == 0) {
-        // The bridge drives SCL high while the display holds it low: the bits are lost.
+    const bool survives = ByteSurvivesStretching();
+    ++mBytesThisTransfer;
+    if (!survives) {
         mAcknowledged = false;
         return;
     }
@@ -128,14 +133,29 @@ void CVirtualMpsseEngine::AcknowledgeBit() {
     mOut.push_back(mAcknowledged ? 0x00 : 0x01);
 }
 
+bool CVirtualMpsseEngine::ByteSurvivesStretching() const {
+    if (!mDisplayStretchesClock) {
+        return true;
+    }
+    if ((mOpenDrainPins & kSclPin) == 0) {
+        return false;  // the bridge drives SCL high while the display holds it low
+    }
+    // The display stretches after each byte: the first one of a transfer comes before any.
+    return mAdaptiveClocking || mBytesThisTransfer == 0;
+}
+
 void CVirtualMpsseEngine::ClockByteIn() {
+    const bool survives = ByteSurvivesStretching();
+    ++mBytesThisTransfer;
     if (mReadData.empty()) {
         if (!mInTransfer || !mReading || !mBus.Read(mAddress7, kReadBlock, mReadData)) {
             mReadData.assign(kReadBlock, 0xFF);  // nobody drives the line
         }
         mReadIndex = 0;
     }
-    mOut.push_back(mReadIndex < mReadData.size() ? mReadData[mReadIndex++] : 0xFF);
+    const uint8_t byte = mReadIndex < mReadData.size() ? mReadData[mReadIndex++] : 0xFF;
+    // Bits clocked while the display held SCL low were never driven: they read as ones.
+    mOut.push_back(survives ? byte : static_cast<uint8_t>(byte | 0xF0));
 }
 
 void CVirtualMpsseEngine::Finish() {

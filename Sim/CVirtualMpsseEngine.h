@@ -21,8 +21,13 @@ public:
     ByteBuffer Read(size_t count_I);
     void Reset();
 
-    // A display that holds SCL low while it works: only an open-drain SCL lets it.
+    // A display that holds SCL low after each byte while it works on it. An SCL driven push-pull
+    // fights it and nothing gets through; an open-drain SCL lets it, but an engine that does not
+    // wait for SCL (adaptive clocking off) clocks the next byte's first bits while SCL is held
+    // low, and the display misses them: it takes no byte after the first of a transfer, and
+    // what is read after the first byte is not what it sent.
     void SetDisplayStretchesClock(bool stretches_I) { mDisplayStretchesClock = stretches_I; }
+    bool AdaptiveClocking() const { return mAdaptiveClocking; }
     // The ADBUS pins set to drive only zero.
     uint8_t OpenDrainPins() const { return mOpenDrainPins; }
 
@@ -34,12 +39,16 @@ private:
     void AcknowledgeBit();
     void ClockByteIn();
     void Finish();
+    // Whether a byte clocked now reaches the display whole, as it stretches the clock.
+    bool ByteSurvivesStretching() const;
 
     CVirtualI2CBus mBus;
     std::deque<uint8_t> mOut;
     ByteBuffer mPending;  // the command bytes of an incomplete command
     uint8_t mOpenDrainPins = 0;
     bool mDisplayStretchesClock = false;
+    bool mAdaptiveClocking = false;
+    size_t mBytesThisTransfer = 0;  // clocked out or in since the start
     bool mScl = true;
     bool mSda = true;
     bool mInTransfer = false;

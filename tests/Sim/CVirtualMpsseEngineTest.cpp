@@ -86,7 +86,7 @@ TEST(VirtualMpsseEngine, AnswersTheEchoAndRefusesStrangeAddresses) {
     EXPECT_EQ(engine.Queued(), 0u);
 }
 
-TEST(VirtualMpsseEngine, ADisplayThatStretchesTheClockIsReachedOnlyWithOpenDrainLines) {
+TEST(VirtualMpsseEngine, ADisplayThatStretchesTheClockIsReachedOnlyWithOpenDrainLinesAndAdaptiveClocking) {
     SVirtualBench bench("canvas-13-hd");
     CBridgeConnector connector(bench.display);
     connector.engine.SetDisplayStretchesClock(true);
@@ -105,4 +105,21 @@ TEST(VirtualMpsseEngine, ADisplayThatStretchesTheClockIsReachedOnlyWithOpenDrain
     pushPull.Write(CMpsseI2CMaster::StartStream());
     pushPull.Write(CMpsseI2CMaster::WriteBytesStream({0x37 << 1}));
     EXPECT_EQ(pushPull.Read(1), ByteBuffer{0x01});  // NACK
+
+    // Open drain without adaptive clocking: the address gets through, the bytes after it, clocked
+    // while the display still holds SCL low, do not.
+    CVirtualMpsseEngine unsensed(bench.display);
+    unsensed.SetDisplayStretchesClock(true);
+    setup = CMpsseI2CMaster::SetupStream();
+    ASSERT_EQ(setup[1], Mpsse::kEnableAdaptiveClocking);
+    setup[1] = Mpsse::kDisableAdaptiveClocking;
+    unsensed.Write(setup);
+    unsensed.Write(CMpsseI2CMaster::StartStream());
+    unsensed.Write(CMpsseI2CMaster::WriteBytesStream({0x37 << 1, 0x51}));
+    EXPECT_EQ(unsensed.Read(2), (ByteBuffer{0x00, 0x01}));  // the address is taken, the next byte is not
+    unsensed.Write(CMpsseI2CMaster::StopStream());
+    const uint16_t before = bench.display->Value(0x10);
+    EXPECT_EQ(connector.SendRequest(BuildSetVCPRequest(0x10, 43), 0.05, 38, 0), (ByteBuffer{0x6E, 0x80, 0xBE}));
+    EXPECT_EQ(bench.display->Value(0x10), 43);  // the connector's own engine waits, as set up
+    EXPECT_NE(before, 43);
 }

@@ -29,7 +29,8 @@ void Pins(ByteBuffer& stream_IO, uint8_t value_I, uint8_t direction_I, int repea
 }  // namespace
 
 ByteBuffer CMpsseI2CMaster::SetupStream() {
-    ByteBuffer stream = {kDisableClockDivide5, kDisableAdaptiveClocking, kEnableThreePhaseClocking,
+    // Open-drain lines let a display hold SCL low; adaptive clocking makes the engine wait for it.
+    ByteBuffer stream = {kDisableClockDivide5, kEnableAdaptiveClocking, kEnableThreePhaseClocking,
                          kDriveOnlyZero, kSclPin | kSdaPin, 0x00};
     Pins(stream, kSclHighSdaHigh, kBothOutputs);
     stream.insert(stream.end(), {kSetClockDivisor, static_cast<uint8_t>(kDivisor100kHz & 0xFF),

@@ -16,6 +16,9 @@ constexpr uint8_t kBytesInRisingMsb = 0x20;
 constexpr uint8_t kBitsInRisingMsb = 0x22;
 constexpr uint8_t kSendImmediate = 0x87;
 constexpr uint8_t kDisableClockDivide5 = 0x8A;
+// Adaptive clocking: each clock waits until SCL, read back on GPIOL3 (ADBUS7, wired to SCL on
+// the bridge), is high, so a display that holds SCL low to stretch the clock is waited for.
+constexpr uint8_t kEnableAdaptiveClocking = 0x96;
 constexpr uint8_t kDisableAdaptiveClocking = 0x97;
 constexpr uint8_t kEnableThreePhaseClocking = 0x8C;
 constexpr uint8_t kSetClockDivisor = 0x86;
