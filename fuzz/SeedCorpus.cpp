@@ -10,11 +10,13 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "CVcpHIDConnector.h"
 #include "CVirtualDisplay.h"
 #include "CVirtualHidDevice.h"
 #include "CVirtualSerialPort.h"
+#include "CapabilitiesCache.h"
 #include "CapabilitiesReader.h"
 #include "FuzzInput.h"
 #include "I2CConnectorDP.h"
@@ -181,5 +183,41 @@ int main(int argc, char** argv) {
     WriteSeed(out / "settings_files", "rules",
               Bytes(std::string(1, '\2') +
                     R"({"rules": [{"application": "paint.exe", "profile": "adobe-rgb.json"}]})"));
+    // The README's studio file.
+    WriteSeed(out / "settings_files", "studio",
+              Bytes(std::string(1, '\3') + R"({"displays": [
+  {"model": "Canvas 22 Pro", "keep": true,
+   "settings": {"colour-space": "adobe-rgb", "brightness": 55, "contrast": 50, "gamma": 2.2}},
+  {"model": "Studio 24", "settings": {"brightness": 60, "colour-temperature": "6500k"}},
+  {"model": "Studio 24", "serial": "VC1070A40934", "settings": {"brightness": 75}}]})"));
+
+    // A capabilities cache as the program writes it.
+    const fs::path cacheFile = out / "capabilities-cache.json";
+    {
+        CCapabilitiesCache cache(cacheFile.string());
+        cache.Store({"VLR", 0x1060, "VC1060A40892", "graphics driver"}, {3, 1, 2},
+                    {"(prot(monitor)type(lcd)model(Canvas 22 Pro)vcp(02 04 10 12 14(04 05 06 08 0B)))", "Canvas 22 Pro"});
+        cache.Store({"VLR", 0x1070, "VC1070A40934", "HID"}, {6, 0, 1}, {"(vcp(10 12 6B))", "Studio 24"});
+    }
+    WriteSeed(out / "capabilities_cache", "two-displays", ReadFile(cacheFile));
+    fs::remove(cacheFile);
+
+    // The tool's commands as the README shows them, with and without revert notes before them.
+    const auto command = [&](const std::string& name_I, const std::string& notes_I, std::vector<std::string> args_I) {
+        std::string bytes = notes_I + '\0';
+        for (const std::string& arg : args_I) {
+            bytes += arg + '\0';
+        }
+        WriteSeed(out / "command_line", name_I, Bytes(bytes));
+    };
+    command("list", "", {"list", "--json"});
+    command("get", "", {"get", "0", "brightness", "contrast", "0x14"});
+    command("set", "", {"set", "1", "brightness=60", "colour-temperature=6500k", "--save"});
+    command("choices", "", {"set", "0", "colour-space=Adobe-RGB", "gamma=2.4", "aspect-ratio=keep-ratio"});
+    command("revert", R"({"VC1060A40892": {"10": 33, "12": 40}})", {"revert", "0"});
+    command("reset", "", {"reset", "0", "colour"});
+    command("caps", "", {"caps", "2", "--json"});
+    command("restore", "", {"restore", "--all", "--wait", "15"});
+    command("keep", "", {"keep", "--list"});
     return 0;
 }
