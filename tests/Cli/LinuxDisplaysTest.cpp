@@ -27,6 +27,7 @@
 #include "CommandLineTool.h"
 #include "DisplayLockScope.h"
 #include "DrmConnectors.h"
+#include "FakeLinuxSystem.h"
 #include "LinuxDisplays.h"
 #include "LogCapture.h"
 #include "TestData.h"
@@ -34,126 +35,6 @@
 #include "VirtualDisplayPresets.h"
 
 namespace {
-
-class CFakeLinuxSystem : public ILinuxSystem {
-public:
-    CFakeLinuxSystem() { ScopeDisplayLocksToThisProcess(); }
-    std::map<std::string, std::vector<std::string>> folders;
-    std::map<std::string, ByteBuffer> files;
-    std::map<std::string, std::string> links;
-    std::map<std::string, std::shared_ptr<CVirtualI2CBus>> devices;
-    // hidraw nodes; a null device opens but refuses every feature report (a pen interface).
-    std::map<std::string, std::shared_ptr<CVirtualHidDevice>> hidraw;
-    // Nodes whose device has been unplugged: what is open of them stops working.
-    std::set<std::string> unplugged;
-    // Nodes the user may not open.
-    std::set<std::string> denied;
-    unsigned transfers = 0;
-
-    std::vector<std::string> List(const std::string& folder_I) override {
-        auto it = folders.find(folder_I);
-        return it != folders.end() ? it->second : std::vector<std::string>();
-    }
-    std::optional<ByteBuffer> Read(const std::string& path_I) override {
-        auto it = files.find(path_I);
-        return it != files.end() ? std::optional<ByteBuffer>(it->second) : std::nullopt;
-    }
-    std::string LinkTarget(const std::string& path_I) override {
-        auto it = links.find(path_I);
-        return it != links.end() ? it->second : std::string();
-    }
-    int Open(const std::string& path_I, int) override {
-        if (denied.count(path_I) != 0) {
-            errno = EACCES;
-            return -1;
-        }
-        if (auto hid = hidraw.find(path_I); hid != hidraw.end()) {
-            mOpenHid[mNext] = hid->second;
-            mPaths[mNext] = path_I;
-            return mNext++;
-        }
-        auto it = devices.find(path_I);
-        if (it == devices.end()) {
-            errno = ENOENT;
-            return -1;
-        }
-        mOpen[mNext] = it->second;
-        return mNext++;
-    }
-    int Close(int descriptor_I) override {
-        return mOpen.erase(descriptor_I) + mOpenHid.erase(descriptor_I) == 1 ? 0 : -1;
-    }
-    int Ioctl(int descriptor_I, unsigned long request_I, void* argument_I) override {
-        if (unplugged.count(mPaths[descriptor_I]) != 0) {
-            errno = ENODEV;  // what an open node of a device that has gone reports
-            return -1;
-        }
-        if (auto hid = mOpenHid.find(descriptor_I); hid != mOpenHid.end()) {
-            return FeatureReport(hid->second, request_I, static_cast<uint8_t*>(argument_I));
-        }
-        auto it = mOpen.find(descriptor_I);
-        if (it == mOpen.end() || request_I != I2C_RDWR) {
-            errno = EINVAL;
-            return -1;
-        }
-        ++transfers;
-        auto* transfer = static_cast<i2c_rdwr_ioctl_data*>(argument_I);
-        for (unsigned i = 0; i < transfer->nmsgs; ++i) {
-            i2c_msg& message = transfer->msgs[i];
-            bool acknowledged = false;
-            if ((message.flags & I2C_M_RD) != 0) {
-                ByteBuffer bytes;
-                acknowledged = it->second->Read(static_cast<uint8_t>(message.addr), message.len, bytes);
-                std::copy(bytes.begin(), bytes.end(), message.buf);
-            } else {
-                acknowledged = it->second->Write(static_cast<uint8_t>(message.addr),
-                                                 ByteBuffer(message.buf, message.buf + message.len));
-            }
-            if (!acknowledged) {
-                errno = ENXIO;  // what i2c-dev reports for a NACK
-                return -1;
-            }
-        }
-        return static_cast<int>(transfer->nmsgs);
-    }
-    size_t OpenCount() const { return mOpen.size() + mOpenHid.size(); }
-    // Serial ports are real pseudo-terminals.
-    std::map<std::string, std::string> nodes;
-    std::string DeviceNode(const std::string& name_I) override {
-        auto it = nodes.find(name_I);
-        return it != nodes.end() ? it->second : "/dev/" + name_I;
-    }
-
-private:
-    static int FeatureReport(const std::shared_ptr<CVirtualHidDevice>& device_I, unsigned long request_I,
-                             uint8_t* buffer_IO) {
-        const size_t size = _IOC_SIZE(request_I);
-        ByteBuffer report(buffer_IO, buffer_IO + size);
-        bool ok = false;
-        if (request_I == HIDIOCSFEATURE(size)) {
-            ok = device_I && device_I->SetFeature(report);
-        } else if (request_I == HIDIOCGFEATURE(size)) {
-            ok = device_I && device_I->GetFeature(report);
-            std::copy_n(report.begin(), std::min(report.size(), size), buffer_IO);
-        }
-        if (!ok) {
-            errno = EPIPE;  // what hidraw reports for a stalled control transfer
-            return -1;
-        }
-        return static_cast<int>(size);
-    }
-
-    std::map<int, std::shared_ptr<CVirtualHidDevice>> mOpenHid;
-    std::map<int, std::string> mPaths;
-    std::map<int, std::shared_ptr<CVirtualI2CBus>> mOpen;
-    int mNext = 10;
-};
-
-constexpr char kDrm[] = "/sys/class/drm";
-
-ByteBuffer TextBytes(const std::string& text) {
-    return ByteBuffer(text.begin(), text.end());
-}
 
 // A machine with two displays (a Velor one on i2c-5 and another maker's on i2c-6) and the odd
 // connectors a real system has.
@@ -165,21 +46,19 @@ struct SLinuxBench {
         std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset("canvas-22-pro"));
 
     SLinuxBench() {
-        system.folders[kDrm] = {"card0",      "card0-DP-1",  "card0-HDMI-A-1", "card0-DP-2",
-                                "card0-DP-3", "card0-eDP-1", "version"};
-        Connector("card0-DP-1", canvas->Edid(), "../../i2c-5");
+        ScopeDisplayLocksToThisProcess();
+        system.DrmEntry("card0");
+        system.DrmConnector("card0-DP-1", canvas->Edid(), "i2c-5");
         system.devices["/dev/i2c-5"] = std::make_shared<CVirtualI2CBus>(canvas);
-        Connector("card0-HDMI-A-1", TestData::ReadBytes("edid/ed_dell-up2715k-dp_DEL_40B6.bin"),
-                  "../../i2c-6");
+        system.DrmConnector("card0-HDMI-A-1", TestData::ReadBytes("edid/ed_dell-up2715k-dp_DEL_40B6.bin"), "i2c-6");
         // Truncated EDID; a Velor display whose device node has gone; nothing connected.
-        Connector("card0-DP-2", ByteBuffer(canvas->Edid().begin(), canvas->Edid().begin() + 100),
-                  "../../i2c-7");
-        Connector("card0-DP-3", canvas->Edid(), "../../i2c-9");
-        system.files[std::string(kDrm) + "/card0-eDP-1/edid"] = {};
+        system.DrmConnector("card0-DP-2", ByteBuffer(canvas->Edid().begin(), canvas->Edid().begin() + 100), "i2c-7");
+        system.DrmConnector("card0-DP-3", canvas->Edid(), "i2c-9");
+        system.DrmConnector("card0-eDP-1", {}, "");
+        system.DrmEntry("version");
     }
-    void Connector(const std::string& name, const ByteBuffer& edid, const std::string& ddc) {
-        system.files[std::string(kDrm) + "/" + name + "/edid"] = edid;
-        system.links[std::string(kDrm) + "/" + name + "/ddc"] = ddc;
+    void Connector(const std::string& name, const ByteBuffer& edid, const std::string& bus) {
+        system.DrmConnector(name, edid, bus);
     }
 };
 
@@ -188,8 +67,8 @@ struct SLinuxBench {
 TEST(LinuxDisplays, DrmConnectorsGiveTheirEdidAndDdcBus) {
     SLinuxBench bench;
     // A connector that lists its adapter folder instead of a ddc link.
-    bench.system.links.erase(std::string(kDrm) + "/card0-DP-3/ddc");
-    bench.system.folders[std::string(kDrm) + "/card0-DP-3"] = {"edid", "i2c-9", "status"};
+    bench.system.Remove("/sys/devices/pci0000:00/0000:00:02.0/drm/card0/card0-DP-3/ddc");
+    bench.system.DrmConnector("card0-DP-3", bench.canvas->Edid(), "i2c-9", true);
     CLogCapture log;
     const std::vector<SDrmConnector> found = FindDrmConnectors(bench.system);
     ASSERT_EQ(found.size(), 3u);
@@ -237,9 +116,7 @@ TEST(LinuxDisplays, TheToolReachesTheMakersDisplayOverI2cDev) {
 TEST(LinuxDisplays, NodesTheUserMayNotOpenAreNamedWithTheWayToGetThem) {
     SLinuxBench bench;
     bench.system.denied = {"/dev/i2c-5", "/dev/hidraw0"};
-    bench.system.folders["/sys/class/hidraw"] = {"hidraw0"};
-    bench.system.files["/sys/class/hidraw/hidraw0/device/uevent"] =
-        TextBytes("HID_ID=0003:00002F4A:000003A6\n");
+    bench.system.HidrawNode("hidraw0", 0x2F4A, 0x03A6, "Velor Studio 24");
     CLinuxDisplays displays(bench.system);
     std::ostringstream out;
     std::ostringstream err;
@@ -262,17 +139,12 @@ TEST(LinuxDisplays, NodesTheUserMayNotOpenAreNamedWithTheWayToGetThem) {
 TEST(LinuxDisplays, TwoDisplaysOneOnI2cAndOneOnHidraw) {
     SLinuxBench bench;
     auto studio = std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset("studio-24"));
-    bench.system.folders[kDrm].push_back("card1-DP-1");
-    bench.Connector("card1-DP-1", studio->Edid(), "../../i2c-8");
+    bench.Connector("card1-DP-1", studio->Edid(), "i2c-8");
     bench.system.devices["/dev/i2c-8"] = std::make_shared<CVirtualI2CBus>(studio);
     // A keyboard, the display's pen interface and its control interface.
-    const std::string hidraw = "/sys/class/hidraw";
-    bench.system.folders[hidraw] = {"hidraw0", "hidraw1", "hidraw2"};
-    bench.system.files[hidraw + "/hidraw0/device/uevent"] =
-        TextBytes("DRIVER=hid-generic\nHID_ID=0003:0000046D:0000C31C\n");
-    bench.system.files[hidraw + "/hidraw1/device/uevent"] =
-        TextBytes("HID_ID=0003:00002F4A:000003A6\nHID_NAME=pen\n");
-    bench.system.files[hidraw + "/hidraw2/device/uevent"] = TextBytes("HID_ID=0003:00002F4A:000003A6\n");
+    bench.system.HidrawNode("hidraw0", 0x046D, 0xC31C, "Logitech USB Receiver");
+    bench.system.HidrawNode("hidraw1", 0x2F4A, 0x03A6, "Velor Studio 24 Pen");
+    bench.system.HidrawNode("hidraw2", 0x2F4A, 0x03A6, "Velor Studio 24");
     bench.system.hidraw["/dev/hidraw1"] = nullptr;
     bench.system.hidraw["/dev/hidraw2"] = std::make_shared<CVirtualHidDevice>(studio);
 
@@ -318,12 +190,12 @@ TEST(LinuxDisplays, ASerialModelIsReachedOverItsUsbSerialPort) {
     std::atomic<bool> stop{false};
     std::thread serving([&] { server.Serve(stop, 10); });
 
-    system.folders[kDrm] = {"card0-DP-1"};
-    system.files[std::string(kDrm) + "/card0-DP-1/edid"] = canvas->Edid();  // no DDC bus known
-    const std::string tty = "/sys/class/tty";
-    system.folders[tty] = {"tty0", "ttyS0", "ttyUSB0", "ttyUSB1"};
-    system.files[tty + "/ttyUSB0/device/../uevent"] = TextBytes("DRIVER=cp210x\nPRODUCT=10c4/ea60/100\n");
-    system.files[tty + "/ttyUSB1/device/../uevent"] = TextBytes("PRODUCT=67b/2303/300\n");  // another bridge
+    ScopeDisplayLocksToThisProcess();
+    system.DrmConnector("card0-DP-1", canvas->Edid(), "");  // no DDC bus known
+    system.PlainTty("tty0");
+    system.PlainTty("ttyS0");
+    system.UsbSerialPort("ttyUSB0", "cp210x", 0x10C4, 0xEA60, 0x100);
+    system.UsbSerialPort("ttyUSB1", "pl2303", 0x067B, 0x2303, 0x300);  // another maker's bridge
     system.nodes["ttyUSB0"] = server.TerminalPath();
 
     CLinuxDisplays displays(system);
@@ -358,11 +230,9 @@ TEST(LinuxDisplays, ASerialLineThatNeverStopsSendingFailsInsteadOfHanging) {
 
     CFakeLinuxSystem system;
     const auto canvas = CVirtualDisplay(*FindVirtualDisplayPreset("canvas-12"));
-    system.folders[kDrm] = {"card0-DP-1"};
-    system.files[std::string(kDrm) + "/card0-DP-1/edid"] = canvas.Edid();
-    const std::string tty = "/sys/class/tty";
-    system.folders[tty] = {"ttyUSB0"};
-    system.files[tty + "/ttyUSB0/device/../uevent"] = TextBytes("PRODUCT=10c4/ea60/100\n");
+    ScopeDisplayLocksToThisProcess();
+    system.DrmConnector("card0-DP-1", canvas.Edid(), "");
+    system.UsbSerialPort("ttyUSB0", "cp210x", 0x10C4, 0xEA60, 0x100);
     system.nodes["ttyUSB0"] = line;
 
     CLinuxDisplays displays(system);
