@@ -17,9 +17,9 @@ bool CVirtualSerialPort::Purge() {
 
 bool CVirtualSerialPort::Write(const ByteBuffer& bytes_I, size_t& written_O) {
     written_O = 0;
-    if (mWriteError != 0) {
+    if (mWriteFailures != 0) {
+        --mWriteFailures;
         mLastError = mWriteError;
-        mWriteError = 0;
         return false;
     }
     if (!mOpen) {

@@ -23,8 +23,11 @@ public:
     uint32_t LastError() const override { return mLastError; }
     bool DeviceGone() const override { return mLastError == kBadCommand; }
 
-    // The next write fails with this system error (22 unplugs the device).
-    void FailNextWrite(uint32_t error_I) { mWriteError = error_I; }
+    // The next writes fail with this system error (22 unplugs the device).
+    void FailNextWrite(uint32_t error_I, unsigned times_I = 1) {
+        mWriteError = error_I;
+        mWriteFailures = times_I;
+    }
     // The bridge is unplugged: the port no longer opens, and a port opened before fails every
     // call with ERROR_BAD_COMMAND, as a USB serial driver does, also after it is plugged back in.
     void SetUnplugged(bool unplugged_I);
@@ -39,5 +42,6 @@ private:
     bool mDead = false;  // open while unplugged
     uint32_t mLastError = 0;
     uint32_t mWriteError = 0;
+    unsigned mWriteFailures = 0;
     unsigned mReads = 0;
 };

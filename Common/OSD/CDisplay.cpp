@@ -473,12 +473,23 @@ bool CDisplay::Revert() {
         }
         opt.second->ClearError();
         opt.second->ResetValueToOriginal();
-        if (!WriteWithRetry(opt.second, "!opt.second->HasError()")) {
+        const bool written = WriteWithRetry(opt.second, "!opt.second->HasError()");
+        if (!written) {
             NoteFailure(opt.second);
             allWritten = false;
         }
-        // The read-back settles what the option holds; its own failure changes nothing here.
-        ReadVCPValue_(opt.second);
+        // The read-back settles what the option holds. A display that ignored the write, or
+        // that cannot say what it has now, has not been put back.
+        const bool readBack = ReadVCPValue_(opt.second);
+        if (written && !opt.second->Info().WriteOnly()) {
+            if (!readBack) {
+                NoteFailure(opt.second);
+                allWritten = false;
+            } else if (opt.second->IsChanged()) {
+                NoteFailure(VCPCodeName(opt.second->GetCode()), "the display kept another value");
+                allWritten = false;
+            }
+        }
         opt.second->ClearError();
     }
     return allWritten;

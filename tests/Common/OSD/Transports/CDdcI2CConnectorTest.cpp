@@ -1,33 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "CDdcI2CConnector.h"
-#include "CVirtualI2CBus.h"
 #include "DdcPackets.h"
 #include "LogCapture.h"
 #include "UiDisplayDelegate.h"
 #include "VirtualBench.h"
+#include "VirtualRoutes.h"
 
-namespace {
-
-// A bridge connector whose master is a bus with a virtual display on it.
-class CBusConnector : public CDdcI2CConnector {
-public:
-    explicit CBusConnector(std::shared_ptr<CVirtualDisplay> display) : mDisplay(std::move(display)) {}
-    unsigned GetType() const override { return eConnectorFTDI; }
-    bool Open(int32_t deviceIndex_I) override {
-        auto bus = std::make_unique<CVirtualI2CBus>(mDisplay);
-        this->bus = bus.get();
-        SetMaster(std::move(bus));
-        return deviceIndex_I == 0;
-    }
-    using CDdcI2CConnector::Open;
-    CVirtualI2CBus* bus = nullptr;
-
-private:
-    std::shared_ptr<CVirtualDisplay> mDisplay;
-};
-
-}  // namespace
 
 TEST(DdcI2CConnector, PacketsGoToTheAddressTheirFirstByteNames) {
     SVirtualBench bench("studio-24");

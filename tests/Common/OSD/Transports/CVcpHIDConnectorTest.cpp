@@ -8,27 +8,9 @@
 #include "LogCapture.h"
 #include "UiDisplayDelegate.h"
 #include "VirtualBench.h"
+#include "VirtualRoutes.h"
 
 namespace {
-
-// The common half over a virtual HID device; records every report it sets.
-class CSimHidConnector : public CVcpHIDConnector {
-public:
-    explicit CSimHidConnector(std::shared_ptr<CVirtualHidDevice> device) : mDevice(std::move(device)) {}
-    bool IsOpen() const override { return mOpen; }
-    bool OpenHIDDevice(const std::string& path_I) override { return mOpen = !path_I.empty(); }
-    bool CloseHIDDevice() override { return !(mOpen = false); }
-    bool SetFeature(const ByteBuffer& report_I) override {
-        reports.push_back(report_I);
-        return mDevice->SetFeature(report_I);
-    }
-    bool GetFeature(ByteBuffer& report_IO) override { return mDevice->GetFeature(report_IO); }
-    std::vector<ByteBuffer> reports;
-
-private:
-    std::shared_ptr<CVirtualHidDevice> mDevice;
-    bool mOpen = false;
-};
 
 struct SHidBench {
     CVirtualClock clock;
