@@ -25,3 +25,29 @@ std::optional<std::string> ReadTextFile(const std::string& path_I, std::string& 
     problem_O = path_I + ": cannot be read";
     return std::nullopt;
 }
+
+bool WriteTextFile(const std::string& path_I, const std::string& text_I, std::string& problem_O) {
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::path(path_I).parent_path();
+    if (!folder.empty()) {
+        std::filesystem::create_directories(folder, error);
+    }
+    const std::string partial = path_I + ".new";
+    {
+        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
+        out << text_I;
+        out.flush();
+        if (!out) {
+            problem_O = path_I + ": cannot be written";
+            std::filesystem::remove(partial, error);
+            return false;
+        }
+    }
+    std::filesystem::rename(partial, path_I, error);
+    if (error) {
+        problem_O = path_I + ": cannot be written (" + error.message() + ")";
+        std::filesystem::remove(partial, error);
+        return false;
+    }
+    return true;
+}

@@ -57,26 +57,7 @@ bool CKeptProfiles::Store(std::string& problem_O) const {
     for (const SKeptProfile& entry : mKept) {
         kept.push_back({{"model", entry.model}, {"serial", entry.serial}, {"profile", entry.profile}});
     }
-    std::error_code error;
-    std::filesystem::create_directories(std::filesystem::path(mFile).parent_path(), error);
-    // Written beside and moved over, so that a full disk or a crash never leaves half a file.
-    const std::string partial = mFile + ".new";
-    {
-        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
-        out << json{{"kept", kept}}.dump(2) << "\n";
-        out.flush();
-        if (!out) {
-            problem_O = mFile + ": cannot be written";
-            std::filesystem::remove(partial, error);
-            return false;
-        }
-    }
-    std::filesystem::rename(partial, mFile, error);
-    if (error) {
-        problem_O = mFile + ": cannot be written (" + error.message() + ")";
-        return false;
-    }
-    return true;
+    return WriteTextFile(mFile, json{{"kept", kept}}.dump(2) + "\n", problem_O);
 }
 
 void CKeptProfiles::Keep(const std::string& model_I, const std::string& serial_I, const std::string& profile_I) {

@@ -355,14 +355,7 @@ std::optional<SProfile> ReadProfileFile(const std::string& path_I, std::string& 
 }
 
 bool WriteProfileFile(const std::string& path_I, const SProfile& profile_I, std::string& problem_O) {
-    std::ofstream out(path_I, std::ios::binary | std::ios::trunc);
-    out << ProfileText(profile_I);
-    out.flush();
-    if (!out) {
-        problem_O = path_I + ": cannot be written";
-        return false;
-    }
-    return true;
+    return WriteTextFile(path_I, ProfileText(profile_I), problem_O);
 }
 
 SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I, const std::string& serial_I) {
