@@ -154,7 +154,8 @@ private:
     // The unsaved changes this tool made, kept between runs so that revert can undo them:
     // {"<serial>": {"<code>": value before the first change}}.
     json LoadChanges() const;
-    void StoreChanges(const json& changes_I) const;
+    // consequence_I: what the user loses when the notes cannot be written.
+    void StoreChanges(const json& changes_I, const char* consequence_I) const;
     // Notes the code's value before a write, unless an earlier unsaved change noted it already.
     void Remember(const SCliDisplay& display_I, uint8_t code_I);
     void Forget(const SCliDisplay& display_I);
@@ -191,13 +192,15 @@ json CTool::LoadChanges() const {
     return changes;
 }
 
-void CTool::StoreChanges(const json& changes_I) const {
+void CTool::StoreChanges(const json& changes_I, const char* consequence_I) const {
     if (mChangesFile.empty()) {
         return;
     }
-    std::error_code error;
-    std::filesystem::create_directories(std::filesystem::path(mChangesFile).parent_path(), error);
-    std::ofstream(mChangesFile) << changes_I.dump(1) << "\n";
+    std::string problem;
+    if (!WriteTextFile(mChangesFile, changes_I.dump(1) + "\n", problem)) {
+        // What was done on the display stands; the user hears what revert will get wrong.
+        mErr << problem << "; " << consequence_I << "\n";
+    }
 }
 
 void CTool::Remember(const SCliDisplay& display_I, uint8_t code_I) {
@@ -217,7 +220,7 @@ void CTool::Remember(const SCliDisplay& display_I, uint8_t code_I) {
             return;
         }
         noted[code] = before.value;
-        StoreChanges(changes);
+        StoreChanges(changes, "revert cannot undo this change");
     }
 }
 
@@ -227,7 +230,7 @@ void CTool::Forget(const SCliDisplay& display_I) {
     }
     json changes = LoadChanges();
     if (changes.erase(display_I.serial) != 0) {
-        StoreChanges(changes);
+        StoreChanges(changes, "revert would still put back the values from before");
     }
 }
 
@@ -517,6 +520,18 @@ std::string CTool::Refusal(UiDisplayDelegate& display_I, const STarget& target_I
             return offered ? std::string()
                            : where + ": not one of the values this display offers (" + choices + ")";
         }
+        // A setting the dialogs keep to themselves (the menu language) takes its code's list.
+        const VCPOptionPtr option = target_I.code != 0 ? display_I.Option(target_I.code) : nullptr;
+        if (const std::vector<SNamedValue> listed = option ? OptionValuesOf(*option) : std::vector<SNamedValue>();
+            !listed.empty()) {
+            std::string values;
+            for (const SNamedValue& named : listed) {
+                values += (values.empty() ? "" : ", ") + std::to_string(named.value);
+            }
+            return option->IsValidValue(value_I)
+                       ? std::string()
+                       : where + ": not one of the values this display offers (" + values + ")";
+        }
         if (value_I < state.range.minimum || value_I > state.range.maximum) {
             return where + ": outside " + std::to_string(state.range.minimum) + " to " +
                    std::to_string(state.range.maximum);
@@ -675,7 +690,12 @@ int CTool::Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I) {
         const CProgressLine progress(mShowProgress ? &mErr : nullptr,
                                      found_I.model + ": back to the factory settings; the display restarts, which takes "
                                                      "about 20 seconds");
-        return found_I.display->FactoryReset() ? CliExit::kDone : Failed(*found_I.display, "reset factory");
+        if (!found_I.display->FactoryReset()) {
+            return Failed(*found_I.display, "reset factory");
+        }
+        // The factory values are the display's now: earlier changes are no longer there to undo.
+        Forget(found_I);
+        return CliExit::kDone;
     }
     return found_I.display->ResetColor() ? CliExit::kDone : Failed(*found_I.display, "reset colour");
 }

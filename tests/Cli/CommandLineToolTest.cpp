@@ -13,6 +13,7 @@
 
 #include "CVirtualDisplayConnector.h"
 #include "CommandLineTool.h"
+#include "ToolBench.h"
 #include "DemoDisplays.h"
 #include "DisplayLockScope.h"
 #include "DisplayLock.h"
@@ -20,44 +21,6 @@
 #include "SettingTable.h"
 #include "VirtualClock.h"
 
-namespace {
-
-struct SRun {
-    int code = -1;
-    std::string out;
-    std::string err;
-};
-
-struct SToolBench {
-    SToolBench() { ScopeDisplayLocksToThisProcess(); }
-    CVirtualClock clock;
-    CScopedClock scopedClock{clock};
-    CDemoDisplays displays{""};
-
-    std::string keptFile;
-
-    SRun Run(const std::vector<std::string>& args) {
-        std::ostringstream out;
-        std::ostringstream err;
-        SRun run;
-        run.code = RunCommandLineTool(args, displays, out, err, {}, keptFile);
-        run.out = out.str();
-        run.err = err.str();
-        return run;
-    }
-    // The virtual display behind the n-th display of the list.
-    std::shared_ptr<CVirtualDisplay> Virtual(size_t index) {
-        auto connector = std::dynamic_pointer_cast<CVirtualDisplayConnector>(
-            displays.Displays().at(index).display->GetConnector());
-        return connector->Display();
-    }
-};
-
-std::string TempFile(const char* name) {
-    return (std::filesystem::temp_directory_path() / name).string();
-}
-
-}  // namespace
 
 TEST(CommandLineTool, ListsEveryDisplayWithItsRouteAsTextAndJson) {
     SToolBench bench;
