@@ -223,7 +223,9 @@ SProfileReport Run(UiDisplayDelegate& display_I, const SProfile& profile_I, bool
             answering = false;
         } else if (*result.actual != item.wanted && !write_I) {
             result.outcome = EProfileOutcome::Drifted;
-        } else if (*result.actual != item.wanted && !item.offered) {
+        } else if (*result.actual != item.wanted && !item.offered &&
+                   !(item.setting && Offers(display_I.GetSetting(*item.setting), item.wanted))) {
+            // (Asked again: a plan made while a read failed knew no range yet.)
             result.outcome = EProfileOutcome::Invalid;  // refused as a set of it would be
             result.detail = "\"" + std::to_string(item.wanted) + "\" is not a value this display offers";
         } else if (*result.actual != item.wanted) {

@@ -127,6 +127,18 @@ TEST(Profile, ADisplayThatStopsAnsweringMidRestoreIsReportedAndNothingAfterIsCla
     EXPECT_EQ(bench.display->Value(0x10), 33);
 }
 
+TEST(Profile, AValuePlannedWhileItsReadFailedIsStillWrittenOnceTheDisplayAnswers) {
+    // A fresh display object, as the keeper and the tool make after a search: the plan's read of
+    // sharpness is lost (no range known yet), the read just before the write answers.
+    SDelegateBench bench("canvas-22-pro");
+    ASSERT_TRUE(bench.Initialize());
+    bench.display->Faults().FailNext(EFault::NoReply, 1, 0x01, 0x87);
+    const SProfileReport report = ApplyProfile(*bench.cdisplay, Parsed(R"({"settings": {"sharpness": 4}})"));
+    EXPECT_GE(bench.display->CountRequests(0x01, 0x87), 2u);
+    EXPECT_EQ(NamesWith(report, EProfileOutcome::Restored), std::set<std::string>{"sharpness"}) << Shown(report);
+    EXPECT_EQ(bench.display->Value(0x87), 4);
+}
+
 TEST(Profile, HostileProfilesAreRefusedOrTheirBadValuesNamedNeverWritten) {
     std::string problem;
     for (const char* text : {"", "{", "[]", "{\"settings\": []}", "{\"settings\": 3}", "null"}) {
