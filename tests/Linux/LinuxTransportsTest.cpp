@@ -108,6 +108,9 @@ TEST(LinuxTransports, HidrawFeatureReportsGoAtTheDevicesFullReportLength) {
     ASSERT_TRUE(connector.GetFeature(status));
     EXPECT_EQ(status.size(), 512u);
     EXPECT_EQ(status[0], 0xE5);
+    // A buffer already at the full length, as the answer just read, goes again as it is.
+    ASSERT_TRUE(connector.GetFeature(status));
+    EXPECT_EQ(status.size(), 512u);
     // Longer than the device's report: refused before it reaches the kernel.
     EXPECT_FALSE(connector.SetFeature(ByteBuffer(513, 0xE5)));
     EXPECT_TRUE(system.refusals.empty()) << system.refusals.front();

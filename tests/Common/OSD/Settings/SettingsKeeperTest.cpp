@@ -225,3 +225,28 @@ TEST(SettingsKeeper, KeepingWhatADisplayHasNowMakesItComeBackAfterAPowerCycle) {
     bench.RunFor(5s);
     EXPECT_EQ(bench.Display(0).Value(0x10), 35);
 }
+
+TEST(SettingsKeeper, ADisplayThatAnswersButDoesNotTakeAValueIsNeverCalledRestored) {
+    SKeeperBench bench("vlr-keeper-refused");
+    bench.desk.Add("canvas-22-pro", "S22");
+    bench.Keep("canvas-22-pro", "S22", bench.Write("p.json", R"({"settings": {"contrast": 45}})"));
+    bench.Display(0).SetValueFromMenu(0x12, 50);
+    // Every contrast write is lost; everything else answers.
+    bench.Display(0).Faults().FailNext(EFault::NoReply, 100000, 0x03, 0x12);
+    bench.keeper->DesktopChanged();
+    bench.RunFor(120s);
+    EXPECT_EQ(bench.Display(0).Value(0x12), 50);
+    ASSERT_EQ(bench.desk.notified.size(), 1u);  // said once, when the keeper gave up
+    ASSERT_EQ(bench.desk.notified[0].size(), 1u);
+    EXPECT_EQ(bench.desk.notified[0][0].kind, SKeeperResult::EKind::Failed);
+    EXPECT_EQ(bench.desk.notified[0][0].settings, std::vector<std::string>{"contrast"});
+
+    // The writes get through again after a few lost ones: restored on a later try, and said.
+    bench.Display(0).Faults().Clear();
+    bench.Display(0).Faults().FailNext(EFault::NoReply, 6, 0x03, 0x12);
+    bench.keeper->DesktopChanged();
+    bench.RunFor(120s);
+    EXPECT_EQ(bench.Display(0).Value(0x12), 45);
+    ASSERT_EQ(bench.desk.notified.size(), 2u);
+    EXPECT_EQ(bench.desk.notified[1][0].kind, SKeeperResult::EKind::Restored);
+}
