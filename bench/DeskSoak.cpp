@@ -37,12 +37,7 @@
 #include <utility>
 #include <vector>
 
-#include <malloc.h>
 #include <unistd.h>
-
-#if defined(__SANITIZE_ADDRESS__)
-extern "C" size_t __sanitizer_get_current_allocated_bytes();
-#endif
 
 #include "CVirtualDisplay.h"
 #include "CVirtualDisplayConnector.h"
@@ -53,6 +48,7 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #include "EdidText.h"
 #include "KeptProfiles.h"
 #include "SettingsKeeper.h"
+#include "SoakWatchdog.h"
 #include "VirtualClock.h"
 #include "VirtualDisplayPresets.h"
 
@@ -79,14 +75,6 @@ std::unique_ptr<CDisplayLock> HoldInRealTime(const std::string& serial_I) {
         std::this_thread::sleep_for(1ms);
     }
     return held;
-}
-
-size_t AllocatedBytes() {
-#if defined(__SANITIZE_ADDRESS__)
-    return __sanitizer_get_current_allocated_bytes();
-#else
-    return mallinfo2().uordblks;
-#endif
 }
 
 struct SDeskDisplay {
@@ -512,30 +500,13 @@ int main(int argc, char** argv) {
     CVirtualClock clock;
     CScopedClock scoped(clock);
     std::atomic<unsigned long> progress{0};
-    std::atomic<bool> done{false};
-    std::thread watchdog([&progress, &done] {
-        unsigned long seen = progress.load();
-        auto lastChange = std::chrono::steady_clock::now();
-        while (!done.load()) {
-            std::this_thread::sleep_for(100ms);
-            if (progress.load() != seen) {
-                seen = progress.load();
-                lastChange = std::chrono::steady_clock::now();
-            } else if (std::chrono::steady_clock::now() - lastChange > kRealTimeLimit) {
-                std::printf("VIOLATION: nothing has ended for %lld s\n", static_cast<long long>(kRealTimeLimit.count()));
-                std::fflush(stdout);
-                std::_Exit(1);
-            }
-        }
-    });
+    CSoakWatchdog watchdog(progress, kRealTimeLimit, "a step or a tool run");
 
     STotals totals;
     {
         CDeskSoak soak(clock, seed, rate, folder);
         soak.Run(steps, progress, totals);
     }
-    done = true;
-    watchdog.join();
     std::error_code ignored;
     fs::remove_all(folder, ignored);
     std::printf("steps %lu, desk events %lu, tool runs %lu (%lu done, %lu failed or found the display in use and "

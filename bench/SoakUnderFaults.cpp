@@ -34,17 +34,12 @@
 #include <thread>
 #include <vector>
 
-#include <malloc.h>
-
-#if defined(__SANITIZE_ADDRESS__)
-// The sanitizer runtime's count of bytes in use (its allocator replaces malloc's).
-extern "C" size_t __sanitizer_get_current_allocated_bytes();
-#endif
 
 #include "CVirtualDisplay.h"
 #include "CVirtualDisplayConnector.h"
 #include "DdcPackets.h"
 #include "UiDisplayDelegate.h"
+#include "SoakWatchdog.h"
 #include "VirtualClock.h"
 #include "VirtualDisplayPresets.h"
 
@@ -59,14 +54,6 @@ constexpr std::chrono::microseconds kMaxPerTransaction = 250ms + 50ms + 5000ms +
 // the pause after a save, the retry pause of a failed write.
 constexpr std::chrono::microseconds kMaxOutsideTransactions = 10000ms + 200ms + 60ms;
 constexpr auto kRealTimeLimit = std::chrono::seconds(10);
-
-size_t AllocatedBytes() {
-#if defined(__SANITIZE_ADDRESS__)
-    return __sanitizer_get_current_allocated_bytes();
-#else
-    return mallinfo2().uordblks;
-#endif
-}
 
 enum class EOperation { Setter, Save, Revert, ResetColor, FactoryReset, CustomColor, PowerCycle, Refresh };
 
@@ -472,23 +459,7 @@ int main(int argc, char** argv) {
     CVirtualClock clock;
     CScopedClock scoped(clock);
     std::atomic<unsigned long> progress{0};
-    std::atomic<bool> done{false};
-    std::thread watchdog([&progress, &done] {
-        unsigned long seen = progress.load();
-        auto lastChange = std::chrono::steady_clock::now();
-        while (!done.load()) {
-            std::this_thread::sleep_for(100ms);
-            if (progress.load() != seen) {
-                seen = progress.load();
-                lastChange = std::chrono::steady_clock::now();
-            } else if (std::chrono::steady_clock::now() - lastChange > kRealTimeLimit) {
-                std::printf("VIOLATION: an operation has not ended after %lld s\n",
-                            static_cast<long long>(kRealTimeLimit.count()));
-                std::fflush(stdout);
-                std::_Exit(1);
-            }
-        }
-    });
+    CSoakWatchdog watchdog(progress, kRealTimeLimit, "an operation");
 
     STotals all;
     for (const SVirtualDisplayModel& model : VirtualDisplayPresets()) {
@@ -512,8 +483,6 @@ int main(int argc, char** argv) {
         all.deskEvents += totals.deskEvents;
         all.violations += totals.violations;
     }
-    done = true;
-    watchdog.join();
     std::printf("all              operations %lu, faults injected %lu, failures reported %lu, desk events %lu, "
                 "violations %lu\n",
                 all.operations, all.faults, all.failures, all.deskEvents, all.violations);
