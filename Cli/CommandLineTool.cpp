@@ -179,7 +179,7 @@ private:
 json CTool::LoadChanges() const {
     std::string problem;
     std::error_code error;
-    if (mChangesFile.empty() || !std::filesystem::exists(mChangesFile, error)) {
+    if (mChangesFile.empty() || !std::filesystem::exists(Utf8Path(mChangesFile), error)) {
         return json::object();
     }
     const std::optional<std::string> text = ReadTextFile(mChangesFile, problem);
@@ -850,7 +850,7 @@ int CTool::Keep(const std::string& display_I, const std::string& file_I, bool of
         }
     } else {
         std::error_code error;
-        const std::string path = std::filesystem::absolute(file_I, error).lexically_normal().string();
+        const std::string path = std::filesystem::absolute(Utf8Path(file_I), error).lexically_normal().string();
         if (!ReadProfile(path)) {
             return CliExit::kBadUsage;
         }
@@ -980,7 +980,7 @@ void CTool::ApplyEntry(SCliDisplay& display_I, const SStudioEntry& entry_I, bool
 
 bool CTool::KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I, json& shown_IO) {
     // Beside the kept profiles' file: "studio" (the demo's "demo-studio"), a profile per display.
-    const std::filesystem::path keptFile(mKeptFile);
+    const std::filesystem::path keptFile = Utf8Path(mKeptFile);
     const std::string prefix = keptFile.filename().string().rfind("demo-", 0) == 0 ? "demo-" : "";
     const std::filesystem::path folder = keptFile.parent_path() / (prefix + "studio");
     std::string name = display_I.serial.substr(0, 64);
@@ -996,7 +996,7 @@ bool CTool::KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I,
         shown_IO["keep"] = "failed";
         return false;
     }
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(Utf8Path(path), std::ios::binary);
     const std::string had((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     const std::optional<SKeptProfile> keeps = kept.Of(display_I.model, display_I.serial);
     if (had == ProfileText(profile) && keeps && keeps->profile == path) {
@@ -1242,5 +1242,5 @@ std::string DefaultChangesFile(bool demo_I) {
     if (folder.empty()) {
         return {};
     }
-    return (std::filesystem::path(folder) / (demo_I ? "demo-changes.json" : "changes.json")).string();
+    return (Utf8Path(folder) / (demo_I ? "demo-changes.json" : "changes.json")).string();
 }

@@ -6,7 +6,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "CVirtualDisplayConnector.h"
 #include "DebugLog.h"
@@ -35,7 +34,7 @@ std::string CDemoDisplays::DefaultStateFile() {
         return explicitFile;
     }
     const std::string folder = ProgramStateFolder(true);
-    return folder.empty() ? std::string() : (std::filesystem::path(folder) / "demo.json").string();
+    return folder.empty() ? std::string() : (Utf8Path(folder) / "demo.json").string();
 }
 
 std::vector<SCliDisplay>& CDemoDisplays::Displays() {
@@ -90,7 +89,7 @@ void CDemoDisplays::Load() {
     std::error_code error;
     std::string problem;
     const std::optional<std::string> text =
-        std::filesystem::exists(mStateFile, error) ? ReadTextFile(mStateFile, problem) : std::nullopt;
+        std::filesystem::exists(Utf8Path(mStateFile), error) ? ReadTextFile(mStateFile, problem) : std::nullopt;
     if (!text) {
         if (!problem.empty()) {
             DLog("Demo: %s; starting afresh\n", problem.c_str());
@@ -140,11 +139,8 @@ void CDemoDisplays::Store() const {
         }
         state[display->Model().serialText] = values;
     }
-    std::error_code error;
-    std::filesystem::create_directories(std::filesystem::path(mStateFile).parent_path(), error);
-    std::ofstream out(mStateFile);
-    out << state.dump(1) << "\n";
-    if (!out) {
-        DLog("Demo: %s could not be written\n", mStateFile.c_str());
+    std::string problem;
+    if (!WriteTextFile(mStateFile, state.dump(1) + "\n", problem)) {
+        DLog("Demo: %s\n", problem.c_str());
     }
 }

@@ -16,6 +16,7 @@
 #include "InUseMark.h"
 #include "KeptProfiles.h"
 #include "SystemLibrary.h"
+#include "TextFile.h"
 #include "WinDisplays.h"
 
 int main(int argc, char** argv) {
@@ -48,8 +49,8 @@ int main(int argc, char** argv) {
     std::ofstream log;
     if (const std::string folder = ProgramStateFolder(demo != nullptr); !folder.empty()) {
         std::error_code error;
-        std::filesystem::create_directories(folder, error);
-        log.open(std::filesystem::path(folder) / "velor-display-quiet.log", std::ios::trunc);
+        std::filesystem::create_directories(Utf8Path(folder), error);
+        log.open(Utf8Path(folder) / "velor-display-quiet.log", std::ios::trunc);
     }
     out = &log;  // unopened: what would be printed goes nowhere
     err = &log;

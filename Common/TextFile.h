@@ -3,13 +3,20 @@
 // file, the revert notes): a folder, a file that is not there or cannot be read or written gives
 // a message naming the path, never an exception.
 
+#include <filesystem>
 #include <optional>
 #include <string>
+
+// The path a UTF-8 string names, on every system. (On Windows a path made from a plain string
+// takes the C library's code page, which turns a user folder such as C:\Users\Jürgen into
+// another name or an error.)
+std::filesystem::path Utf8Path(const std::string& utf8_I);
 
 // The file's bytes; none, and "PATH: is a folder, not a file" or "PATH: cannot be read".
 std::optional<std::string> ReadTextFile(const std::string& path_I, std::string& problem_O);
 
-// Writes the file beside and moves it over the old one, so that a full disk or a crash never
-// leaves half a file; makes the folder when needed. False, and "PATH: cannot be written" with
-// the reason when the system gives one.
+// Writes the file beside (under a name of its own per writer, so two programs may store at once)
+// and moves it over the old one, so that a full disk or a crash never leaves half a file; makes
+// the folder when needed. False, and "PATH: cannot be written" with the reason when the system
+// gives one.
 bool WriteTextFile(const std::string& path_I, const std::string& text_I, std::string& problem_O);

@@ -2,16 +2,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
-#include <sstream>
-#include <thread>
 
 #include "ProgramFolders.h"
+#include "TextFile.h"
 #include "DebugLog.h"
 
 namespace {
@@ -62,15 +59,15 @@ bool IsOf(const json& entry_I, const SDisplayIdentity& identity_I) {
 // The file's entries; empty (and a log line) when it is missing, unreadable or not the cache.
 json LoadEntries(const std::string& file_I) {
     std::error_code error;
-    if (file_I.empty() || !std::filesystem::exists(file_I, error)) {
+    if (file_I.empty() || !std::filesystem::exists(Utf8Path(file_I), error)) {
         return json::array();
     }
-    const std::uintmax_t size = std::filesystem::file_size(file_I, error);
+    const std::uintmax_t size = std::filesystem::file_size(Utf8Path(file_I), error);
     if (error || size > kMaxFileSize) {
         DLog("Capabilities cache %s is not usable; the displays are read instead\n", file_I.c_str());
         return json::array();
     }
-    std::ifstream in(file_I, std::ios::binary);
+    std::ifstream in(Utf8Path(file_I), std::ios::binary);
     const json cache = json::parse(in, nullptr, false);
     if (!cache.is_object() || Number(cache, "capabilities-cache") != kFormat || !cache.contains("entries") ||
         !cache["entries"].is_array()) {
@@ -81,26 +78,9 @@ json LoadEntries(const std::string& file_I) {
 }
 
 void SaveEntries(const std::string& file_I, const json& entries_I) {
-    std::error_code error;
-    std::filesystem::create_directories(std::filesystem::path(file_I).parent_path(), error);
-    // A name of its own per writer: the settings window, the keeper and the tool may store at once.
-    std::ostringstream partial;
-    partial << file_I << ".new" << std::hash<std::thread::id>()(std::this_thread::get_id()) << '-'
-            << std::chrono::steady_clock::now().time_since_epoch().count();
-    {
-        std::ofstream out(partial.str(), std::ios::binary | std::ios::trunc);
-        out << json{{"capabilities-cache", kFormat}, {"entries", entries_I}}.dump(1) << "\n";
-        out.flush();
-        if (!out) {
-            DLog("Capabilities cache %s cannot be written\n", file_I.c_str());
-            std::filesystem::remove(partial.str(), error);
-            return;
-        }
-    }
-    std::filesystem::rename(partial.str(), file_I, error);
-    if (error) {
-        DLog("Capabilities cache %s cannot be written (%s)\n", file_I.c_str(), error.message().c_str());
-        std::filesystem::remove(partial.str(), error);
+    std::string problem;
+    if (!WriteTextFile(file_I, json{{"capabilities-cache", kFormat}, {"entries", entries_I}}.dump(1) + "\n", problem)) {
+        DLog("Capabilities cache %s\n", problem.c_str());
     }
 }
 

@@ -40,10 +40,10 @@ CApplicationRules CApplicationRules::FromText(const std::string& text_I, const s
             continue;
         }
         std::string profile = entry["profile"].get<std::string>();
-        std::filesystem::path path(profile);
+        const std::filesystem::path path = Utf8Path(profile);
         const bool windowsAbsolute = profile.size() > 2 && profile[1] == ':';
         if (!path.is_absolute() && !windowsAbsolute && !folder_I.empty()) {
-            profile = (std::filesystem::path(folder_I) / path).string();
+            profile = (Utf8Path(folder_I) / path).string();
         }
         rules.mRules.push_back({FileNameOf(entry["application"].get<std::string>()), profile});
     }
@@ -52,7 +52,7 @@ CApplicationRules CApplicationRules::FromText(const std::string& text_I, const s
 
 CApplicationRules CApplicationRules::FromFile(const std::string& path_I, std::string& problem_O) {
     std::error_code error;
-    if (!std::filesystem::exists(path_I, error)) {
+    if (!std::filesystem::exists(Utf8Path(path_I), error)) {
         return {};  // no rules yet
     }
     const std::optional<std::string> text = ReadTextFile(path_I, problem_O);
@@ -60,7 +60,7 @@ CApplicationRules CApplicationRules::FromFile(const std::string& path_I, std::st
         return {};
     }
     std::string problem;
-    CApplicationRules rules = FromText(*text, std::filesystem::path(path_I).parent_path().string(), problem);
+    CApplicationRules rules = FromText(*text, Utf8Path(path_I).parent_path().string(), problem);
     if (!problem.empty()) {
         problem_O = path_I + ": " + problem;
     }

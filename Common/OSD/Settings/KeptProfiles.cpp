@@ -24,7 +24,7 @@ bool SameDisplay(const SKeptProfile& kept_I, const std::string& model_I, const s
 bool CKeptProfiles::Load(std::string& problem_O) {
     mKept.clear();
     std::error_code error;
-    if (!std::filesystem::exists(mFile, error)) {
+    if (!std::filesystem::exists(Utf8Path(mFile), error)) {
         return true;  // nothing kept yet
     }
     const std::optional<std::string> text = ReadTextFile(mFile, problem_O);
@@ -82,7 +82,7 @@ std::optional<SKeptProfile> CKeptProfiles::Of(const std::string& model_I, const 
 std::string ProgramStateFolder(bool demo_I) {
     // The demo's files go beside the demo's state where that was placed on purpose.
     if (const char* demoState = std::getenv("VLR_DEMO_STATE"); demo_I && demoState != nullptr && *demoState != '\0') {
-        return std::filesystem::path(demoState).parent_path().string();
+        return Utf8Path(demoState).parent_path().string();
     }
     return UserStateFolder();
 }
@@ -94,7 +94,7 @@ std::string InStateFolder(bool demo_I, const char* name_I) {
     if (folder.empty()) {
         return {};
     }
-    return (std::filesystem::path(folder) / ((demo_I ? "demo-" : "") + std::string(name_I))).string();
+    return (Utf8Path(folder) / ((demo_I ? "demo-" : "") + std::string(name_I))).string();
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <set>
 
+#include "TextFile.h"
 #include "ApplicationRules.h"
 #include "Clock.h"
 #include "DebugLog.h"
@@ -283,7 +284,7 @@ std::vector<SKeeperResult> CSettingsKeeper::KeepCurrent(const std::string& profi
         return results;  // a damaged list is not overwritten
     }
     std::error_code error;
-    std::filesystem::create_directories(profilesFolder_I, error);
+    std::filesystem::create_directories(Utf8Path(profilesFolder_I), error);
     for (SKeeperDisplay& display : Displays()) {
         SKeeperResult result;
         result.model = display.model;
@@ -296,7 +297,7 @@ std::vector<SKeeperResult> CSettingsKeeper::KeepCurrent(const std::string& profi
             continue;
         }
         const std::string path =
-            (std::filesystem::path(profilesFolder_I) / (DisplayFileName(display.model + " " + display.serial) + ".json"))
+            (Utf8Path(profilesFolder_I) / (DisplayFileName(display.model + " " + display.serial) + ".json"))
                 .string();
         if (!WriteProfileFile(path, CaptureProfile(*display.display, display.model, display.serial), problem)) {
             result.kind = SKeeperResult::EKind::ProfileUnreadable;

@@ -18,6 +18,7 @@
 #include "ResourceUtils.h"
 #include "SettingNames.h"
 #include "SettingTable.h"
+#include "TextFile.h"
 #include "WinStrings.h"
 
 namespace {
@@ -294,7 +295,7 @@ void CTrayKeeper::AddIcon() {
 std::vector<std::string> CTrayKeeper::Profiles() const {
     std::vector<std::string> profiles;
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(mFiles.profiles, error)) {
+    for (const auto& entry : std::filesystem::directory_iterator(Utf8Path(mFiles.profiles), error)) {
         if (entry.path().extension() == ".json") {
             profiles.push_back(entry.path().string());
         }
@@ -379,9 +380,9 @@ void CTrayKeeper::OpenSettings() {
 
 void CTrayKeeper::OpenRules() {
     std::error_code error;
-    if (!std::filesystem::exists(mFiles.rules, error)) {
-        std::filesystem::create_directories(std::filesystem::path(mFiles.rules).parent_path(), error);
-        std::ofstream(mFiles.rules, std::ios::binary) << CApplicationRules::ExampleText();
+    if (!std::filesystem::exists(Utf8Path(mFiles.rules), error)) {
+        std::filesystem::create_directories(Utf8Path(mFiles.rules).parent_path(), error);
+        std::ofstream(Utf8Path(mFiles.rules), std::ios::binary) << CApplicationRules::ExampleText();
     }
     // Notepad is on every Windows, whatever opens .json files there.
     const std::wstring file = L"\"" + Widen(mFiles.rules) + L"\"";
