@@ -588,10 +588,19 @@ int CTool::Set(SCliDisplay& found_I, const std::vector<std::string>& assignments
     UiDisplayDelegate& display = *found_I.display;
     // Everything is checked before anything is written.
     std::vector<std::pair<STarget, int32_t>> writes;
-    for (const std::string& assignment : assignments_I) {
+    for (size_t i = 0; i < assignments_I.size(); ++i) {
+        const std::string& assignment = assignments_I[i];
         const size_t equals = assignment.find('=');
         if (equals == std::string::npos) {
-            mErr << assignment << ": write SETTING=VALUE\n";
+            // "set 0 brightness 30", the way get is written: show the form meant.
+            const bool valueFollows =
+                i + 1 < assignments_I.size() && assignments_I[i + 1].find('=') == std::string::npos;
+            if (valueFollows) {
+                mErr << assignment << " " << assignments_I[i + 1] << ": write " << assignment << "="
+                     << assignments_I[i + 1] << "; nothing was written\n";
+            } else {
+                mErr << assignment << ": write " << assignment << "=VALUE; nothing was written\n";
+            }
             return CliExit::kBadUsage;
         }
         std::optional<STarget> target = Target(display, assignment.substr(0, equals));

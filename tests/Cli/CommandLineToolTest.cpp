@@ -159,7 +159,14 @@ TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
               "colour-space=42: not one of the values this display offers (7 native, 1 adobe-rgb, 0 srgb, "
               "3 rec-709, 4 dci-p3); nothing was written\n");
     EXPECT_EQ(bench.Run({"set", "0", "fan=1"}).code, CliExit::kBadUsage);  // no fan setting here
-    EXPECT_EQ(bench.Run({"set", "0", "brightness"}).code, CliExit::kBadUsage);
+    // Written the way get is: the form meant is shown.
+    run = bench.Run({"set", "0", "brightness", "30"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, "brightness 30: write brightness=30; nothing was written\n");
+    run = bench.Run({"set", "0", "contrast=40", "brightness"});
+    EXPECT_EQ(run.code, CliExit::kBadUsage);
+    EXPECT_EQ(run.err, "brightness: write brightness=VALUE; nothing was written\n");
+    EXPECT_EQ(canvas->CountRequests(0x03, 0x12), 0u);
     EXPECT_EQ(bench.Run({"get", "0", "0x99"}).code, CliExit::kBadUsage);
     run = bench.Run({"get", "7", "brightness"});
     EXPECT_EQ(run.code, CliExit::kNoSuchDisplay);
