@@ -859,7 +859,8 @@ int CTool::Keep(const std::string& display_I, const std::string& file_I, bool of
         }
     } else {
         std::error_code error;
-        const std::string path = std::filesystem::absolute(Utf8Path(file_I), error).lexically_normal().string();
+        const std::string path =
+            Utf8String(std::filesystem::absolute(Utf8Path(file_I), error).lexically_normal());
         if (!ReadProfile(path)) {
             return CliExit::kBadUsage;
         }
@@ -990,11 +991,11 @@ void CTool::ApplyEntry(SCliDisplay& display_I, const SStudioEntry& entry_I, bool
 bool CTool::KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I, json& shown_IO) {
     // Beside the kept profiles' file: "studio" (the demo's "demo-studio"), a profile per display.
     const std::filesystem::path keptFile = Utf8Path(mKeptFile);
-    const std::string prefix = keptFile.filename().string().rfind("demo-", 0) == 0 ? "demo-" : "";
+    const std::string prefix = Utf8String(keptFile.filename()).rfind("demo-", 0) == 0 ? "demo-" : "";
     const std::filesystem::path folder = keptFile.parent_path() / (prefix + "studio");
     std::string name = display_I.serial.substr(0, 64);
     std::replace_if(name.begin(), name.end(), [](char c_I) { return std::isalnum(static_cast<unsigned char>(c_I)) == 0; }, '_');
-    const std::string path = (folder / (name + ".json")).string();
+    const std::string path = Utf8String(folder / (name + ".json"));
     SProfile profile = entry_I.profile;
     profile.model = display_I.model;
     profile.serial = display_I.serial;
@@ -1251,5 +1252,5 @@ std::string DefaultChangesFile(bool demo_I) {
     if (folder.empty()) {
         return {};
     }
-    return (Utf8Path(folder) / (demo_I ? "demo-changes.json" : "changes.json")).string();
+    return Utf8String(Utf8Path(folder) / (demo_I ? "demo-changes.json" : "changes.json"));
 }

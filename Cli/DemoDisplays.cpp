@@ -34,7 +34,7 @@ std::string CDemoDisplays::DefaultStateFile() {
         return explicitFile;
     }
     const std::string folder = ProgramStateFolder(true);
-    return folder.empty() ? std::string() : (Utf8Path(folder) / "demo.json").string();
+    return folder.empty() ? std::string() : Utf8String(Utf8Path(folder) / "demo.json");
 }
 
 std::vector<SCliDisplay>& CDemoDisplays::Displays() {

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "TextFile.h"
+
 #if defined(_WIN32)
 #include <windows.h>
 #include <knownfolders.h>
@@ -24,12 +26,12 @@ std::filesystem::path KnownFolder(REFKNOWNFOLDERID folder_I) {
 
 std::string UserStateFolder() {
     const std::filesystem::path roaming = KnownFolder(FOLDERID_RoamingAppData);
-    return roaming.empty() ? std::string() : (roaming / "velor-display-settings").string();
+    return roaming.empty() ? std::string() : Utf8String(roaming / "velor-display-settings");
 }
 
 std::string UserCacheFolder() {
     const std::filesystem::path local = KnownFolder(FOLDERID_LocalAppData);
-    return local.empty() ? std::string() : (local / "Velor Display Settings").string();
+    return local.empty() ? std::string() : Utf8String(local / "Velor Display Settings");
 }
 
 #else
@@ -51,12 +53,12 @@ std::filesystem::path XdgFolder(const char* named_I, const char* under_I) {
 
 std::string UserStateFolder() {
     const std::filesystem::path state = XdgFolder("XDG_STATE_HOME", ".local/state");
-    return state.empty() ? std::string() : (state / "velor-display-settings").string();
+    return state.empty() ? std::string() : Utf8String(state / "velor-display-settings");
 }
 
 std::string UserCacheFolder() {
     const std::filesystem::path cache = XdgFolder("XDG_CACHE_HOME", ".cache");
-    return cache.empty() ? std::string() : (cache / "velor-display-settings").string();
+    return cache.empty() ? std::string() : Utf8String(cache / "velor-display-settings");
 }
 
 #endif

@@ -11,6 +11,11 @@ std::filesystem::path Utf8Path(const std::string& utf8_I) {
     return std::filesystem::path(std::u8string(utf8_I.begin(), utf8_I.end()));
 }
 
+std::string Utf8String(const std::filesystem::path& path_I) {
+    const std::u8string utf8 = path_I.u8string();
+    return std::string(utf8.begin(), utf8.end());
+}
+
 std::optional<std::string> ReadTextFile(const std::string& path_I, std::string& problem_O) {
     std::error_code error;
     // A folder opens as a stream here and fails only when read.

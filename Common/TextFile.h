@@ -12,6 +12,11 @@
 // another name or an error.)
 std::filesystem::path Utf8Path(const std::string& utf8_I);
 
+// The UTF-8 string that names a path, on every system: Utf8Path's inverse. (What path::string()
+// gives on Windows is the standard library's choice: UTF-8 with libstdc++, the code page with
+// others.)
+std::string Utf8String(const std::filesystem::path& path_I);
+
 // The file's bytes; none, and "PATH: is a folder, not a file" or "PATH: cannot be read".
 std::optional<std::string> ReadTextFile(const std::string& path_I, std::string& problem_O);
 

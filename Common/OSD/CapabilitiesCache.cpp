@@ -155,9 +155,9 @@ std::string CCapabilitiesCache::DefaultFile(bool demo_I) {
     if (const char* named = std::getenv("VLR_CAPABILITIES_CACHE"); named != nullptr && *named != '\0') {
         return named;
     }
-    const std::filesystem::path folder = UserCacheFolder();
+    const std::string folder = UserCacheFolder();
     if (folder.empty()) {
         return {};
     }
-    return (folder / (demo_I ? "demo-capabilities.json" : "capabilities.json")).string();
+    return Utf8String(Utf8Path(folder) / (demo_I ? "demo-capabilities.json" : "capabilities.json"));
 }

@@ -55,6 +55,16 @@ TEST(TextFile, ANameOutsideTheCodePageIsWrittenAndReadUnderThatVeryName) {
     const std::optional<std::string> text = ReadTextFile(file, problem);
     ASSERT_TRUE(text.has_value()) << problem;
     EXPECT_EQ(*text, "{\"brightness\": 70}\n");
+
+    // A folder the system names (on Windows a wide known folder such as C:\Users\Jürgen-プ) as the
+    // program's UTF-8 text and back: a file named under it lands in that very folder.
+    const fs::path systemFolder = folder.path / u8"J\u00fcrgen-\u30d7";
+    const std::string utf8 = Utf8String(systemFolder);
+    EXPECT_EQ(utf8.substr(0, folder.Utf8().size()), folder.Utf8());
+    EXPECT_EQ(utf8.substr(folder.Utf8().size() + 1), "J\xC3\xBCrgen-\xE3\x83\x97");  // after the separator
+    EXPECT_EQ(Utf8Path(utf8), systemFolder);
+    ASSERT_TRUE(WriteTextFile(utf8 + "/kept.json", "[]\n", problem)) << problem;
+    EXPECT_TRUE(fs::exists(systemFolder / "kept.json"));
 }
 
 TEST(TextFile, AFileAnotherProgramHoldsOpenIsStillReplacedAndNothingIsLeftBeside) {

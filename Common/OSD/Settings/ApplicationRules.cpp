@@ -43,7 +43,7 @@ CApplicationRules CApplicationRules::FromText(const std::string& text_I, const s
         const std::filesystem::path path = Utf8Path(profile);
         const bool windowsAbsolute = profile.size() > 2 && profile[1] == ':';
         if (!path.is_absolute() && !windowsAbsolute && !folder_I.empty()) {
-            profile = (Utf8Path(folder_I) / path).string();
+            profile = Utf8String(Utf8Path(folder_I) / path);
         }
         rules.mRules.push_back({FileNameOf(entry["application"].get<std::string>()), profile});
     }
@@ -60,7 +60,7 @@ CApplicationRules CApplicationRules::FromFile(const std::string& path_I, std::st
         return {};
     }
     std::string problem;
-    CApplicationRules rules = FromText(*text, Utf8Path(path_I).parent_path().string(), problem);
+    CApplicationRules rules = FromText(*text, Utf8String(Utf8Path(path_I).parent_path()), problem);
     if (!problem.empty()) {
         problem_O = path_I + ": " + problem;
     }

@@ -82,7 +82,7 @@ std::optional<SKeptProfile> CKeptProfiles::Of(const std::string& model_I, const 
 std::string ProgramStateFolder(bool demo_I) {
     // The demo's files go beside the demo's state where that was placed on purpose.
     if (const char* demoState = std::getenv("VLR_DEMO_STATE"); demo_I && demoState != nullptr && *demoState != '\0') {
-        return Utf8Path(demoState).parent_path().string();
+        return Utf8String(Utf8Path(demoState).parent_path());
     }
     return UserStateFolder();
 }
@@ -94,7 +94,7 @@ std::string InStateFolder(bool demo_I, const char* name_I) {
     if (folder.empty()) {
         return {};
     }
-    return (Utf8Path(folder) / ((demo_I ? "demo-" : "") + std::string(name_I))).string();
+    return Utf8String(Utf8Path(folder) / ((demo_I ? "demo-" : "") + std::string(name_I)));
 }
 
 }  // namespace

@@ -296,9 +296,8 @@ std::vector<SKeeperResult> CSettingsKeeper::KeepCurrent(const std::string& profi
             results.push_back(result);
             continue;
         }
-        const std::string path =
-            (Utf8Path(profilesFolder_I) / (DisplayFileName(display.model + " " + display.serial) + ".json"))
-                .string();
+        const std::string path = Utf8String(
+            Utf8Path(profilesFolder_I) / (DisplayFileName(display.model + " " + display.serial) + ".json"));
         if (!WriteProfileFile(path, CaptureProfile(*display.display, display.model, display.serial), problem)) {
             result.kind = SKeeperResult::EKind::ProfileUnreadable;
             result.problem = problem;

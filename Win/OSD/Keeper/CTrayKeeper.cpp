@@ -297,7 +297,7 @@ std::vector<std::string> CTrayKeeper::Profiles() const {
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(Utf8Path(mFiles.profiles), error)) {
         if (entry.path().extension() == ".json") {
-            profiles.push_back(entry.path().string());
+            profiles.push_back(Utf8String(entry.path()));
         }
     }
     std::sort(profiles.begin(), profiles.end());
