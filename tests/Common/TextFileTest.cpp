@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "TestFolder.h"
 #include "TextFile.h"
 
 namespace {
@@ -17,15 +18,8 @@ namespace {
 namespace fs = std::filesystem;
 
 struct STempFolder {
-    fs::path path = fs::temp_directory_path() / "vlr-text-file-test";
-    STempFolder() {
-        fs::remove_all(path);
-        fs::create_directories(path);
-    }
-    ~STempFolder() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
+    CTestFolder folder{"vlr-text-file"};
+    const fs::path& path = folder.Path();
     // The folder's entries by name, as UTF-8.
     std::vector<std::string> Names() const {
         std::vector<std::string> names;
