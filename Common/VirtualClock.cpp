@@ -1,5 +1,7 @@
 #include "VirtualClock.h"
 
+#include "Assert.h"
+
 void CVirtualClock::Pause(std::chrono::microseconds duration_I) {
     std::lock_guard<std::mutex> lock(mMutex);
     mPauses.push_back(duration_I);
@@ -15,7 +17,18 @@ std::chrono::microseconds CVirtualClock::Now() const {
 
 void CVirtualClock::Advance(std::chrono::microseconds duration_I) {
     std::lock_guard<std::mutex> lock(mMutex);
+    if (duration_I.count() < 0) {
+        // A display's busy window or a keeper's schedule would be in the future again.
+        ++mRewindsRefused;
+        VLR_ASSERT_FAIL("virtual clock asked to run backwards");
+        return;
+    }
     mNow += duration_I;
+}
+
+unsigned CVirtualClock::RewindsRefused() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mRewindsRefused;
 }
 
 std::vector<std::chrono::microseconds> CVirtualClock::Pauses() const {

@@ -12,8 +12,11 @@ public:
     void Pause(std::chrono::microseconds duration_I) override;
     std::chrono::microseconds Now() const override;
 
-    // Moves time on without recording a pause (time spent elsewhere).
+    // Moves time on without recording a pause (time spent elsewhere). Time never runs
+    // backwards: a negative step is an assertion failure, counted, and the clock stays put.
     void Advance(std::chrono::microseconds duration_I);
+    // How many times something asked the clock to go backwards.
+    unsigned RewindsRefused() const;
 
     std::vector<std::chrono::microseconds> Pauses() const;
     // The recorded pauses in whole milliseconds, rounded to nearest.
@@ -24,5 +27,6 @@ public:
 private:
     mutable std::mutex mMutex;
     std::chrono::microseconds mNow{0};
+    unsigned mRewindsRefused = 0;
     std::vector<std::chrono::microseconds> mPauses;
 };

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "Assert.h"
 #include "Clock.h"
 #include "VirtualClock.h"
 
@@ -29,6 +30,18 @@ TEST(Clock, VirtualClockRecordsEveryPauseAndAdvancesWithoutSleeping) {
     virtualClock.ClearPauses();
     EXPECT_TRUE(virtualClock.Pauses().empty());
     EXPECT_EQ(virtualClock.Now(), 5131100us);
+}
+
+TEST(Clock, VirtualClockRefusesToRunBackwardsAndSaysSo) {
+    CVirtualClock virtualClock;
+    virtualClock.Advance(5ms);
+    const unsigned long assertsBefore = DebugLog::AssertCount();
+    virtualClock.Advance(-2ms);
+    EXPECT_EQ(virtualClock.Now(), 5ms);
+    EXPECT_EQ(virtualClock.RewindsRefused(), 1u);
+    EXPECT_EQ(DebugLog::AssertCount(), assertsBefore + 1);
+    virtualClock.Advance(0ms);
+    EXPECT_EQ(virtualClock.RewindsRefused(), 1u);
 }
 
 TEST(Clock, ScopedClockRestoresThePreviousClock) {

@@ -2,6 +2,8 @@
 // A display object over a virtual display, on a virtual clock: the test bed of the protocol
 // tests. Header-only so that only test programs that link the virtual display include it.
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,6 +30,7 @@ struct TVirtualBench {
     }
     explicit TVirtualBench(const std::string& presetKey_I)
         : TVirtualBench(*FindVirtualDisplayPreset(presetKey_I)) {}
+    ~TVirtualBench() { EXPECT_EQ(clock.RewindsRefused(), 0u) << "the virtual clock was asked to run backwards"; }
 
     // Initialises and forgets the traffic and pauses that took.
     bool Initialize() {

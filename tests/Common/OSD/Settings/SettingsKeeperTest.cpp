@@ -10,6 +10,7 @@
 
 #include "CVirtualDisplayConnector.h"
 #include "SettingsKeeper.h"
+#include "TestFolder.h"
 #include "VirtualBench.h"
 #include "VirtualClock.h"
 #include "VirtualDisplayPresets.h"
@@ -58,18 +59,16 @@ public:
 struct SKeeperBench {
     CVirtualClock clock;
     CScopedClock scopedClock{clock};
-    std::filesystem::path folder;
+    CTestFolder testFolder;
+    const std::filesystem::path& folder = testFolder.Path();
     CFakeDesk desk;
     std::unique_ptr<CSettingsKeeper> keeper;
 
-    explicit SKeeperBench(const char* name) {
-        folder = std::filesystem::temp_directory_path() / name;
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
+    explicit SKeeperBench(const char* name) : testFolder(name) {
         keeper = std::make_unique<CSettingsKeeper>(desk, (folder / "kept.json").string(),
                                                    (folder / "rules.json").string());
     }
-    ~SKeeperBench() { std::filesystem::remove_all(folder); }
+    ~SKeeperBench() { EXPECT_EQ(clock.RewindsRefused(), 0u) << "the virtual clock was asked to run backwards"; }
 
     std::string Write(const std::string& name, const std::string& text) {
         const std::string path = (folder / name).string();
@@ -88,6 +87,9 @@ struct SKeeperBench {
         const auto end = clock.Now() + span;
         while (clock.Now() < end) {
             const std::optional<std::chrono::microseconds> next = keeper->Poll();
+            if (clock.Now() >= end) {
+                break;  // the poll's own pauses reached the end
+            }
             const auto step = next ? std::max(*next, std::chrono::microseconds(1000)) : end - clock.Now();
             clock.Advance(std::min(step, end - clock.Now()));
         }
