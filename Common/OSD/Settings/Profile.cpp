@@ -373,7 +373,9 @@ SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I
             continue;
         }
         const SSettingState state = display_I.GetSetting(row.setting);
-        if (state.supported && state.writable && state.valid) {
+        // Only what the display can be given back: the battery models report 0 ("on mains")
+        // for Battery Mode, a state no choice of the setting writes.
+        if (state.supported && state.writable && state.valid && Offers(state, state.value)) {
             // A choice by its name: another family may reach the same choice with another number.
             const std::string choice = NameOfValue(display_I, STarget{row.setting, code, row.name}, state.value);
             if (!choice.empty()) {

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "Profile.h"
 #include "UiDisplayDelegate.h"
@@ -39,7 +42,69 @@ SProfile Parsed(const std::string& text_I) {
     return profile.value_or(SProfile{});
 }
 
+// A state the simulator can put a display in: its power source and its colour mode.
+struct SDeskState {
+    std::string name;
+    std::optional<uint16_t> batteryMode;  // 0xF4 as the display's own menu leaves it
+    std::optional<int32_t> colourMode;
+};
+
+std::vector<SDeskState> StatesOf(const SVirtualDisplayModel& model_I) {
+    std::vector<SDeskState> states{{"as delivered", {}, {}}};
+    SDelegateBench probe(model_I);
+    EXPECT_TRUE(probe.InitializeAndReadAll());
+    if (probe.display->Supports(0xF4)) {
+        states.push_back({"on mains", 0, {}});
+        states.push_back({"on battery, standard", 2, {}});
+        states.push_back({"on battery, saver", 3, {}});
+    }
+    for (const SEntry& mode : probe.cdisplay->GetSetting(ESetting::ColorSettingMode).entries) {
+        states.push_back({"colour mode " + std::to_string(mode.value), {}, mode.value});
+    }
+    return states;
+}
+
+void PutIn(SDelegateBench& bench_I, const SDeskState& state_I) {
+    if (state_I.batteryMode) {
+        bench_I.display->SetValueFromMenu(0xF4, *state_I.batteryMode);
+    }
+    ASSERT_TRUE(bench_I.InitializeAndReadAll());
+    if (state_I.colourMode) {
+        ASSERT_TRUE(bench_I.cdisplay->SetColorSettingMode(*state_I.colourMode));
+    }
+}
+
 }  // namespace
+
+TEST(Profile, WhatIsSavedInAnyStateOfAnyFamilyIsAppliedInEveryOtherWithoutRefusals) {
+    for (const SVirtualDisplayModel& model : VirtualDisplayPresets()) {
+        const std::vector<SDeskState> states = StatesOf(model);
+        for (const SDeskState& saved : states) {
+            SDelegateBench source(model);
+            PutIn(source, saved);
+            // Saved as the tool saves it: to the file's text and back.
+            std::string problem;
+            const std::optional<SProfile> profile =
+                ProfileFromText(ProfileText(CaptureProfile(*source.cdisplay, model.key, "S1")), problem);
+            ASSERT_TRUE(profile.has_value()) << model.key << ", " << saved.name << ": " << problem;
+            for (const SDeskState& now : states) {
+                SCOPED_TRACE(model.key + ": saved " + saved.name + ", applied " + now.name);
+                SDelegateBench target(model);
+                PutIn(target, now);
+                const SProfileReport applied = ApplyProfile(*target.cdisplay, *profile);
+                EXPECT_FALSE(applied.Any(EProfileOutcome::Failed)) << Shown(applied);
+                EXPECT_FALSE(applied.Any(EProfileOutcome::Invalid)) << Shown(applied);
+                EXPECT_FALSE(applied.Any(EProfileOutcome::Skipped)) << Shown(applied);
+                if (saved.batteryMode == 2 || saved.batteryMode == 3) {
+                    EXPECT_EQ(target.display->Value(0xF4), *saved.batteryMode);
+                }
+                if (saved.batteryMode == 0 && now.batteryMode) {
+                    EXPECT_EQ(target.display->Value(0xF4), *now.batteryMode);  // on mains: nothing to give back
+                }
+            }
+        }
+    }
+}
 
 TEST(Profile, OnEveryFamilyAPowerCycleThatLostTheBrightnessIsFoundAndOnlyThatIsWrittenBack) {
     for (const SVirtualDisplayModel& model : VirtualDisplayPresets()) {
