@@ -5,14 +5,17 @@
 
 #include <algorithm>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "CommandLineTool.h"
 #include "DemoDisplays.h"
 #include "KeptProfiles.h"
 #include "LinuxDisplays.h"
 
-int main(int argc, char** argv) {
-    const std::vector<std::string> args(argv + 1, argv + argc);
+namespace {
+
+int RunTool(const std::vector<std::string>& args) {
     const bool demo = std::find(args.begin(), args.end(), "--demo") != args.end();
     const bool atTerminal = isatty(STDERR_FILENO) != 0;
     if (demo) {
@@ -23,4 +26,17 @@ int main(int argc, char** argv) {
     CLinuxDisplays displays(RealLinuxSystem());
     return RunCommandLineTool(args, displays, std::cout, std::cerr, DefaultChangesFile(false),
                               DefaultKeptFile(false), CCapabilitiesCache::DefaultFile(false), atTerminal);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return RunTool(std::vector<std::string>(argv + 1, argv + argc));
+    } catch (const std::exception& error) {
+        std::cerr << "velor-display: stopped by an unexpected error: " << error.what() << "\n";
+    } catch (...) {
+        std::cerr << "velor-display: stopped by an unexpected error\n";
+    }
+    return 1;
 }

@@ -10,6 +10,8 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "CommandLineTool.h"
 #include "DemoMachine.h"
@@ -17,25 +19,61 @@
 #include "KeptProfiles.h"
 #include "SystemLibrary.h"
 #include "TextFile.h"
+#include "WinStrings.h"
 #include "WinDisplays.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+// The console's code page as the tool found it, put back however the tool ends.
+UINT gConsoleCodePage = 0;
+
+void RestoreConsoleCodePage() {
+    if (gConsoleCodePage != 0) {
+        SetConsoleOutputCP(gConsoleCodePage);
+    }
+}
+
+// Ctrl+C and Ctrl+Break end the tool as before, with the console's code page given back first.
+BOOL WINAPI OnConsoleControl(DWORD /*event_I*/) {
+    RestoreConsoleCodePage();
+    return FALSE;
+}
+
+int RunTool(const std::vector<std::string>& args);
+
+}  // namespace
+
+// The arguments arrive as UTF-16 and become UTF-8 here: on every Windows, whatever its ANSI code
+// page (the manifest's UTF-8 code page is honoured only from Windows 10 1903).
+int wmain(int argc, wchar_t** argv) {
     RestrictLibrarySearchToSystem();
     // An installer waits while the tool runs (a studio's apply at log-on, a script's set).
     const CInUseMark inUse;
-    // Its texts are UTF-8 (the manifest makes UTF-8 the process's code page); the console's own
-    // code page is the user's again when the tool ends.
-    const UINT consoleCodePage = GetConsoleOutputCP();
+    // Its texts are UTF-8; the console's own code page is the user's again when the tool ends.
+    gConsoleCodePage = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
-    struct SRestoreCodePage {
-        UINT codePage;
-        ~SRestoreCodePage() {
-            if (codePage != 0) {
-                SetConsoleOutputCP(codePage);
-            }
-        }
-    } restoreCodePage{consoleCodePage};
-    const std::vector<std::string> args(argv + 1, argv + argc);
+    SetConsoleCtrlHandler(OnConsoleControl, TRUE);
+    std::vector<std::string> args;
+    for (int i = 1; i < argc; ++i) {
+        args.push_back(Narrow(argv[i]));
+    }
+    int result = 1;
+    try {
+        result = RunTool(args);
+    } catch (const std::exception& error) {
+        std::cerr << "velor-display: stopped by an unexpected error: " << error.what() << "\n";
+        result = 1;
+    } catch (...) {
+        std::cerr << "velor-display: stopped by an unexpected error\n";
+        result = 1;
+    }
+    RestoreConsoleCodePage();
+    return result;
+}
+
+namespace {
+
+int RunTool(const std::vector<std::string>& args) {
     std::unique_ptr<CDemoMachine> demo;
     if (std::find(args.begin(), args.end(), "--demo") != args.end()) {
         demo = std::make_unique<CDemoMachine>("one-per-route");
@@ -66,3 +104,5 @@ int main(int argc, char** argv) {
     }
     return result;
 }
+
+}  // namespace

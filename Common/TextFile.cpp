@@ -39,40 +39,90 @@ std::optional<std::string> ReadTextFile(const std::string& path_I, std::string& 
     return std::nullopt;
 }
 
+namespace {
+
+namespace fs = std::filesystem;
+
+// The file a path names once its symbolic links are followed: a link is written through to
+// the file it points at (a dangling one makes that file), never replaced by a plain file.
+std::optional<fs::path> FollowLinks(fs::path path_I, std::string& why_O) {
+    for (int hops = 0; hops < 40; ++hops) {
+        std::error_code error;
+        const fs::file_status status = fs::symlink_status(path_I, error);
+        if (!fs::is_symlink(status)) {
+            return path_I;
+        }
+        const fs::path target = fs::read_symlink(path_I, error);
+        if (error) {
+            why_O = error.message();
+            return std::nullopt;
+        }
+        path_I = target.is_absolute() ? target : path_I.parent_path() / target;
+    }
+    why_O = "too many levels of symbolic links";
+    return std::nullopt;
+}
+
+std::string Because(const std::error_code& error_I) {
+    return error_I ? " (" + error_I.message() + ")" : "";
+}
+
+bool WriteWhole(const fs::path& path_I, const std::string& text_I) {
+    std::ofstream out(path_I, std::ios::binary | std::ios::trunc);
+    out << text_I;
+    out.close();  // a full disk may only say so when the file is closed
+    return !out.fail();
+}
+
+}  // namespace
+
 bool WriteTextFile(const std::string& path_I, const std::string& text_I, std::string& problem_O) {
     std::error_code error;
-    const std::filesystem::path path = Utf8Path(path_I);
+    std::string why;
+    const std::optional<fs::path> followed = FollowLinks(Utf8Path(path_I), why);
+    if (!followed) {
+        problem_O = path_I + ": cannot be written (" + why + ")";
+        return false;
+    }
+    const fs::path& path = *followed;
+    const fs::file_status existing = fs::status(path, error);
+    if (fs::is_directory(existing)) {
+        problem_O = path_I + ": cannot be written (it is a folder, not a file)";
+        return false;
+    }
+    if (fs::exists(existing) && !fs::is_regular_file(existing)) {
+        // A device, a pipe or a socket is the system's or another program's: never replaced.
+        problem_O = path_I + ": cannot be written (it is a device, a pipe or a socket, not a file; left as it is)";
+        return false;
+    }
     if (path.has_parent_path()) {
-        std::filesystem::create_directories(path.parent_path(), error);
+        fs::create_directories(path.parent_path(), error);
     }
     std::ostringstream suffix;
     suffix << ".new" << std::hash<std::thread::id>()(std::this_thread::get_id()) << '-'
            << std::chrono::steady_clock::now().time_since_epoch().count();
-    std::filesystem::path partial = path;
+    fs::path partial = path;
     partial += suffix.str();
-    {
-        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
-        out << text_I;
-        out.flush();
-        if (!out) {
-            problem_O = path_I + ": cannot be written";
-            std::filesystem::remove(partial, error);
-            return false;
-        }
+    if (!WriteWhole(partial, text_I)) {
+        const bool folderMissing = path.has_parent_path() && !fs::is_directory(path.parent_path(), error);
+        problem_O = path_I + ": cannot be written" + (folderMissing ? std::string(" (its folder cannot be made)") : std::string());
+        fs::remove(partial, error);
+        return false;
+    }
+    if (fs::exists(existing)) {
+        // The new file keeps the old one's permissions (a profile only its owner may read stays so).
+        fs::permissions(partial, existing.permissions(), fs::perm_options::replace, error);
     }
     std::error_code moved;
-    std::filesystem::rename(partial, path, moved);
-    std::filesystem::remove(partial, error);
+    fs::rename(partial, path, moved);
+    fs::remove(partial, error);
     if (!moved) {
         return true;
     }
     // Windows does not replace a file another program holds open (an editor, a viewer, a
     // reader of ours): then it is written in place, as before there was a file beside.
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << text_I;
-    out.flush();
-    if (!out) {
-        problem_O = path_I + ": cannot be written";
+    if (!WriteWhole(path, text_I)) {
+        problem_O = path_I + ": cannot be written" + Because(moved);
         return false;
     }
     return true;

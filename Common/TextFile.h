@@ -22,6 +22,7 @@ std::optional<std::string> ReadTextFile(const std::string& path_I, std::string& 
 
 // Writes the file beside (under a name of its own per writer, so two programs may store at once)
 // and moves it over the old one, so that a full disk or a crash never leaves half a file; makes
-// the folder when needed. False, and "PATH: cannot be written" with the reason when the system
-// gives one.
+// the folder when needed. A symbolic link is followed and the file it points at written (its
+// permissions kept); a folder, device, pipe or socket at the path is never replaced. False, and
+// "PATH: cannot be written" with the reason when there is one.
 bool WriteTextFile(const std::string& path_I, const std::string& text_I, std::string& problem_O);

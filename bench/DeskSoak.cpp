@@ -495,7 +495,9 @@ int main(int argc, char** argv) {
     // Locks of its own, beside any real program's.
     setenv("VLR_DISPLAY_LOCK_SCOPE", ("desk-soak-" + std::to_string(getpid()) + "-").c_str(), 1);
     const fs::path folder = fs::temp_directory_path() / ("vlr-desk-soak-" + std::to_string(getpid()));
-    fs::create_directories(folder);
+    fs::create_directories(folder / "runtime");
+    // The lock files go in a runtime folder of the soak's own, removed with everything else.
+    setenv("XDG_RUNTIME_DIR", (folder / "runtime").c_str(), 1);
 
     CVirtualClock clock;
     CScopedClock scoped(clock);

@@ -5,9 +5,12 @@
 #include <shlobj.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <map>
 
 #include "DebugLog.h"
+#include "StringUtilities.h"
+#include "TextFile.h"
 #include "WinStrings.h"
 
 namespace {
@@ -111,19 +114,16 @@ void CDemoMachine::Store() const {
     if (path.empty()) {
         return;
     }
-    const std::wstring folder = path.substr(0, path.rfind(L'\\'));
-    CreateDirectoryW(folder.substr(0, folder.rfind(L'\\')).c_str(), nullptr);
-    CreateDirectoryW(folder.c_str(), nullptr);
-    FILE* file = _wfopen(path.c_str(), L"w");
-    if (file == nullptr) {
-        DLog("Demo: the saved settings could not be stored\n");
-        return;
-    }
+    std::string text;
     for (const auto& display : mMachine->Machine().Displays()) {
         for (const auto& [code, value] : display->SavedValues()) {
-            std::fprintf(file, "%s %02X %u %u\n", display->Model().serialText.c_str(), code, value,
-                         display->Value(code));
+            text += StringPrintf("%s %02X %u %u\n", display->Model().serialText.c_str(), code, value,
+                                 display->Value(code));
         }
     }
-    std::fclose(file);
+    // Through the one writer: a link is written through, a device or folder left alone.
+    std::string problem;
+    if (!WriteTextFile(Utf8String(std::filesystem::path(path)), text, problem)) {
+        DLog("Demo: the saved settings could not be stored: %s\n", problem.c_str());
+    }
 }

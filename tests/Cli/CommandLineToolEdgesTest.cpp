@@ -185,7 +185,7 @@ TEST(CommandLineToolEdges, TheRevertNotesAfterEveryCommandThatChangesOrSaves) {
     run = bench.Run({"set", "0", "contrast=33"});
     EXPECT_EQ(run.code, CliExit::kDone);
     EXPECT_EQ(bench.Virtual(0)->Value(0x12), 33);
-    EXPECT_EQ(run.err, bench.changesFile + ": cannot be written; revert cannot undo this change\n");
+    EXPECT_EQ(run.err, bench.changesFile + ": cannot be written (its folder cannot be made); revert cannot undo this change\n");
     std::remove((TempFile("vlr-edges-notes.json") + ".dir").c_str());
 }
 

@@ -7,7 +7,16 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <vector>
+
+#ifdef _WIN32
+#include <process.h>
+#define VLR_TOOL_BENCH_PID _getpid()
+#else
+#include <unistd.h>
+#define VLR_TOOL_BENCH_PID getpid()
+#endif
 
 #include "CVirtualDisplayConnector.h"
 #include "CommandLineTool.h"
@@ -47,7 +56,18 @@ struct SToolBench {
     }
 };
 
+// A path in a folder of this test process's own, removed with everything in it at exit.
 inline std::string TempFile(const char* name) {
-    return (std::filesystem::temp_directory_path() / name).string();
+    struct SProcessFolder {
+        std::filesystem::path path =
+            std::filesystem::temp_directory_path() / ("vlr-tool-tests-" + std::to_string(VLR_TOOL_BENCH_PID));
+        SProcessFolder() { std::filesystem::create_directories(path); }
+        ~SProcessFolder() {
+            std::error_code ignored;
+            std::filesystem::remove_all(path, ignored);
+        }
+    };
+    static const SProcessFolder folder;
+    return (folder.path / name).string();
 }
 

@@ -381,8 +381,10 @@ void CTrayKeeper::OpenSettings() {
 void CTrayKeeper::OpenRules() {
     std::error_code error;
     if (!std::filesystem::exists(Utf8Path(mFiles.rules), error)) {
-        std::filesystem::create_directories(Utf8Path(mFiles.rules).parent_path(), error);
-        std::ofstream(Utf8Path(mFiles.rules), std::ios::binary) << CApplicationRules::ExampleText();
+        std::string problem;
+        if (!WriteTextFile(mFiles.rules, CApplicationRules::ExampleText(), problem)) {
+            DLog("Keeper: %s\n", problem.c_str());
+        }
     }
     // Notepad is on every Windows, whatever opens .json files there.
     const std::wstring file = L"\"" + Widen(mFiles.rules) + L"\"";
