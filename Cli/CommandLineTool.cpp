@@ -238,7 +238,12 @@ std::vector<SCliDisplay>& CTool::Displays() {
     if (!mSourceSet) {
         mSourceSet = true;
         if (!mNoCache && !mCacheFile.empty()) {
-            mCache = std::make_shared<CCapabilitiesCache>(mCacheFile);
+            if (const std::string why = NotAFileReason(mCacheFile); !why.empty()) {
+                // The command goes on without the cache; what is at the path is left alone.
+                mErr << "warning: the capabilities cache " << mCacheFile << " is not used (" << why << ")\n";
+            } else {
+                mCache = std::make_shared<CCapabilitiesCache>(mCacheFile);
+            }
         }
         mSource.SetSearchOptions({!mSerialInit, mCache});
         // The same order on every system, by route, so that an index means the same display

@@ -76,25 +76,33 @@ bool WriteWhole(const fs::path& path_I, const std::string& text_I) {
 
 }  // namespace
 
-bool WriteTextFile(const std::string& path_I, const std::string& text_I, std::string& problem_O) {
-    std::error_code error;
+std::string NotAFileReason(const std::string& path_I) {
     std::string why;
     const std::optional<fs::path> followed = FollowLinks(Utf8Path(path_I), why);
     if (!followed) {
-        problem_O = path_I + ": cannot be written (" + why + ")";
-        return false;
+        return why;
     }
-    const fs::path& path = *followed;
-    const fs::file_status existing = fs::status(path, error);
+    std::error_code error;
+    const fs::file_status existing = fs::status(*followed, error);
     if (fs::is_directory(existing)) {
-        problem_O = path_I + ": cannot be written (it is a folder, not a file)";
-        return false;
+        return "it is a folder, not a file";
     }
     if (fs::exists(existing) && !fs::is_regular_file(existing)) {
         // A device, a pipe or a socket is the system's or another program's: never replaced.
-        problem_O = path_I + ": cannot be written (it is a device, a pipe or a socket, not a file; left as it is)";
+        return "it is a device, a pipe or a socket, not a file; left as it is";
+    }
+    return {};
+}
+
+bool WriteTextFile(const std::string& path_I, const std::string& text_I, std::string& problem_O) {
+    if (const std::string why = NotAFileReason(path_I); !why.empty()) {
+        problem_O = path_I + ": cannot be written (" + why + ")";
         return false;
     }
+    std::error_code error;
+    std::string why;
+    const fs::path path = *FollowLinks(Utf8Path(path_I), why);
+    const fs::file_status existing = fs::status(path, error);
     if (path.has_parent_path()) {
         fs::create_directories(path.parent_path(), error);
     }

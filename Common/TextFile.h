@@ -26,3 +26,8 @@ std::optional<std::string> ReadTextFile(const std::string& path_I, std::string& 
 // permissions kept); a folder, device, pipe or socket at the path is never replaced. False, and
 // "PATH: cannot be written" with the reason when there is one.
 bool WriteTextFile(const std::string& path_I, const std::string& text_I, std::string& problem_O);
+
+// Why the path (its links followed) cannot hold a file of ours: "it is a folder, not a file",
+// "it is a device, a pipe or a socket, not a file; left as it is", or a broken link's reason;
+// empty when it is a file or nothing is there yet.
+std::string NotAFileReason(const std::string& path_I);

@@ -11,6 +11,10 @@
 #include <sstream>
 #include <thread>
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 #include "CVirtualDisplayConnector.h"
 #include "CommandLineTool.h"
 #include "ToolBench.h"
@@ -657,5 +661,40 @@ TEST(CommandLineTool, ARuntimeFolderThatIsNotThereDoesNotMakeEveryDisplayLookInU
     had != nullptr ? setenv("XDG_RUNTIME_DIR", kept.c_str(), 1) : unsetenv("XDG_RUNTIME_DIR");
     EXPECT_EQ(run.code, CliExit::kDone) << run.err;
     EXPECT_EQ(bench.Virtual(0)->Value(0x12), 44);
+}
+#endif
+
+#ifndef _WIN32
+TEST(CommandLineTool, FilesAtOddPathsAreWrittenThroughLinksAndNeverReplacedWhenTheyAreNotFiles) {
+    const std::filesystem::path folder = TempFile("odd-paths");
+    std::filesystem::create_directories(folder / "kept-elsewhere");
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    std::filesystem::create_symlink("kept-elsewhere/profile.json", folder / "profile.json");
+    SToolBench bench;
+
+    // A profile named by a link lands in the file the link points at; the link stays.
+    ASSERT_EQ(bench.Run({"profile", "save", "0", (folder / "profile.json").string()}).code, CliExit::kDone);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "profile.json"));
+    EXPECT_TRUE(std::filesystem::is_regular_file(folder / "kept-elsewhere" / "profile.json"));
+
+    // A profile asked to go to a pipe is refused with its name and exit code 1; the pipe stays.
+    const SRun refused = bench.Run({"profile", "save", "0", (folder / "pipe").string()});
+    EXPECT_EQ(refused.code, CliExit::kBadUsage);
+    EXPECT_NE(refused.err.find((folder / "pipe").string() +
+                               ": cannot be written (it is a device, a pipe or a socket, not a file; left as it is)"),
+              std::string::npos)
+        << refused.err;
+    EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
+
+    // A cache at a pipe is left alone with a warning, and the command does its work without it
+    // (reading a pipe nobody writes would never end).
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunCommandLineTool({"get", "0", "brightness"}, bench.displays, out, err, {}, {}, (folder / "pipe").string()),
+              CliExit::kDone);
+    EXPECT_EQ(out.str(), "brightness = 70\n");
+    EXPECT_EQ(err.str(), "warning: the capabilities cache " + (folder / "pipe").string() +
+                             " is not used (it is a device, a pipe or a socket, not a file; left as it is)\n");
+    EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
 }
 #endif
