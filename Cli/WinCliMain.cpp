@@ -17,6 +17,7 @@
 #include "DemoMachine.h"
 #include "InUseMark.h"
 #include "KeptProfiles.h"
+#include "MachineSetup.h"
 #include "SystemLibrary.h"
 #include "TextFile.h"
 #include "WinStrings.h"
@@ -47,16 +48,20 @@ int RunTool(const std::vector<std::string>& args);
 // page (the manifest's UTF-8 code page is honoured only from Windows 10 1903).
 int wmain(int argc, wchar_t** argv) {
     RestrictLibrarySearchToSystem();
+    std::vector<std::string> args;
+    for (int i = 1; i < argc; ++i) {
+        args.push_back(Narrow(argv[i]));
+    }
+    // The installer's helpers: they run while it installs and hold no in-use mark.
+    if (IsMachineSetupCommand(args)) {
+        return RunMachineSetupCommand(args, std::cerr);
+    }
     // An installer waits while the tool runs (a studio's apply at log-on, a script's set).
     const CInUseMark inUse;
     // Its texts are UTF-8; the console's own code page is the user's again when the tool ends.
     gConsoleCodePage = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
     SetConsoleCtrlHandler(OnConsoleControl, TRUE);
-    std::vector<std::string> args;
-    for (int i = 1; i < argc; ++i) {
-        args.push_back(Narrow(argv[i]));
-    }
     int result = 1;
     try {
         result = RunTool(args);

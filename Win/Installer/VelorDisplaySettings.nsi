@@ -5,6 +5,9 @@
 ; component starts the keeper at every user's log-on (its page, or /KEEPER with /S). For device
 ; management, /STUDIO=<file> keeps a studio file for the machine and a log-on task that applies
 ; it in every user's session (velor-display-quiet apply); exit code 2 when the file is missing.
+; Exit codes: 0 done, 2 the studio file is missing, 3 the program or the tool runs (silent mode, or
+; the user cancelled), 4 the studio task could not be registered, 5 a keeper did not end, 6 the
+; machine's folder under ProgramData is refused (a link or junction, or another account's).
 ;
 ; makensis -DVERSION=6.4.3-1 -DFILE_VERSION=6.4.3.1 -DPROGRAM=<exe> -DCONSOLE_PROGRAM=<velor-display.exe>
 ;          -DQUIET_PROGRAM=<velor-display-quiet.exe> -DICON=<ico> -DOUTFILE=<setup.exe>
@@ -26,8 +29,7 @@ ManifestSupportedOS all
 !include "WinMessages.nsh"
 !include "StrFunc.nsh"
 ${StrStr}
-${UnStrStr}
-${UnStrRep}
+${StrRep}
 
 !define PRODUCT "Velor Display Settings"
 !define PUBLISHER "Velor"
@@ -44,6 +46,11 @@ ${UnStrRep}
 ; Opening it may be refused (another user's, with rights of its own): that too means running.
 !define IN_USE_MUTEX "Global\VelorDisplaySettings.InUse"
 !define ERROR_ACCESS_DENIED 5
+; Every keeper holds this one too, and ends when an installer sets the event (any session).
+!define KEEPER_MUTEX "Global\VelorDisplaySettings.Keeper"
+!define KEEPER_EXIT_EVENT "Global\VelorDisplaySettings.KeeperExit"
+; How long keepers get to close their devices and end (in half-seconds).
+!define KEEPER_WAIT 60
 ; The keeper (the program with /tray): its window, and the log-on entry that starts it for every
 ; user (a user's own option in the program writes the same value under HKCU).
 !define KEEPER_CLASS "VelorDisplaySettings.Keeper"
@@ -58,25 +65,17 @@ ${UnStrRep}
 Var StudioSource
 
 ; The machine's PATH (the installation is the machine's: an elevated installer's HKCU may be
-; another account's, or SYSTEM's under device management).
+; another account's, or SYSTEM's under device management). It is changed by the command-line
+; tool (--machine-path), which reads and writes it whole: NSIS's strings stop at 1,024
+; characters, and a PATH read cut short and written back would lose the rest of it.
 !define ENVIRONMENT_KEY "SYSTEM\CurrentControlSet\Control\Session Manager\Environment"
 
-; PathHas RESULT PATH: RESULT is not empty when PATH has the program folder as one of its entries.
-!macro PathHas result path
-  !ifdef __UNINSTALL__
-    ${UnStrStr} ${result} ";${path};" ";$INSTDIR;"
-  !else
-    ${StrStr} ${result} ";${path};" ";$INSTDIR;"
-  !endif
-!macroend
-
-; A PATH as long as NSIS's strings may have been cut when read: it is never written back.
-!macro PathTooLong path label
-  StrLen $9 "${path}"
-  IntOp $8 ${NSIS_MAX_STRLEN} - 1
-  IntCmp $9 $8 0 +3 0
-    DetailPrint "PATH is too long to change safely; the program folder was not ${label}."
-    Goto path_done
+; XmlText OUT TEXT: TEXT as XML character data (an & in a folder's name would break the task).
+!macro XmlText out text
+  ${StrRep} ${out} "${text}" "&" "&amp;"
+  ${StrRep} ${out} ${out} "<" "&lt;"
+  ${StrRep} ${out} ${out} ">" "&gt;"
+  ${StrRep} ${out} ${out} '"' "&quot;"
 !macroend
 
 Name "${PRODUCT}"
@@ -143,24 +142,75 @@ FunctionEnd
   ${Loop}
 !macroend
 
-; The keeper holds the program file open: it is asked to end (it starts again at the next log-on).
-!macro EndKeeper
+; Every keeper, in every session (another user's, or the console's while device management
+; installs as SYSTEM), is asked to close its devices and end; the installer waits until they
+; have. A keeper of an older version only hears WM_CLOSE in this session. In silent mode, or
+; when the user cancels, a keeper that does not end ends the install with exit code 5.
+!macro EndKeepers
   FindWindow $0 "${KEEPER_CLASS}"
   ${If} $0 <> 0
     SendMessage $0 ${WM_CLOSE} 0 0 /TIMEOUT=5000
-    Sleep 1000
   ${EndIf}
+  System::Call 'kernel32::OpenEventW(i 0x00100002, i 0, w "${KEEPER_EXIT_EVENT}") p .r5'
+  ${If} $5 P<> 0
+    System::Call 'kernel32::SetEvent(p r5)'
+  ${EndIf}
+  ${Do}
+    StrCpy $6 0
+    ${Do}
+      System::Call 'kernel32::OpenMutexW(i 0x00100000, i 0, w "${KEEPER_MUTEX}") p .r0 ?e'
+      Pop $1
+      ${If} $0 P= 0
+      ${AndIf} $1 <> ${ERROR_ACCESS_DENIED}
+        ${Break}
+      ${EndIf}
+      System::Call 'kernel32::CloseHandle(p r0)'
+      IntOp $6 $6 + 1
+      ${If} $6 >= ${KEEPER_WAIT}
+        ${Break}
+      ${EndIf}
+      Sleep 500
+    ${Loop}
+    ${If} $6 < ${KEEPER_WAIT}
+      ${Break}
+    ${EndIf}
+    MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION \
+      "The keeper of ${PRODUCT} (the tray icon) does not end, in this session or another user's.$\n$\nEnd it there, then select Retry." \
+      /SD IDCANCEL IDRETRY +5
+    System::Call 'kernel32::ResetEvent(p r5)'
+    System::Call 'kernel32::CloseHandle(p r5)'
+    SetErrorLevel 5
+    Quit
+  ${Loop}
+  ; Keepers started from now on run as usual.
+  ${If} $5 P<> 0
+    System::Call 'kernel32::ResetEvent(p r5)'
+    System::Call 'kernel32::CloseHandle(p r5)'
+  ${EndIf}
+!macroend
+
+; InstallProgramFile NAME SOURCE: a program file that something still holds open (a copy that
+; did not end) is moved aside and removed at the next restart, never left old beside new ones.
+!macro InstallProgramFile name source
+  ${If} ${FileExists} "$INSTDIR\${name}"
+    Delete "$INSTDIR\${name}"
+    ${If} ${FileExists} "$INSTDIR\${name}"
+      Delete "$INSTDIR\${name}.old"
+      Rename "$INSTDIR\${name}" "$INSTDIR\${name}.old"
+      Delete /REBOOTOK "$INSTDIR\${name}.old"
+    ${EndIf}
+  ${EndIf}
+  File "/oname=${name}" "${source}"
 !macroend
 
 Section "Program" SecProgram
   SectionIn RO
   SetShellVarContext all
   SetRegView 64
-  !insertmacro EndKeeper
   SetOutPath "$INSTDIR"
-  File "/oname=${EXE}" "${PROGRAM}"
-  File "/oname=${CONSOLE_EXE}" "${CONSOLE_PROGRAM}"
-  File "/oname=${QUIET_EXE}" "${QUIET_PROGRAM}"
+  !insertmacro InstallProgramFile "${EXE}" "${PROGRAM}"
+  !insertmacro InstallProgramFile "${CONSOLE_EXE}" "${CONSOLE_PROGRAM}"
+  !insertmacro InstallProgramFile "${QUIET_EXE}" "${QUIET_PROGRAM}"
   SetOutPath "$INSTDIR\Help"
   File "${HELP}\*.html"
   SetOutPath "$INSTDIR"
@@ -190,47 +240,58 @@ SectionEnd
 ; (in the user's session: the displays' DDC/CI answers there). An upgrade without /STUDIO keeps both.
 Section /o "-Studio file" SecStudio
   SetShellVarContext all
-  CreateDirectory "$APPDATA\${STUDIO_FOLDER}"
+  ; The folder is made, or checked, by the tool: a standard user may have made it first (owned by
+  ; them, or a junction to a folder of theirs) to change the studio file after it is copied.
+  nsExec::ExecToStack '"$INSTDIR\${CONSOLE_EXE}" --machine-folder "$APPDATA" "${STUDIO_FOLDER}"'
+  Pop $0
+  Pop $1
+  ${If} $0 != 0
+    DetailPrint "The studio file was not installed: $1"
+    MessageBox MB_OK|MB_ICONSTOP "The studio file cannot be kept safely for the machine:$\n$\n$1" /SD IDOK
+    SetErrorLevel 6
+    Goto studio_done
+  ${EndIf}
   CopyFiles /SILENT /FILESONLY "$StudioSource" "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"
-  ; The task's definition stays beside the studio file, for the administrator to read.
-  FileOpen $0 "$APPDATA\${STUDIO_FOLDER}\${STUDIO_TASK_FILE}" w
+  ; The task's definition is written in the installer's own temporary folder, which only this
+  ; process's account can change, and registered from there.
+  InitPluginsDir
+  !insertmacro XmlText $2 "$INSTDIR\${QUIET_EXE}"
+  !insertmacro XmlText $3 "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"
+  FileOpen $0 "$PLUGINSDIR\${STUDIO_TASK_FILE}" w
   FileWriteUTF16LE /BOM $0 '<?xml version="1.0" encoding="UTF-16"?>$\r$\n'
   FileWriteUTF16LE $0 '<Task version="1.2" xmlns="http://schemas.microsoft.com/windows/2004/02/mit/task">$\r$\n'
   FileWriteUTF16LE $0 '  <RegistrationInfo><Author>${PUBLISHER}</Author><Description>Sets the Velor pen displays as the studio file says (velor-display apply).</Description></RegistrationInfo>$\r$\n'
   FileWriteUTF16LE $0 '  <Triggers><LogonTrigger><Enabled>true</Enabled><Delay>PT15S</Delay></LogonTrigger></Triggers>$\r$\n'
   FileWriteUTF16LE $0 '  <Principals><Principal id="Users"><GroupId>S-1-5-32-545</GroupId><RunLevel>LeastPrivilege</RunLevel></Principal></Principals>$\r$\n'
   FileWriteUTF16LE $0 '  <Settings><MultipleInstancesPolicy>IgnoreNew</MultipleInstancesPolicy><DisallowStartIfOnBatteries>false</DisallowStartIfOnBatteries><StopIfGoingOnBatteries>false</StopIfGoingOnBatteries><ExecutionTimeLimit>PT10M</ExecutionTimeLimit><Enabled>true</Enabled></Settings>$\r$\n'
-  FileWriteUTF16LE $0 '  <Actions Context="Users"><Exec><Command>"$INSTDIR\${QUIET_EXE}"</Command><Arguments>apply "$APPDATA\${STUDIO_FOLDER}\${STUDIO_FILE}"</Arguments></Exec></Actions>$\r$\n'
+  FileWriteUTF16LE $0 '  <Actions Context="Users"><Exec><Command>"$2"</Command><Arguments>apply "$3"</Arguments></Exec></Actions>$\r$\n'
   FileWriteUTF16LE $0 '</Task>$\r$\n'
   FileClose $0
-  nsExec::ExecToLog '"$SYSDIR\schtasks.exe" /Create /F /TN "${STUDIO_TASK}" /XML "$APPDATA\${STUDIO_FOLDER}\${STUDIO_TASK_FILE}"'
+  nsExec::ExecToLog '"$SYSDIR\schtasks.exe" /Create /F /TN "${STUDIO_TASK}" /XML "$PLUGINSDIR\${STUDIO_TASK_FILE}"'
   Pop $0
+  ; A copy stays beside the studio file for the administrator to read (it is not what was registered).
+  CopyFiles /SILENT "$PLUGINSDIR\${STUDIO_TASK_FILE}" "$APPDATA\${STUDIO_FOLDER}\${STUDIO_TASK_FILE}"
   ${If} $0 != 0
     DetailPrint "The log-on task could not be registered (schtasks: $0)."
     SetErrorLevel 4
   ${EndIf}
+  studio_done:
 SectionEnd
 
 ; Chosen on the components page, or with /PATH in silent mode; an upgrade keeps the choice.
 Section /o "Add the program folder to PATH (velor-display in any console)" SecPath
-  ReadRegStr $0 HKLM "${ENVIRONMENT_KEY}" "Path"
-  !insertmacro PathTooLong $0 "added"
-  !insertmacro PathHas $1 $0
-  ${If} $1 == ""
-    ${If} $0 == ""
-      StrCpy $0 "$INSTDIR"
-    ${Else}
-      StrCpy $0 "$0;$INSTDIR"
-    ${EndIf}
-    WriteRegExpandStr HKLM "${ENVIRONMENT_KEY}" "Path" "$0"
-    SendMessage ${HWND_BROADCAST} ${WM_SETTINGCHANGE} 0 "STR:Environment" /TIMEOUT=5000
+  nsExec::ExecToStack '"$INSTDIR\${CONSOLE_EXE}" --machine-path add "$INSTDIR"'
+  Pop $0
+  Pop $1
+  ${If} $0 != 0
+    DetailPrint "The program folder was not added to PATH: $1"
   ${EndIf}
-  path_done:
 SectionEnd
 
 ; After the sections: it selects one of them.
 Function .onInit
   SetRegView 64
+  !insertmacro EndKeepers
   !insertmacro WaitWhileProgramRuns
   ReadRegStr $1 HKLM "${RUN_KEY}" "${KEEPER_VALUE}"
   ${GetParameters} $0
@@ -240,8 +301,16 @@ Function .onInit
   ${OrIf} $1 != ""
     SectionSetFlags ${SecKeeper} ${SF_SELECTED}
   ${EndIf}
-  ReadRegStr $1 HKLM "${ENVIRONMENT_KEY}" "Path"
-  !insertmacro PathHas $1 $1
+  ; An upgrade keeps the choice: the installed tool says whether its folder is on PATH.
+  StrCpy $1 ""
+  ${If} ${FileExists} "$INSTDIR\${CONSOLE_EXE}"
+    nsExec::ExecToStack '"$INSTDIR\${CONSOLE_EXE}" --machine-path has "$INSTDIR"'
+    Pop $2
+    Pop $3
+    ${If} $2 == 0
+      StrCpy $1 "on PATH"
+    ${EndIf}
+  ${EndIf}
   ClearErrors
   ${GetOptions} $0 "/PATH" $2
   ${IfNot} ${Errors}
@@ -266,13 +335,23 @@ Section "un.Program" SecUnProgram
   SectionIn RO
   SetShellVarContext all
   SetRegView 64
-  !insertmacro EndKeeper
   ; The log-on entries that would start the program being removed.
   DeleteRegValue HKLM "${RUN_KEY}" "${KEEPER_VALUE}"
   DeleteRegValue HKCU "${RUN_KEY}" "${KEEPER_VALUE}"
-  Delete "$INSTDIR\${EXE}"
-  Delete "$INSTDIR\${CONSOLE_EXE}"
-  Delete "$INSTDIR\${QUIET_EXE}"
+  ; The program folder leaves the machine's PATH (only that entry), while the tool is there to do it.
+  nsExec::ExecToStack '"$INSTDIR\${CONSOLE_EXE}" --machine-path remove "$INSTDIR"'
+  Pop $0
+  Pop $1
+  ${If} $0 != 0
+    DetailPrint "The program folder may still be on PATH: $1"
+  ${EndIf}
+  ; A file something still holds open goes at the next restart.
+  Delete /REBOOTOK "$INSTDIR\${EXE}"
+  Delete /REBOOTOK "$INSTDIR\${CONSOLE_EXE}"
+  Delete /REBOOTOK "$INSTDIR\${QUIET_EXE}"
+  Delete /REBOOTOK "$INSTDIR\${EXE}.old"
+  Delete /REBOOTOK "$INSTDIR\${CONSOLE_EXE}.old"
+  Delete /REBOOTOK "$INSTDIR\${QUIET_EXE}.old"
   ; The studio's log-on task and file (the machine's, not a user's setting).
   nsExec::ExecToLog '"$SYSDIR\schtasks.exe" /Delete /F /TN "${STUDIO_TASK}"'
   Pop $0
@@ -280,23 +359,12 @@ Section "un.Program" SecUnProgram
   Delete "$APPDATA\${STUDIO_FOLDER}\${STUDIO_TASK_FILE}"
   RMDir "$APPDATA\${STUDIO_FOLDER}"
   RMDir "$APPDATA\Velor"
-  ; The program folder leaves the machine's PATH (only that entry).
-  ReadRegStr $0 HKLM "${ENVIRONMENT_KEY}" "Path"
-  !insertmacro PathTooLong $0 "removed"
-  !insertmacro PathHas $1 $0
-  ${If} $1 != ""
-    ${UnStrRep} $0 ";$0;" ";$INSTDIR;" ";"
-    StrCpy $0 $0 -1 1  ; the two added semicolons
-    WriteRegExpandStr HKLM "${ENVIRONMENT_KEY}" "Path" "$0"
-    SendMessage ${HWND_BROADCAST} ${WM_SETTINGCHANGE} 0 "STR:Environment" /TIMEOUT=5000
-  ${EndIf}
-  path_done:
   Delete "$INSTDIR\${UNINSTALLER}"
   Delete "$INSTDIR\Help\*.html"
   RMDir "$INSTDIR\Help"
   Delete "$SMPROGRAMS\${PRODUCT}.lnk"
   ; Only emptied folders go: anything else in them is not ours.
-  RMDir "$INSTDIR"
+  RMDir /REBOOTOK "$INSTDIR"
   RMDir "$PROGRAMFILES64\Velor"
   DeleteRegKey HKLM "${UNINSTALL_KEY}"
 SectionEnd
@@ -316,6 +384,7 @@ SectionEnd
 ; After the sections: it selects one of them.
 Function un.onInit
   SetRegView 64
+  !insertmacro EndKeepers
   !insertmacro WaitWhileProgramRuns
   ${GetParameters} $0
   ClearErrors

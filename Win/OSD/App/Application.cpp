@@ -69,7 +69,7 @@ int RunApplication(const SStartupOptions& options_I) {
         BringRunningCopyForward();
         return eExitClosed;
     }
-    // For installers in any session; the keeper holds none: an installer ends it and goes on.
+    // For installers in any session (the keeper holds it too, with a mark of its own).
     const CInUseMark inUse;
     INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);

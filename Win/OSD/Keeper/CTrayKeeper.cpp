@@ -13,6 +13,7 @@
 #include "DeskChanges.h"
 #include "DialogIds.h"
 #include "DisplayLock.h"
+#include "InUseMark.h"
 #include "KeptProfiles.h"
 #include "MessageWindows.h"
 #include "ResourceUtils.h"
@@ -155,10 +156,30 @@ int CTrayKeeper::Run() {
     mWorker = std::thread([this] { Work(); });
     DLog("Keeper: running (keeping %s)\n", mKeeping ? "on" : "off");
 
-    MSG message;
-    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
+    // Messages, and an installer's request to end (set for every keeper in every session).
+    HANDLE exitRequest = OpenKeeperExitRequest();
+    bool running = true;
+    while (running) {
+        const DWORD woken = MsgWaitForMultipleObjectsEx(exitRequest != nullptr ? 1 : 0, &exitRequest, INFINITE,
+                                                        QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+        if (exitRequest != nullptr && woken == WAIT_OBJECT_0) {
+            DLog("Keeper: an installer asks every keeper to end\n");
+            CloseHandle(exitRequest);
+            exitRequest = nullptr;
+            DestroyWindow(mWindow);
+        }
+        MSG message;
+        while (running && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            if (message.message == WM_QUIT) {
+                running = false;
+                break;
+            }
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    if (exitRequest != nullptr) {
+        CloseHandle(exitRequest);
     }
     if (mHook != nullptr) {
         UnhookWinEvent(mHook);
@@ -509,6 +530,9 @@ int RunTrayKeeper(const SStartupOptions& options_I, LANGID language_I) {
         CloseHandle(running);
         return 0;
     }
+    // Installers in any session see it running, and wait for it to end when they ask it to.
+    const CInUseMark inUse;
+    const CInUseMark keeperMark(kKeeperMarkName);
     const bool demo = !options_I.demoScenario.empty();
     int exitCode = 0;
     {
