@@ -17,10 +17,11 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     CLI::App app{"Velor Display Settings: reads and changes the settings of Velor pen displays",
                  "velor-display"};
     app.require_subcommand(1);
-    app.footer("Exit codes: 0 done (apply: nothing needed changing), 1 wrong use or a file that cannot be used, "
-               "2 no such display (apply: the search was hindered), 3 a display did not answer as expected or is "
-               "in use, 4 check: the display differs from the profile, 5 apply: a display was changed (with "
-               "--check: would be).");
+    app.footer(
+        "Exit codes: 0 done (apply: nothing needed changing), 1 wrong use or a file that cannot be used, "
+        "2 no such display (apply: the search was hindered), 3 a display did not answer as expected or is "
+        "in use, 4 check: the display differs from the profile, 5 apply: a display was changed (with "
+        "--check: would be).");
     app.fallthrough();  // --json and --demo may follow the command
     bool json = false;
     bool demo = false;
@@ -28,7 +29,8 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     app.add_flag("--demo", demo, "Use the virtual displays of the demo");
     app.add_flag("--serial-init", tool.mSerialInit,
                  "Initialise the displays one after another (for drivers that dislike concurrent DDC/CI)");
-    app.add_flag("--no-cache", tool.mNoCache, "Read every capabilities string from the display, none from the cache");
+    app.add_flag("--no-cache", tool.mNoCache,
+                 "Read every capabilities string from the display, none from the cache");
     std::string display;
     std::vector<std::string> names;
     bool save = false;
@@ -120,7 +122,8 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     bool off = false;
     bool listKept = false;
     CLI::App* keep = app.add_subcommand(
-        "keep", "Names the profile a display keeps (restore puts it back): DISPLAY PROFILE, DISPLAY --off, --list");
+        "keep",
+        "Names the profile a display keeps (restore puts it back): DISPLAY PROFILE, DISPLAY --off, --list");
     keep->add_option("display", display, "Index or serial number");
     keep->add_option("profile", file, "The profile the display keeps");
     keep->add_flag("--off", off, "The display keeps no profile");
@@ -128,8 +131,9 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     keep->callback([&] { result = tool.Keep(display, file, off, listKept); });
 
     bool all = false;
-    CLI::App* restore = app.add_subcommand(
-        "restore", "Puts back the kept profile of every display found (or DISPLAY): reads, writes what drifted, verifies");
+    CLI::App* restore = app.add_subcommand("restore",
+                                           "Puts back the kept profile of every display found (or DISPLAY): "
+                                           "reads, writes what drifted, verifies");
     restore->add_option("display", display, "Index or serial number");
     restore->add_flag("--all", all, "Every display that keeps a profile (the default)");
     int waitSeconds = 0;
@@ -146,10 +150,12 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
 
     bool checkOnly = false;
     CLI::App* apply = app.add_subcommand(
-        "apply", "Sets every display found as the studio file says: writes what differs, verifies; exit code 5 when "
-                 "something changed, 0 when nothing needed to");
+        "apply",
+        "Sets every display found as the studio file says: writes what differs, verifies; exit code 5 when "
+        "something changed, 0 when nothing needed to");
     apply->add_option("studio", file, "The studio file")->required();
-    apply->add_flag("--check", checkOnly, "Writes nothing: says what would change (exit code 5) or that nothing would (0)");
+    apply->add_flag("--check", checkOnly,
+                    "Writes nothing: says what would change (exit code 5) or that nothing would (0)");
     apply->callback([&] { result = tool.Apply(file, checkOnly, json); });
 
     std::vector<std::string> reversed(args_I.rbegin(), args_I.rend());

@@ -73,8 +73,11 @@ std::vector<SCliDisplay>& CDemoDisplays::Displays() {
         connector->Open(0);
         auto display = std::make_shared<UiDisplayDelegate>(connector, entry.display->Model().edidProductCode);
         const ByteBuffer& edid = entry.display->Edid();
-        mDisplays.push_back({entry.display->Model().monitorName, entry.display->Model().serialText, entry.route,
-                             display, false,
+        mDisplays.push_back({entry.display->Model().monitorName,
+                             entry.display->Model().serialText,
+                             entry.route,
+                             display,
+                             false,
                              {Edid::ManufacturerId(edid), Edid::ProductCode(edid),
                               Edid::DescriptorText(edid, Edid::kTagSerialNumber), entry.route}});
     }
@@ -88,8 +91,9 @@ void CDemoDisplays::Load() {
     }
     std::error_code error;
     std::string problem;
-    const std::optional<std::string> text =
-        std::filesystem::exists(Utf8Path(mStateFile), error) ? ReadTextFile(mStateFile, problem) : std::nullopt;
+    const std::optional<std::string> text = std::filesystem::exists(Utf8Path(mStateFile), error)
+                                                ? ReadTextFile(mStateFile, problem)
+                                                : std::nullopt;
     if (!text) {
         if (!problem.empty()) {
             DLog("Demo: %s; starting afresh\n", problem.c_str());

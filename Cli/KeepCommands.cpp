@@ -69,7 +69,8 @@ int CTool::Keep(const std::string& display_I, const std::string& file_I, bool of
         return CliExit::kBadUsage;
     }
     mOut << found->model << " (serial " << found->serial << ") "
-         << (off_I ? "keeps no profile now" : "keeps " + kept.Of(found->model, found->serial)->profile) << "\n";
+         << (off_I ? "keeps no profile now" : "keeps " + kept.Of(found->model, found->serial)->profile)
+         << "\n";
     return CliExit::kDone;
 }
 

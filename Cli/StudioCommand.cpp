@@ -41,16 +41,18 @@ void CTool::ApplyEntry(SCliDisplay& display_I, const SStudioEntry& entry_I, bool
         shown_IO["problem"] = "does not answer";
         return;
     }
-    const SProfileReport report =
-        check_I ? CheckProfile(*display_I.display, entry_I.profile)
-                : ApplyProfile(*display_I.display, entry_I.profile, [&](uint8_t code_I) { Remember(display_I, code_I); });
+    const SProfileReport report = check_I
+                                      ? CheckProfile(*display_I.display, entry_I.profile)
+                                      : ApplyProfile(*display_I.display, entry_I.profile,
+                                                     [&](uint8_t code_I) { Remember(display_I, code_I); });
     shown_IO.update(ReportJson(display_I, report));
     const int printed = PrintReport(display_I, report, json_I);
     if (keptChanged && !json_I) {
         mOut << "keep: " << (check_I ? "would keep" : "keeps") << " these settings ("
              << shown_IO["keeps"].get<std::string>() << ")\n";
     }
-    const bool changed = keptChanged || report.Any(check_I ? EProfileOutcome::Drifted : EProfileOutcome::Restored);
+    const bool changed =
+        keptChanged || report.Any(check_I ? EProfileOutcome::Drifted : EProfileOutcome::Restored);
     if (printed == CliExit::kCommunicationFailure) {
         shown_IO["outcome"] = "failed";
     } else if (printed == CliExit::kBadUsage) {
@@ -60,13 +62,16 @@ void CTool::ApplyEntry(SCliDisplay& display_I, const SStudioEntry& entry_I, bool
     }
 }
 
-bool CTool::KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I, json& shown_IO) {
+bool CTool::KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I,
+                      json& shown_IO) {
     // Beside the kept profiles' file: "studio" (the demo's "demo-studio"), a profile per display.
     const std::filesystem::path keptFile = Utf8Path(mKeptFile);
     const std::string prefix = Utf8String(keptFile.filename()).rfind("demo-", 0) == 0 ? "demo-" : "";
     const std::filesystem::path folder = keptFile.parent_path() / (prefix + "studio");
     std::string name = display_I.serial.substr(0, 64);
-    std::replace_if(name.begin(), name.end(), [](char c_I) { return std::isalnum(static_cast<unsigned char>(c_I)) == 0; }, '_');
+    std::replace_if(
+        name.begin(), name.end(), [](char c_I) { return std::isalnum(static_cast<unsigned char>(c_I)) == 0; },
+        '_');
     const std::string path = Utf8String(folder / (name + ".json"));
     SProfile profile = entry_I.profile;
     profile.model = display_I.model;
@@ -111,7 +116,8 @@ int CTool::Apply(const std::string& file_I, bool check_I, bool json_I) {
     for (const std::string& line : studio->problems) {
         mErr << file_I << ": " << line << "\n";
     }
-    std::map<std::string, int> totals = {{"changed", 0}, {"unchanged", 0}, {"failed", 0}, {"invalid", 0}, {"no entry", 0}};
+    std::map<std::string, int> totals = {
+        {"changed", 0}, {"unchanged", 0}, {"failed", 0}, {"invalid", 0}, {"no entry", 0}};
     json all = json::array();
     std::vector<SCliDisplay>& displays = Displays();
     for (SCliDisplay& display : displays) {
@@ -132,7 +138,8 @@ int CTool::Apply(const std::string& file_I, bool check_I, bool json_I) {
         const std::string outcome = shown["outcome"].get<std::string>();
         ++totals[outcome == "would change" ? "changed" : outcome];
         if (!json_I) {
-            mOut << (entry == nullptr ? "" : "  ") << (outcome == "no entry" ? "no entry for this model" : outcome) << "\n";
+            mOut << (entry == nullptr ? "" : "  ")
+                 << (outcome == "no entry" ? "no entry for this model" : outcome) << "\n";
         }
         all.push_back(shown);
     }
@@ -140,17 +147,23 @@ int CTool::Apply(const std::string& file_I, bool check_I, bool json_I) {
     PrintNotes();
     const char* changedName = check_I ? "would change" : "changed";
     if (json_I) {
-        json counted = {{"displays", displays.size()},          {check_I ? "would_change" : "changed", totals["changed"]},
-                        {"unchanged", totals["unchanged"]},      {"failed", totals["failed"]},
-                        {"invalid", totals["invalid"]},          {"no_entry", totals["no entry"]}};
-        mOut << json{{"studio", file_I}, {"check", check_I}, {"displays", all}, {"totals", counted},
-                     {"problems", studio->problems}, {"notes", mSource.Notes()}}
+        json counted = {
+            {"displays", displays.size()},      {check_I ? "would_change" : "changed", totals["changed"]},
+            {"unchanged", totals["unchanged"]}, {"failed", totals["failed"]},
+            {"invalid", totals["invalid"]},     {"no_entry", totals["no entry"]}};
+        mOut << json{{"studio", file_I},
+                     {"check", check_I},
+                     {"displays", all},
+                     {"totals", counted},
+                     {"problems", studio->problems},
+                     {"notes", mSource.Notes()}}
                     .dump(2)
              << "\n";
     } else {
-        mOut << displays.size() << " display" << (displays.size() == 1 ? "" : "s") << ": " << totals["changed"] << " "
-             << changedName << ", " << totals["unchanged"] << " unchanged, " << totals["failed"] << " failed, "
-             << totals["invalid"] << " with values they do not take, " << totals["no entry"] << " without an entry\n";
+        mOut << displays.size() << " display" << (displays.size() == 1 ? "" : "s") << ": "
+             << totals["changed"] << " " << changedName << ", " << totals["unchanged"] << " unchanged, "
+             << totals["failed"] << " failed, " << totals["invalid"] << " with values they do not take, "
+             << totals["no entry"] << " without an entry\n";
     }
     if (totals["failed"] > 0) {
         return CliExit::kCommunicationFailure;

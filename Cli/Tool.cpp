@@ -36,7 +36,8 @@ json CTool::LoadChanges() const {
     const json changes = text ? json::parse(*text, nullptr, false) : json();
     if (!changes.is_object()) {
         // Started afresh: the notes of earlier runs are lost, said here.
-        mErr << (text ? mChangesFile + ": damaged revert notes (not a JSON object); started afresh" : problem) << "\n";
+        mErr << (text ? mChangesFile + ": damaged revert notes (not a JSON object); started afresh" : problem)
+             << "\n";
         return json::object();
     }
     return changes;
@@ -100,11 +101,13 @@ std::vector<SCliDisplay>& CTool::Displays() {
         // on Windows and on Linux.
         std::vector<SCliDisplay>& found = mSource.Displays();
         const auto rank = [](const SCliDisplay& display_I) {
-            static const std::vector<std::string> kRoutes = {"graphics driver", "HID", "serial", "FTDI", "TI"};
+            static const std::vector<std::string> kRoutes = {"graphics driver", "HID", "serial", "FTDI",
+                                                             "TI"};
             return std::find(kRoutes.begin(), kRoutes.end(), display_I.route) - kRoutes.begin();
         };
-        std::stable_sort(found.begin(), found.end(),
-                         [&](const SCliDisplay& a_I, const SCliDisplay& b_I) { return rank(a_I) < rank(b_I); });
+        std::stable_sort(found.begin(), found.end(), [&](const SCliDisplay& a_I, const SCliDisplay& b_I) {
+            return rank(a_I) < rank(b_I);
+        });
     }
     return mSource.Displays();
 }
@@ -125,8 +128,9 @@ SCliDisplay* CTool::FindListed(const std::string& display_I, int& exitCode_O) {
         }
     }
     mErr << "no display " << display_I << ": no display found has that index or serial number ("
-         << (displays.empty() ? std::string("none found")
-                              : displays.size() == 1 ? std::string("index 0") : "index 0 to " + std::to_string(displays.size() - 1))
+         << (displays.empty()       ? std::string("none found")
+             : displays.size() == 1 ? std::string("index 0")
+                                    : "index 0 to " + std::to_string(displays.size() - 1))
          << "; see list)\n";
     PrintNotes();
     exitCode_O = CliExit::kNoSuchDisplay;
@@ -182,8 +186,8 @@ std::optional<STarget> CTool::Target(UiDisplayDelegate& display_I, const std::st
         return target;
     }
     const std::string hint = NearestProfileNameHint(name_I);
-    mErr << name_I << ": not a setting name or a VCP code" << (hint.empty() ? " (brightness, contrast, 0x10, ...)" : hint)
-         << "\n";
+    mErr << name_I << ": not a setting name or a VCP code"
+         << (hint.empty() ? " (brightness, contrast, 0x10, ...)" : hint) << "\n";
     return std::nullopt;
 }
 
@@ -254,7 +258,8 @@ std::string CTool::Refusal(UiDisplayDelegate& display_I, const STarget& target_I
         }
         // A setting the dialogs keep to themselves (the menu language) takes its code's list.
         const VCPOptionPtr option = target_I.code != 0 ? display_I.Option(target_I.code) : nullptr;
-        if (const std::vector<SNamedValue> listed = option ? OptionValuesOf(*option) : std::vector<SNamedValue>();
+        if (const std::vector<SNamedValue> listed =
+                option ? OptionValuesOf(*option) : std::vector<SNamedValue>();
             !listed.empty()) {
             std::string values;
             for (const SNamedValue& named : listed) {
@@ -349,7 +354,10 @@ json CTool::ReportJson(SCliDisplay& found_I, const SProfileReport& report_I) {
         }
         items.push_back(entry);
     }
-    return {{"model", found_I.model}, {"serial", found_I.serial}, {"matches", report_I.Matches()}, {"items", items}};
+    return {{"model", found_I.model},
+            {"serial", found_I.serial},
+            {"matches", report_I.Matches()},
+            {"items", items}};
 }
 
 int CTool::PrintReport(SCliDisplay& found_I, const SProfileReport& report_I, bool json_I) {

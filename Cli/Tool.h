@@ -74,7 +74,8 @@ private:
                     nlohmann::json& shown_IO);
     // Makes the display keep the entry's settings (a profile of them in the state folder);
     // whether that changed anything.
-    bool KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I, nlohmann::json& shown_IO);
+    bool KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I,
+                   nlohmann::json& shown_IO);
     // The display by index ("0") or serial number, initialised; null (and the message, and
     // exitCode_O) when there is none or it does not answer.
     SCliDisplay* Find(const std::string& display_I, int& exitCode_O);

@@ -20,8 +20,8 @@
 #include "MachineSetup.h"
 #include "SystemLibrary.h"
 #include "TextFile.h"
-#include "WinStrings.h"
 #include "WinDisplays.h"
+#include "WinStrings.h"
 
 namespace {
 
@@ -102,10 +102,9 @@ int RunTool(const std::vector<std::string>& args) {
     int result = 0;
     {
         CWinDisplays displays;
-        result =
-            RunCommandLineTool(args, displays, *out, *err, DefaultChangesFile(demo != nullptr),
-                               DefaultKeptFile(demo != nullptr), CCapabilitiesCache::DefaultFile(demo != nullptr),
-                               atTerminal);
+        result = RunCommandLineTool(args, displays, *out, *err, DefaultChangesFile(demo != nullptr),
+                                    DefaultKeptFile(demo != nullptr),
+                                    CCapabilitiesCache::DefaultFile(demo != nullptr), atTerminal);
     }
     return result;
 }

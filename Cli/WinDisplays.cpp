@@ -28,7 +28,8 @@ std::vector<SCliDisplay>& CWinDisplays::Displays() {
             model.erase(0, 6);
         }
         mDisplays.push_back({model, Narrow(info.serialNumber),
-                             ConnectorTypeName(display->GetConnector()->GetType()), display, true, display->Identity()});
+                             ConnectorTypeName(display->GetConnector()->GetType()), display, true,
+                             display->Identity()});
     }
     return mDisplays;
 }

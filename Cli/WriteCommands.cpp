@@ -62,8 +62,8 @@ int CTool::Set(SCliDisplay& found_I, const std::vector<std::string>& assignments
             if (digits) {
                 mErr << assignment << ": far outside what any setting takes; nothing was written\n";
             } else {
-                mErr << assignment << ": the value is not a number" << (names.empty() ? "" : " or one of " + names)
-                     << "\n";
+                mErr << assignment << ": the value is not a number"
+                     << (names.empty() ? "" : " or one of " + names) << "\n";
             }
             return CliExit::kBadUsage;
         }
@@ -108,7 +108,8 @@ int CTool::Revert(SCliDisplay& found_I) {
     int result = CliExit::kDone;
     for (const auto& [code, value] : changes[found_I.serial].items()) {
         const std::optional<uint8_t> number = ParseVcpCode(code);
-        if (!number || !value.is_number_integer() || value.get<int64_t>() < 0 || value.get<int64_t>() > 0xFFFF) {
+        if (!number || !value.is_number_integer() || value.get<int64_t>() < 0 ||
+            value.get<int64_t>() > 0xFFFF) {
             mErr << mChangesFile << ": damaged revert notes (\"" << code << "\": " << value.dump()
                  << " is not a VCP code and its value); left out\n";
             result = std::max(result, CliExit::kBadUsage);
@@ -123,8 +124,8 @@ int CTool::Revert(SCliDisplay& found_I) {
             continue;
         }
         // Named as the code's values are (a setting's values need not be its code's).
-        mOut << label << ": back to " << Shown(*found_I.display, STarget{std::nullopt, *number, label}, value.get<int32_t>())
-             << "\n";
+        mOut << label << ": back to "
+             << Shown(*found_I.display, STarget{std::nullopt, *number, label}, value.get<int32_t>()) << "\n";
     }
     if (result != CliExit::kCommunicationFailure) {
         Forget(found_I);  // what was damaged cannot be put back later either
@@ -139,8 +140,9 @@ int CTool::Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I) {
             return CliExit::kBadUsage;
         }
         const CProgressLine progress(mShowProgress ? &mErr : nullptr,
-                                     found_I.model + ": back to the factory settings; the display restarts, which takes "
-                                                     "about 20 seconds");
+                                     found_I.model +
+                                         ": back to the factory settings; the display restarts, which takes "
+                                         "about 20 seconds");
         if (!found_I.display->FactoryReset()) {
             return Failed(*found_I.display, "reset factory");
         }

@@ -22,7 +22,8 @@ std::vector<std::wstring> Entries(const std::wstring& list_I) {
 // An entry as a folder's name to compare: without quotes, blanks around it and trailing separators.
 std::wstring Comparable(std::wstring entry_I) {
     entry_I.erase(std::remove(entry_I.begin(), entry_I.end(), L'"'), entry_I.end());
-    while (!entry_I.empty() && (entry_I.back() == L' ' || entry_I.back() == L'\\' || entry_I.back() == L'/')) {
+    while (!entry_I.empty() &&
+           (entry_I.back() == L' ' || entry_I.back() == L'\\' || entry_I.back() == L'/')) {
         entry_I.pop_back();
     }
     const size_t first = entry_I.find_first_not_of(L' ');
@@ -41,7 +42,8 @@ bool Names(const std::wstring& entry_I, const std::wstring& folder_I) {
 
 bool PathListHas(const std::wstring& list_I, const std::wstring& folder_I) {
     const std::vector<std::wstring> entries = Entries(list_I);
-    return std::any_of(entries.begin(), entries.end(), [&](const std::wstring& e) { return Names(e, folder_I); });
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const std::wstring& e) { return Names(e, folder_I); });
 }
 
 std::wstring PathListWith(const std::wstring& list_I, const std::wstring& folder_I) {
@@ -52,7 +54,8 @@ std::wstring PathListWith(const std::wstring& list_I, const std::wstring& folder
         return folder_I;
     }
     if (list_I.back() == L';') {
-        return list_I + folder_I + L";";  // the closing separator stays last: taken out, the list is as it was
+        return list_I + folder_I +
+               L";";  // the closing separator stays last: taken out, the list is as it was
     }
     return list_I + L";" + folder_I;
 }

@@ -145,14 +145,22 @@ struct SUtf8Lead {
 };
 
 SUtf8Lead Utf8Lead(uint8_t lead_I) {
-    if (lead_I < 0x80) return {1, 0, 0};
-    if (lead_I >= 0xC2 && lead_I <= 0xDF) return {2, 0x80, 0xBF};
-    if (lead_I == 0xE0) return {3, 0xA0, 0xBF};  // no overlong forms
-    if (lead_I == 0xED) return {3, 0x80, 0x9F};  // no surrogates
-    if (lead_I >= 0xE1 && lead_I <= 0xEF) return {3, 0x80, 0xBF};
-    if (lead_I == 0xF0) return {4, 0x90, 0xBF};  // no overlong forms
-    if (lead_I >= 0xF1 && lead_I <= 0xF3) return {4, 0x80, 0xBF};
-    if (lead_I == 0xF4) return {4, 0x80, 0x8F};  // nothing above U+10FFFF
+    if (lead_I < 0x80)
+        return {1, 0, 0};
+    if (lead_I >= 0xC2 && lead_I <= 0xDF)
+        return {2, 0x80, 0xBF};
+    if (lead_I == 0xE0)
+        return {3, 0xA0, 0xBF};  // no overlong forms
+    if (lead_I == 0xED)
+        return {3, 0x80, 0x9F};  // no surrogates
+    if (lead_I >= 0xE1 && lead_I <= 0xEF)
+        return {3, 0x80, 0xBF};
+    if (lead_I == 0xF0)
+        return {4, 0x90, 0xBF};  // no overlong forms
+    if (lead_I >= 0xF1 && lead_I <= 0xF3)
+        return {4, 0x80, 0xBF};
+    if (lead_I == 0xF4)
+        return {4, 0x80, 0x8F};  // nothing above U+10FFFF
     return {0, 0, 0};
 }
 

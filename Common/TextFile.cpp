@@ -113,7 +113,8 @@ bool WriteTextFile(const std::string& path_I, const std::string& text_I, std::st
     partial += suffix.str();
     if (!WriteWhole(partial, text_I)) {
         const bool folderMissing = path.has_parent_path() && !fs::is_directory(path.parent_path(), error);
-        problem_O = path_I + ": cannot be written" + (folderMissing ? std::string(" (its folder cannot be made)") : std::string());
+        problem_O = path_I + ": cannot be written" +
+                    (folderMissing ? std::string(" (its folder cannot be made)") : std::string());
         fs::remove(partial, error);
         return false;
     }

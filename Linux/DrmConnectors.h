@@ -17,4 +17,3 @@ struct SDrmConnector {
 // Connectors with an EDID of at least one whole block; a truncated EDID is logged and skipped.
 std::vector<SDrmConnector> FindDrmConnectors(ILinuxSystem& system_I,
                                              const std::string& sysfsDrm_I = "/sys/class/drm");
-

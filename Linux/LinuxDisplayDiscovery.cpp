@@ -96,7 +96,9 @@ std::vector<SLinuxDisplay> CLinuxDisplayDiscovery::Find() {
             }
             if (const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
                     serialPorts.size(),
-                    [&](size_t i_I) { return !serialPorts[i_I].taken && serialPorts[i_I].connector->IsOpen(); },
+                    [&](size_t i_I) {
+                        return !serialPorts[i_I].taken && serialPorts[i_I].connector->IsOpen();
+                    },
                     [&](size_t i_I) { return serialPorts[i_I].connector->SerialNumber(-1); }, serial, true)) {
                 serialPorts[*chosen].taken = true;
                 connector = serialPorts[*chosen].connector;
@@ -118,9 +120,12 @@ std::vector<SLinuxDisplay> CLinuxDisplayDiscovery::Find() {
         }
         auto display = std::make_shared<UiDisplayDelegate>(connector, productCode);
         const std::string name = Edid::DescriptorText(drm.edid, 0xFC);
-        displays.push_back({name.empty() ? drm.name : name, serial, route, display,
-                            {Edid::ManufacturerId(drm.edid), productCode, serial,
-                             ConnectorTypeName(connector->GetType())}});
+        displays.push_back(
+            {name.empty() ? drm.name : name,
+             serial,
+             route,
+             display,
+             {Edid::ManufacturerId(drm.edid), productCode, serial, ConnectorTypeName(connector->GetType())}});
     }
     return displays;
 }

@@ -54,8 +54,8 @@ ByteBuffer CVirtualDisplay::Handle(const ByteBuffer& request_I) {
     std::lock_guard<std::mutex> lock(mMutex);
     const SHostRequest decoded = DecodeHostRequest(request_I);
     const uint8_t opcode = decoded.command;
-    const int vcpCode = request_I.size() > Ddc::kCodeByte && (opcode == ddcCC_GetVCPFeatureRequest ||
-                                                              opcode == ddcCC_SetVCPFeatureRequest)
+    const int vcpCode = request_I.size() > Ddc::kCodeByte &&
+                                (opcode == ddcCC_GetVCPFeatureRequest || opcode == ddcCC_SetVCPFeatureRequest)
                             ? decoded.vcpCode
                             : kAnyCode;
     STransaction transaction;
@@ -92,7 +92,8 @@ ByteBuffer CVirtualDisplay::Answer(const ByteBuffer& request_I) {
     }
     const SHostRequest request = DecodeHostRequest(request_I);
     switch (request.command) {
-        case ddcCC_GetVCPFeatureRequest: return request_I.size() == 6 ? AnswerGet(request.vcpCode) : ByteBuffer{};
+        case ddcCC_GetVCPFeatureRequest:
+            return request_I.size() == 6 ? AnswerGet(request.vcpCode) : ByteBuffer{};
         case ddcCC_SetVCPFeatureRequest:
             if (request_I.size() != 8) {
                 return {};
@@ -236,9 +237,9 @@ ByteBuffer CVirtualDisplay::AnswerTableRead(uint8_t table_I, uint16_t offset_I) 
         return BuildNullMessage();
     }
     const size_t count = std::min(kTableReadChunk, table.size() - offset_I);
-    return BuildOffsetReply(ddcCC_TableReadReplyCode, offset_I,
-                            ByteBuffer(table.begin() + offset_I,
-                                       table.begin() + static_cast<std::ptrdiff_t>(offset_I + count)));
+    return BuildOffsetReply(
+        ddcCC_TableReadReplyCode, offset_I,
+        ByteBuffer(table.begin() + offset_I, table.begin() + static_cast<std::ptrdiff_t>(offset_I + count)));
 }
 
 // The display information record, a get reply of 0xF2 carrying: bytes 6-7 the EDID product

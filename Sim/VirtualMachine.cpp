@@ -113,9 +113,10 @@ SVirtualMachine Replugged() {
 SVirtualMachine SleepAndWake() {
     SVirtualMachine machine = TwoFamilies();
     using std::chrono::seconds;
-    machine.timeline = {{seconds(8), SDeskEvent::EKind::Sleep, nullptr},
-                        {seconds(11), SDeskEvent::EKind::MenuChange, machine.monitors[0].display, vcpC_Luminance, 40},
-                        {seconds(14), SDeskEvent::EKind::Wake, nullptr}};
+    machine.timeline = {
+        {seconds(8), SDeskEvent::EKind::Sleep, nullptr},
+        {seconds(11), SDeskEvent::EKind::MenuChange, machine.monitors[0].display, vcpC_Luminance, 40},
+        {seconds(14), SDeskEvent::EKind::Wake, nullptr}};
     return machine;
 }
 
@@ -192,8 +193,10 @@ const std::vector<SScenario>& Scenarios() {
         {"two-families", "Canvas 22 Pro and Studio 32, both through the graphics driver", &TwoFamilies},
         {"replug", "two-families; Canvas 22 Pro is unplugged after 8 s and plugged back in after 16 s",
          &Replugged},
-        {"sleep-wake", "two-families; the computer sleeps after 8 s, Canvas 22 Pro's brightness is turned to 40 on its "
-         "own menu, and the computer wakes after 14 s", &SleepAndWake},
+        {"sleep-wake",
+         "two-families; the computer sleeps after 8 s, Canvas 22 Pro's brightness is turned to 40 on its "
+         "own menu, and the computer wakes after 14 s",
+         &SleepAndWake},
         {"power-cycle",
          "two-families; Canvas 22 Pro is switched off and on after 8 s and answers late as it starts",
          &SwitchedOffAndOn},

@@ -5,8 +5,8 @@
 // virtual displays, and the BIOS manufacturer. Sim/Win installs one as the process's system;
 // the named scenarios are the test beds of discovery and the machines the demo shows.
 
-#include <cstdint>
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>

@@ -22,12 +22,14 @@
 
 namespace {
 
-const std::string kCacheFile = (std::filesystem::temp_directory_path() / "vlr-cli-timing-cache.json").string();
+const std::string kCacheFile =
+    (std::filesystem::temp_directory_path() / "vlr-cli-timing-cache.json").string();
 
 double CpuSeconds() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
 struct SFigure {
@@ -81,8 +83,8 @@ SFigure Measure(const std::vector<std::string>& args_I, int runs_I) {
 }
 
 void Print(const char* name_I, const SFigure& figure_I) {
-    std::printf("%-44s wall %.3f s, protocol pauses %.3f s, CPU %.2f ms\n", name_I, figure_I.wall, figure_I.paused,
-                figure_I.cpu * 1000);
+    std::printf("%-44s wall %.3f s, protocol pauses %.3f s, CPU %.2f ms\n", name_I, figure_I.wall,
+                figure_I.paused, figure_I.cpu * 1000);
 }
 
 // The slowest of the demo's displays to say its firmware version, each asked alone.
@@ -92,7 +94,8 @@ double SlowestIdentityRead() {
     for (SCliDisplay& display : displays.Displays()) {
         const auto start = std::chrono::steady_clock::now();
         display.display->ReadFirmwareVersion();
-        slowest = std::max(slowest, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        slowest = std::max(slowest,
+                           std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
     return slowest;
 }
@@ -110,8 +113,8 @@ int main(int argc, char** argv) {
     const double identity = SlowestIdentityRead();
     Print("list, one after another, no cache (before)", listBefore);
     Print("list, at once, cache filled", list);
-    std::printf("  slowest display's identity reads %.3f s: list takes %.2f of it (target at most 1.1)\n", identity,
-                list.wall / identity);
+    std::printf("  slowest display's identity reads %.3f s: list takes %.2f of it (target at most 1.1)\n",
+                identity, list.wall / identity);
     Print("get 0 brightness, fresh run, no cache (before)", getBefore);
     Print("get 0 brightness, fresh run, cache filled", get);
     std::printf("  %.3f s (target at most 0.2 s)\n", get.wall);

@@ -89,7 +89,7 @@ struct SDeskDisplay {
     std::vector<std::weak_ptr<CVirtualDisplayConnector>> connectors;
     // The next keeper round must bring the kept profile back by then.
     std::optional<std::chrono::microseconds> restoreDue;
-    std::map<uint8_t, uint16_t> saved;  // what the firmware keeps
+    std::map<uint8_t, uint16_t> saved;     // what the firmware keeps
     std::map<uint8_t, uint16_t> lastRead;  // the last value read of each code
 };
 
@@ -197,8 +197,11 @@ public:
             mSearched = true;
             for (auto& [display, connector] : mDesk.Connect()) {
                 const ByteBuffer& edid = display->display->Edid();
-                mDisplays.push_back({display->model, display->serial, "graphics driver",
-                                     std::make_shared<UiDisplayDelegate>(connector, display->productCode), false,
+                mDisplays.push_back({display->model,
+                                     display->serial,
+                                     "graphics driver",
+                                     std::make_shared<UiDisplayDelegate>(connector, display->productCode),
+                                     false,
                                      {Edid::ManufacturerId(edid), Edid::ProductCode(edid), display->serial,
                                       "graphics driver"}});
             }
@@ -344,10 +347,12 @@ private:
                     settings += " " + setting;
                 }
                 Violation(totals_IO, "%s reported restored (%s) but has brightness %u, contrast %u",
-                          display->model.c_str(), settings.c_str(), display->display->Value(display->brightnessCode),
+                          display->model.c_str(), settings.c_str(),
+                          display->display->Value(display->brightnessCode),
                           display->display->Value(kContrast));
             }
-            if (result.kind == SKeeperResult::EKind::Failed || result.kind == SKeeperResult::EKind::NotAnswering) {
+            if (result.kind == SKeeperResult::EKind::Failed ||
+                result.kind == SKeeperResult::EKind::NotAnswering) {
                 mGaveUp.insert(display->serial);
             }
         }
@@ -365,9 +370,11 @@ private:
                 if (mGaveUp.count(display.serial) != 0) {
                     ++totals_IO.gaveUpAndSaid;
                 } else {
-                    Violation(totals_IO, "%s: kept profile not back %lld s after it answered again, nothing said",
+                    Violation(totals_IO,
+                              "%s: kept profile not back %lld s after it answered again, nothing said",
                               display.model.c_str(),
-                              static_cast<long long>(std::chrono::duration_cast<std::chrono::seconds>(kRestoreBound).count()));
+                              static_cast<long long>(
+                                  std::chrono::duration_cast<std::chrono::seconds>(kRestoreBound).count()));
                 }
                 display.restoreDue.reset();
             }
@@ -400,11 +407,13 @@ private:
                     display.lastRead[request.vcpCode] =
                         static_cast<uint16_t>(transaction.reply[8] << 8 | transaction.reply[9]);
                 } else if (request.command == ddcCC_SetVCPFeatureRequest && transaction.request.size() >= 7) {
-                    const uint16_t value = static_cast<uint16_t>(transaction.request[5] << 8 | transaction.request[6]);
+                    const uint16_t value =
+                        static_cast<uint16_t>(transaction.request[5] << 8 | transaction.request[6]);
                     const auto read = display.lastRead.find(request.vcpCode);
-                    if (read != display.lastRead.end() && read->second == value && IsSetting(request.vcpCode)) {
-                        Violation(totals_IO, "%s: wrote 0x%02X=%u, which it had just read", display.model.c_str(),
-                                  request.vcpCode, value);
+                    if (read != display.lastRead.end() && read->second == value &&
+                        IsSetting(request.vcpCode)) {
+                        Violation(totals_IO, "%s: wrote 0x%02X=%u, which it had just read",
+                                  display.model.c_str(), request.vcpCode, value);
                     }
                     display.lastRead.erase(request.vcpCode);
                 }
@@ -427,8 +436,8 @@ private:
         while (!stop_I) {
             SDeskDisplay& display = mDisplays[random() % mDisplays.size()];
             const unsigned sharpness = random() % 5;
-            std::ofstream(file) << "{\"settings\": {\"sharpness\": " << sharpness << ", \"colour-temperature\": \""
-                                << temperatures[random() % 3] << "\"}}\n";
+            std::ofstream(file) << "{\"settings\": {\"sharpness\": " << sharpness
+                                << ", \"colour-temperature\": \"" << temperatures[random() % 3] << "\"}}\n";
             const unsigned long epoch = mDeskEpoch;
             CSoakToolSource source(mDesk);
             std::ostringstream out;
@@ -444,7 +453,8 @@ private:
                 }
             } else if (code == CliExit::kCommunicationFailure) {
                 ++totals_IO.toolFailed;
-            } else if (code == CliExit::kNoSuchDisplay && (epoch != mDeskEpoch || !mDesk.IsPlugged(display))) {
+            } else if (code == CliExit::kNoSuchDisplay &&
+                       (epoch != mDeskEpoch || !mDesk.IsPlugged(display))) {
                 ++totals_IO.toolNotFound;
             } else {
                 Violation(totals_IO, "the tool ended with exit code %d: %s", code, err.str().c_str());
@@ -511,12 +521,12 @@ int main(int argc, char** argv) {
     }
     std::error_code ignored;
     fs::remove_all(folder, ignored);
-    std::printf("steps %lu, desk events %lu, tool runs %lu (%lu done, %lu failed or found the display in use and "
-                "said so, %lu found it unplugged), kept profiles restored %lu, given up and said %lu, faults "
-                "injected %lu, violations %lu\n",
-                totals.steps, totals.deskEvents, totals.toolRuns.load(), totals.toolDone.load(), totals.toolFailed.load(),
-                totals.toolNotFound.load(),
-                totals.restored,
-                totals.gaveUpAndSaid, totals.faults, totals.violations.load());
+    std::printf(
+        "steps %lu, desk events %lu, tool runs %lu (%lu done, %lu failed or found the display in use and "
+        "said so, %lu found it unplugged), kept profiles restored %lu, given up and said %lu, faults "
+        "injected %lu, violations %lu\n",
+        totals.steps, totals.deskEvents, totals.toolRuns.load(), totals.toolDone.load(),
+        totals.toolFailed.load(), totals.toolNotFound.load(), totals.restored, totals.gaveUpAndSaid,
+        totals.faults, totals.violations.load());
     return totals.violations == 0 ? 0 : 1;
 }

@@ -31,8 +31,8 @@ struct SRun {
     size_t found = 0;
 };
 
-SRun Search(const SVirtualMachine& machine_I, bool atOnce_I, const std::shared_ptr<CCapabilitiesCache>& cache_I,
-            CMeasuringClock& clock_I) {
+SRun Search(const SVirtualMachine& machine_I, bool atOnce_I,
+            const std::shared_ptr<CCapabilitiesCache>& cache_I, CMeasuringClock& clock_I) {
     CSimulatedMachine machine(machine_I);
     auto discovery = CWinDisplayConfigInterface::Create();
     discovery->SetInitializeAtOnce(atOnce_I);
@@ -71,7 +71,8 @@ int main(int argc, char** argv) {
         before += serial.wall / runs;
         worstOverhead = std::max(worstOverhead, serial.wall / serial.paused);
         for (size_t route = 0; route < 4; ++route) {
-            alone[route] += Search(VirtualMachine::OnePerRouteAlone(route), false, nullptr, clock).wall / runs;
+            alone[route] +=
+                Search(VirtualMachine::OnePerRouteAlone(route), false, nullptr, clock).wall / runs;
         }
         std::filesystem::remove(cacheFile);
         auto cache = std::make_shared<CCapabilitiesCache>(cacheFile);
@@ -86,12 +87,16 @@ int main(int argc, char** argv) {
     }
     std::filesystem::remove(cacheFile);
     const double slowestAlone = *std::max_element(std::begin(alone), std::end(alone));
-    std::printf("one after another, no cache (before): wall %.3f s, worst overhead %.4f (target at most 1.05)\n",
-                before, worstOverhead);
+    std::printf(
+        "one after another, no cache (before): wall %.3f s, worst overhead %.4f (target at most 1.05)\n",
+        before, worstOverhead);
     std::printf("slowest display searched alone:       wall %.3f s\n", slowestAlone);
-    std::printf("at once, first start:                 wall %.3f s = %.2f x the slowest alone (target at most 1.15)\n",
-                first, first / slowestAlone);
-    std::printf("at once, cache filled:                wall %.3f s = %.2f x the first start (target at most 0.5)\n",
-                cached, cached / first);
+    std::printf(
+        "at once, first start:                 wall %.3f s = %.2f x the slowest alone (target at most "
+        "1.15)\n",
+        first, first / slowestAlone);
+    std::printf(
+        "at once, cache filled:                wall %.3f s = %.2f x the first start (target at most 0.5)\n",
+        cached, cached / first);
     return first <= 1.15 * slowestAlone && cached <= 0.5 * first ? 0 : 1;
 }

@@ -44,7 +44,8 @@ void RestoreAfterPowerCycle(benchmark::State& state) {
     CScopedClock scoped(clock);
     const std::filesystem::path folder = std::filesystem::temp_directory_path() / "vlr-keeper-bench";
     std::filesystem::create_directories(folder);
-    std::ofstream(folder / "profile.json") << R"({"settings": {"brightness": 40, "contrast": 45, "sharpness": 3}})";
+    std::ofstream(folder / "profile.json")
+        << R"({"settings": {"brightness": 40, "contrast": 45, "sharpness": 3}})";
     CKeptProfiles kept((folder / "kept.json").string());
     kept.Keep("Canvas 22 Pro", "S1", (folder / "profile.json").string());
     std::string problem;

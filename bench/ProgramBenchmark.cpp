@@ -18,9 +18,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <cstdio>
 #include <thread>
 
 #include "Application.h"
@@ -83,7 +83,8 @@ double WorkingSetMB() {
 }
 
 // From the call that runs the program to its main dialog; the working set then.
-double MeasureStart(const SVirtualMachine& machine_I, bool serialInit_I, bool noCache_I, double* workingSetMB_O = nullptr) {
+double MeasureStart(const SVirtualMachine& machine_I, bool serialInit_I, bool noCache_I,
+                    double* workingSetMB_O = nullptr) {
     CSimulatedMachine machine(machine_I);
     SStartupOptions options;
     options.languageName = "en";
@@ -92,7 +93,8 @@ double MeasureStart(const SVirtualMachine& machine_I, bool serialInit_I, bool no
     const auto start = std::chrono::steady_clock::now();
     std::thread ui([options] { RunApplication(options); });
     HWND dialog = WaitForMainDialog();
-    const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    const double ms =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     if (workingSetMB_O != nullptr) {
         *workingSetMB_O = WorkingSetMB();
     }
@@ -106,7 +108,8 @@ double MeasureStart(const SVirtualMachine& machine_I, bool serialInit_I, bool no
 bool MeasureStarts() {
     // What Wine itself takes in a process, for comparison.
     const double before = WorkingSetMB();
-    const std::string cacheFile = (std::filesystem::temp_directory_path() / "vlr-bench-program-cache.json").string();
+    const std::string cacheFile =
+        (std::filesystem::temp_directory_path() / "vlr-bench-program-cache.json").string();
     _putenv_s("VLR_CAPABILITIES_CACHE", cacheFile.c_str());
     std::filesystem::remove(cacheFile);
     const SVirtualMachine desk = *VirtualMachine::Scenario("one-per-route");
@@ -114,19 +117,21 @@ bool MeasureStarts() {
     const double reference = MeasureStart(desk, true, true, &workingSet);
     double slowestAlone = 0;
     for (size_t route = 0; route < 4; ++route) {
-        slowestAlone = std::max(slowestAlone, MeasureStart(VirtualMachine::OnePerRouteAlone(route), true, true));
+        slowestAlone =
+            std::max(slowestAlone, MeasureStart(VirtualMachine::OnePerRouteAlone(route), true, true));
     }
     const double first = MeasureStart(desk, false, false);
     const double cached = MeasureStart(desk, false, false);
     std::filesystem::remove(cacheFile);
-    std::printf("start-up to the main dialog, 4 displays one after another, no cache (before): %.0f ms; "
-                "working set %.1f MB (%.1f MB before)\n",
-                reference, workingSet, before);
+    std::printf(
+        "start-up to the main dialog, 4 displays one after another, no cache (before): %.0f ms; "
+        "working set %.1f MB (%.1f MB before)\n",
+        reference, workingSet, before);
     std::printf("start-up with the slowest display alone: %.0f ms\n", slowestAlone);
-    std::printf("start-up at once, first start: %.0f ms = %.2f x the slowest alone (target at most 1.15)\n", first,
-                first / slowestAlone);
-    std::printf("start-up at once, cache filled: %.0f ms = %.2f x the first start (target at most 0.5)\n", cached,
-                cached / first);
+    std::printf("start-up at once, first start: %.0f ms = %.2f x the slowest alone (target at most 1.15)\n",
+                first, first / slowestAlone);
+    std::printf("start-up at once, cache filled: %.0f ms = %.2f x the first start (target at most 0.5)\n",
+                cached, cached / first);
     return reference > 0 && first > 0 && cached > 0 && first <= 1.15 * slowestAlone && cached <= 0.5 * first;
 }
 

@@ -34,12 +34,11 @@
 #include <thread>
 #include <vector>
 
-
 #include "CVirtualDisplay.h"
 #include "CVirtualDisplayConnector.h"
 #include "DdcPackets.h"
-#include "UiDisplayDelegate.h"
 #include "SoakWatchdog.h"
+#include "UiDisplayDelegate.h"
 #include "VirtualClock.h"
 #include "VirtualDisplayPresets.h"
 
@@ -214,13 +213,20 @@ private:
 
     EOperation Pick() {
         const int roll = static_cast<int>(mRandom() % 1000);
-        if (roll < 700) return EOperation::Setter;
-        if (roll < 780) return EOperation::Save;
-        if (roll < 860) return EOperation::Revert;
-        if (roll < 900) return EOperation::CustomColor;
-        if (roll < 940) return EOperation::Refresh;
-        if (roll < 960) return EOperation::PowerCycle;
-        if (roll < 985) return EOperation::ResetColor;
+        if (roll < 700)
+            return EOperation::Setter;
+        if (roll < 780)
+            return EOperation::Save;
+        if (roll < 860)
+            return EOperation::Revert;
+        if (roll < 900)
+            return EOperation::CustomColor;
+        if (roll < 940)
+            return EOperation::Refresh;
+        if (roll < 960)
+            return EOperation::PowerCycle;
+        if (roll < 985)
+            return EOperation::ResetColor;
         return EOperation::FactoryReset;
     }
 
@@ -248,7 +254,8 @@ private:
             value_O = state.entries[mRandom() % state.entries.size()].value;
         } else if (state.range.maximum > state.range.minimum) {
             value_O = state.range.minimum +
-                      static_cast<int32_t>(mRandom() % static_cast<uint32_t>(state.range.maximum - state.range.minimum + 1));
+                      static_cast<int32_t>(
+                          mRandom() % static_cast<uint32_t>(state.range.maximum - state.range.minimum + 1));
         } else {
             value_O = static_cast<int32_t>(mRandom() % 2);
         }
@@ -305,7 +312,8 @@ private:
             case EOperation::FactoryReset: succeeded = mDelegate->FactoryReset(); break;
             case EOperation::CustomColor: {
                 const auto level = [this] { return static_cast<uint8_t>(mRandom() % 101); };
-                succeeded = mDelegate->SetCustomRGBColorMod(eColorModGain, CColor::FromRGB(level(), level(), level()));
+                succeeded = mDelegate->SetCustomRGBColorMod(eColorModGain,
+                                                            CColor::FromRGB(level(), level(), level()));
                 break;
             }
             case EOperation::PowerCycle:
@@ -332,7 +340,8 @@ private:
         for (const STransaction& transaction : transactions) {
             totals_IO.faults += transaction.fault != EFault::None ? 1 : 0;
             const SHostRequest request = DecodeHostRequest(transaction.request);
-            if (request.command == ddcCC_GetVCPFeatureRequest || request.command == ddcCC_SetVCPFeatureRequest) {
+            if (request.command == ddcCC_GetVCPFeatureRequest ||
+                request.command == ddcCC_SetVCPFeatureRequest) {
                 touched.insert(request.vcpCode);
                 if (transaction.fault != EFault::None) {
                     unconfirmed.insert(request.vcpCode);
@@ -344,13 +353,15 @@ private:
 
         // Bounded by what its own transactions can take.
         const auto elapsed = Clock::Get().Now() - started;
-        const auto bound = kMaxPerTransaction * static_cast<long>(transactions.size()) + kMaxOutsideTransactions;
+        const auto bound =
+            kMaxPerTransaction * static_cast<long>(transactions.size()) + kMaxOutsideTransactions;
         if (elapsed > bound) {
-            Violation(totals_IO, "took %lld ms for %zu transactions", static_cast<long long>(elapsed.count() / 1000),
-                      transactions.size());
+            Violation(totals_IO, "took %lld ms for %zu transactions",
+                      static_cast<long long>(elapsed.count() / 1000), transactions.size());
         }
 
-        const bool resetsEverything = operation == EOperation::FactoryReset || operation == EOperation::ResetColor;
+        const bool resetsEverything =
+            operation == EOperation::FactoryReset || operation == EOperation::ResetColor;
         if (!succeeded) {
             ++totals_IO.failures;
             // The failure said so: these values may differ until they are read again (all of
@@ -391,8 +402,8 @@ private:
         if (succeeded && checkable && !faulted) {
             const SSettingState after = mDelegate->GetSetting(setting);
             if (after.valid && after.value != value) {
-                Violation(totals_IO, "setting %d reported success for %d but holds %d", static_cast<int>(setting),
-                          value, after.value);
+                Violation(totals_IO, "setting %d reported success for %d but holds %d",
+                          static_cast<int>(setting), value, after.value);
             }
         }
 
@@ -403,13 +414,14 @@ private:
 
         // What the delegate believes is what the display holds.
         for (const auto& [code, option] : mDelegate->Options()) {
-            if (!option || !option->HasOriginal() || !option->Info().Writable() || !option->Info().Readable() ||
-                !mDisplay->Supports(code) || mSuspect.count(code) != 0) {
+            if (!option || !option->HasOriginal() || !option->Info().Writable() ||
+                !option->Info().Readable() || !mDisplay->Supports(code) || mSuspect.count(code) != 0) {
                 continue;
             }
             const uint16_t believed = static_cast<uint16_t>(option->GetValue() & 0xFFFF);
             if (believed != mDisplay->Value(code)) {
-                Violation(totals_IO, "0x%02X believed %u, display holds %u", code, believed, mDisplay->Value(code));
+                Violation(totals_IO, "0x%02X believed %u, display holds %u", code, believed,
+                          mDisplay->Value(code));
                 mSuspect.insert(code);  // one report per divergence
             }
         }
@@ -473,18 +485,20 @@ int main(int argc, char** argv) {
         } else {
             soak.Run(operations, progress, totals);
         }
-        std::printf("%-16s operations %lu, faults injected %lu, failures reported %lu, desk events %lu, "
-                    "violations %lu\n",
-                    model.key.c_str(), totals.operations, totals.faults, totals.failures, totals.deskEvents,
-                    totals.violations);
+        std::printf(
+            "%-16s operations %lu, faults injected %lu, failures reported %lu, desk events %lu, "
+            "violations %lu\n",
+            model.key.c_str(), totals.operations, totals.faults, totals.failures, totals.deskEvents,
+            totals.violations);
         all.operations += totals.operations;
         all.faults += totals.faults;
         all.failures += totals.failures;
         all.deskEvents += totals.deskEvents;
         all.violations += totals.violations;
     }
-    std::printf("all              operations %lu, faults injected %lu, failures reported %lu, desk events %lu, "
-                "violations %lu\n",
-                all.operations, all.faults, all.failures, all.deskEvents, all.violations);
+    std::printf(
+        "all              operations %lu, faults injected %lu, failures reported %lu, desk events %lu, "
+        "violations %lu\n",
+        all.operations, all.faults, all.failures, all.deskEvents, all.violations);
     return all.violations == 0 ? 0 : 1;
 }

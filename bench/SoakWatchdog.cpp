@@ -28,7 +28,8 @@ void CSoakWatchdog::Watch() {
             seen = mProgress.load();
             lastChange = std::chrono::steady_clock::now();
         } else if (std::chrono::steady_clock::now() - lastChange > mLimit) {
-            std::printf("VIOLATION: %s has not ended after %lld s\n", mWhat, static_cast<long long>(mLimit.count()));
+            std::printf("VIOLATION: %s has not ended after %lld s\n", mWhat,
+                        static_cast<long long>(mLimit.count()));
             std::fflush(stdout);
             std::_Exit(1);
         }

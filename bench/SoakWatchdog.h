@@ -12,7 +12,8 @@
 // time; stops when destroyed. `what` says what has not ended, e.g. "an operation".
 class CSoakWatchdog {
 public:
-    CSoakWatchdog(const std::atomic<unsigned long>& progress_I, std::chrono::seconds limit_I, const char* what_I);
+    CSoakWatchdog(const std::atomic<unsigned long>& progress_I, std::chrono::seconds limit_I,
+                  const char* what_I);
     ~CSoakWatchdog();
     CSoakWatchdog(const CSoakWatchdog&) = delete;
     CSoakWatchdog& operator=(const CSoakWatchdog&) = delete;

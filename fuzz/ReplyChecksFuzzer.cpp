@@ -29,7 +29,8 @@ private:
 };
 
 const char kCapabilities[] =
-    "(prot(monitor)type(lcd)model(fuzz)cmds(01 02 03 0C F3)vcp(04 08 10 12 14(04 05 08 0B) 16 18 1A 60 72(01 02 "
+    "(prot(monitor)type(lcd)model(fuzz)cmds(01 02 03 0C F3)vcp(04 08 10 12 14(04 05 08 0B) 16 18 1A 60 72(01 "
+    "02 "
     "03) 86(01 02 05) 87 E0(00 01 02) EA F0(07 08 09) F3(00 01) F4(00 02 03))mccs_ver(2.2))";
 
 }  // namespace

@@ -184,8 +184,7 @@ int main(int argc, char** argv) {
               Bytes(std::string(1, '\2') +
                     R"({"rules": [{"application": "paint.exe", "profile": "adobe-rgb.json"}]})"));
     // The README's studio file.
-    WriteSeed(out / "settings_files", "studio",
-              Bytes(std::string(1, '\3') + R"({"displays": [
+    WriteSeed(out / "settings_files", "studio", Bytes(std::string(1, '\3') + R"({"displays": [
   {"model": "Canvas 22 Pro", "keep": true,
    "settings": {"colour-space": "adobe-rgb", "brightness": 55, "contrast": 50, "gamma": 2.2}},
   {"model": "Studio 24", "settings": {"brightness": 60, "colour-temperature": "6500k"}},
@@ -196,14 +195,16 @@ int main(int argc, char** argv) {
     {
         CCapabilitiesCache cache(cacheFile.string());
         cache.Store({"VLR", 0x1060, "VC1060A40892", "graphics driver"}, {3, 1, 2},
-                    {"(prot(monitor)type(lcd)model(Canvas 22 Pro)vcp(02 04 10 12 14(04 05 06 08 0B)))", "Canvas 22 Pro"});
+                    {"(prot(monitor)type(lcd)model(Canvas 22 Pro)vcp(02 04 10 12 14(04 05 06 08 0B)))",
+                     "Canvas 22 Pro"});
         cache.Store({"VLR", 0x1070, "VC1070A40934", "HID"}, {6, 0, 1}, {"(vcp(10 12 6B))", "Studio 24"});
     }
     WriteSeed(out / "capabilities_cache", "two-displays", ReadFile(cacheFile));
     fs::remove(cacheFile);
 
     // The tool's commands as the README shows them, with and without revert notes before them.
-    const auto command = [&](const std::string& name_I, const std::string& notes_I, std::vector<std::string> args_I) {
+    const auto command = [&](const std::string& name_I, const std::string& notes_I,
+                             std::vector<std::string> args_I) {
         std::string bytes = notes_I + '\0';
         for (const std::string& arg : args_I) {
             bytes += arg + '\0';

@@ -21,7 +21,9 @@ SMCCSVersion SMCCSVersion::Parse(const std::string& text_I) {
 }
 
 CDisplay::CDisplay(std::shared_ptr<Connector> connector_I, uint16_t edidNumber_I)
-    : mConnector(std::move(connector_I)), mEDIDNumber(edidNumber_I), mTraits(DisplayTraitsFor(edidNumber_I)) {}
+    : mConnector(std::move(connector_I)),
+      mEDIDNumber(edidNumber_I),
+      mTraits(DisplayTraitsFor(edidNumber_I)) {}
 
 CDisplay::~CDisplay() {
     ClearData();
@@ -58,7 +60,8 @@ bool CDisplay::Initialize(const std::string& capsStr_I) {
     if (caching) {
         // The firmware first: a cached string is only as good as the firmware it came from.
         mFirmwareVersion = mConnector->FWVersion();
-        if (std::optional<CCapabilitiesCache::SEntry> cached = mCapabilitiesCache->Find(mIdentity, mFirmwareVersion)) {
+        if (std::optional<CCapabilitiesCache::SEntry> cached =
+                mCapabilitiesCache->Find(mIdentity, mFirmwareVersion)) {
             DLog("CDisplay::Initialize: capabilities of %s from the cache\n", mIdentity.serial.c_str());
             const std::string nameBefore = mMonitorName;
             if (mMonitorName.empty()) {
@@ -138,8 +141,7 @@ bool CDisplay::InitializeFrom(const std::string& capsStr, bool (*fail)(const cha
     if (vcp.empty()) {
         return fail("vcp missing");
     }
-    if (mTraits.batteryModeMissingZero &&
-        vcp.find("F4(02 03)") != std::string::npos) {
+    if (mTraits.batteryModeMissingZero && vcp.find("F4(02 03)") != std::string::npos) {
         // The firmware reports Battery Mode 0 but leaves it out of its list.
         DLog("CDisplay::Initialize: WARNING - HACKING 0xF4 options to include illegal zero value\n");
         vcp.insert(vcp.find("F4(") + 3, "00 ");

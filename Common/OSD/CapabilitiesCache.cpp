@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "DebugLog.h"
 #include "ProgramFolders.h"
 #include "TextFile.h"
-#include "DebugLog.h"
 
 namespace {
 
@@ -52,8 +52,8 @@ std::string CheckValue(const json& entry_I) {
 
 bool IsOf(const json& entry_I, const SDisplayIdentity& identity_I) {
     return entry_I.is_object() && Text(entry_I, "manufacturer") == identity_I.manufacturer &&
-           Number(entry_I, "product") == identity_I.productCode && Text(entry_I, "serial") == identity_I.serial &&
-           Text(entry_I, "route") == identity_I.route;
+           Number(entry_I, "product") == identity_I.productCode &&
+           Text(entry_I, "serial") == identity_I.serial && Text(entry_I, "route") == identity_I.route;
 }
 
 // The file's entries; empty (and a log line) when it is missing, unreadable or not the cache.
@@ -79,7 +79,8 @@ json LoadEntries(const std::string& file_I) {
 
 void SaveEntries(const std::string& file_I, const json& entries_I) {
     std::string problem;
-    if (!WriteTextFile(file_I, json{{"capabilities-cache", kFormat}, {"entries", entries_I}}.dump(1) + "\n", problem)) {
+    if (!WriteTextFile(file_I, json{{"capabilities-cache", kFormat}, {"entries", entries_I}}.dump(1) + "\n",
+                       problem)) {
         DLog("Capabilities cache %s\n", problem.c_str());
     }
 }
@@ -103,7 +104,8 @@ std::optional<CCapabilitiesCache::SEntry> CCapabilitiesCache::Find(const SDispla
         const std::string capabilities = Text(entry, "capabilities");
         if (Text(entry, "check") != CheckValue(entry) || capabilities.empty() ||
             capabilities.front() != '(') {
-            DLog("Capabilities cache: the entry of %s is damaged; reading the display\n", identity_I.serial.c_str());
+            DLog("Capabilities cache: the entry of %s is damaged; reading the display\n",
+                 identity_I.serial.c_str());
             return std::nullopt;
         }
         return SEntry{capabilities, Text(entry, "name")};
@@ -116,9 +118,12 @@ void CCapabilitiesCache::Store(const SDisplayIdentity& identity_I, const SFirmwa
     if (!identity_I.IsComplete() || firmware_I.IsZero() || mFile.empty()) {
         return;
     }
-    json entry = {{"manufacturer", identity_I.manufacturer}, {"product", identity_I.productCode},
-                  {"serial", identity_I.serial},             {"route", identity_I.route},
-                  {"firmware", firmware_I.ToString()},       {"name", entry_I.monitorName},
+    json entry = {{"manufacturer", identity_I.manufacturer},
+                  {"product", identity_I.productCode},
+                  {"serial", identity_I.serial},
+                  {"route", identity_I.route},
+                  {"firmware", firmware_I.ToString()},
+                  {"name", entry_I.monitorName},
                   {"capabilities", entry_I.capabilities}};
     entry["check"] = CheckValue(entry);
     std::lock_guard<std::mutex> lock(mMutex);

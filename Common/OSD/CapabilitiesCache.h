@@ -29,7 +29,9 @@ struct SDisplayIdentity {
     std::string route;         // the connector's kind ("HID", "graphics driver", ...)
 
     // Without all four the display cannot be told from another: nothing is cached for it.
-    bool IsComplete() const { return !manufacturer.empty() && productCode != 0 && !serial.empty() && !route.empty(); }
+    bool IsComplete() const {
+        return !manufacturer.empty() && productCode != 0 && !serial.empty() && !route.empty();
+    }
 };
 
 class CCapabilitiesCache {

@@ -61,7 +61,9 @@ public:
     // One exchange with the display at a time: whoever talks through the connector (the
     // interface thread, a worker, the command-line tool) holds this for the whole exchange, so
     // that requests and replies of two threads never interleave. Nested holds are allowed.
-    std::unique_lock<std::recursive_mutex> Exclusive() { return std::unique_lock<std::recursive_mutex>(mAccess); }
+    std::unique_lock<std::recursive_mutex> Exclusive() {
+        return std::unique_lock<std::recursive_mutex>(mAccess);
+    }
 
     // Restores factory defaults through the maker's fixed reset message.
     bool ScalarReset();

@@ -37,7 +37,8 @@ UiDisplayDelegate::CFailureScope::~CFailureScope() {
 bool UiDisplayDelegate::Write(uint8_t vcpCode_I, int32_t value_I) {
     CFailureScope scope(*this);
     if (vcpCode_I == 0 || !HasOption(vcpCode_I)) {
-        NoteFailure(vcpCode_I == 0 ? std::string("Setting") : VCPCodeName(vcpCode_I), "not offered by this display");
+        NoteFailure(vcpCode_I == 0 ? std::string("Setting") : VCPCodeName(vcpCode_I),
+                    "not offered by this display");
         return false;
     }
     // Deliberate: a set only goes out for an option whose value was read, so a setter reads
@@ -125,7 +126,8 @@ bool UiDisplayDelegate::SetGamma(int32_t choice_I) {
         case EGammaScale::TwoChoices: return (choice_I == 1 || choice_I == 2) && Write(vcpC_Gamma, choice_I);
         // The fine scale takes the value as it is.
         case EGammaScale::FineScale: return Write(vcpC_Gamma, choice_I);
-        case EGammaScale::ThreeChoices: return choice_I >= 0 && choice_I <= 2 && Write(vcpC_Gamma, choice_I + 1);
+        case EGammaScale::ThreeChoices:
+            return choice_I >= 0 && choice_I <= 2 && Write(vcpC_Gamma, choice_I + 1);
         case EGammaScale::None: break;
     }
     return false;

@@ -45,8 +45,8 @@ bool DeviceOf(HANDLE handle_I, SDevice& device_O) {
     return true;
 }
 
-HANDLE WINAPI SimCreateFileA(LPCSTR path_I, DWORD access_I, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD flags_I,
-                             HANDLE) {
+HANDLE WINAPI SimCreateFileA(LPCSTR path_I, DWORD access_I, DWORD, LPSECURITY_ATTRIBUTES, DWORD,
+                             DWORD flags_I, HANDLE) {
     std::lock_guard<std::mutex> lock(gMutex);
     const std::string path = path_I != nullptr ? path_I : "";
     auto it = gDevices.find(path);
@@ -190,9 +190,9 @@ NTSTATUS WINAPI SimGetCaps(PHIDP_PREPARSED_DATA data_I, PHIDP_CAPS caps_O) {
     return HIDP_STATUS_SUCCESS;
 }
 
-const SHidApi kTable = {&SimCreateFileA,      &SimCloseHandle,         &SimDeviceIoControl,
-                        &SimGetOverlappedResult, &SimCancelIoEx,       &SimGetAttributes,
-                        &SimGetPreparsedData, &SimFreePreparsedData,   &SimGetCaps};
+const SHidApi kTable = {&SimCreateFileA,         &SimCloseHandle,       &SimDeviceIoControl,
+                        &SimGetOverlappedResult, &SimCancelIoEx,        &SimGetAttributes,
+                        &SimGetPreparsedData,    &SimFreePreparsedData, &SimGetCaps};
 
 }  // namespace
 

@@ -25,7 +25,8 @@ public:
     // How the device at this path differs from a plain one: opening it for reading or writing
     // fails with this error (5: Windows keeps the collection; 32: the tablet service holds it)
     // while access 0 works; its collection declares feature reports of this length.
-    void SetDeviceTraits(const std::string& path_I, uint32_t readWriteError_I, unsigned featureReportLength_I);
+    void SetDeviceTraits(const std::string& path_I, uint32_t readWriteError_I,
+                         unsigned featureReportLength_I);
     // A device whose firmware has stopped: feature-report requests stay pending until cancelled.
     void SetHung(const std::string& path_I, bool hung_I);
     // The device is unplugged: it no longer opens (file not found), and a handle still open

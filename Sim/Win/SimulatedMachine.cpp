@@ -11,8 +11,8 @@
 #include <set>
 
 #include "CVirtualMpsseEngine.h"
-#include "DebugLog.h"
 #include "CVirtualSerialPort.h"
+#include "DebugLog.h"
 #include "Ftd2xxApi.h"
 #include "SerialPort.h"
 #include "StringUtilities.h"
@@ -458,8 +458,8 @@ FT_STATUS WINAPI FtCreateDeviceInfoList(LPDWORD count_O) {
 }
 
 FT_STATUS WINAPI FtGetDeviceInfoDetail(DWORD index_I, LPDWORD flags_O, LPDWORD type_O, LPDWORD id_O,
-                                        LPDWORD location_O, LPVOID serial_O, LPVOID description_O,
-                                        FT_HANDLE* handle_O) {
+                                       LPDWORD location_O, LPVOID serial_O, LPVOID description_O,
+                                       FT_HANDLE* handle_O) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
     if (index_I >= gState->bridges.size()) {
         return kDeviceNotFound;
@@ -478,7 +478,8 @@ FT_STATUS WINAPI FtGetDeviceInfoDetail(DWORD index_I, LPDWORD flags_O, LPDWORD t
 FT_STATUS WINAPI FtOpen(int index_I, FT_HANDLE* handle_O) {
     std::lock_guard<std::recursive_mutex> lock(gMutex);
     if (index_I < 0 || static_cast<size_t>(index_I) >= gState->bridges.size() ||
-        gState->unplugged.count(gState->machine.ftdiBridges[static_cast<size_t>(index_I)].display.get()) != 0) {
+        gState->unplugged.count(gState->machine.ftdiBridges[static_cast<size_t>(index_I)].display.get()) !=
+            0) {
         return kDeviceNotFound;
     }
     ++gState->bridgeUse[static_cast<size_t>(index_I)].opens;

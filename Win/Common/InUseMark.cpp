@@ -37,8 +37,8 @@ CInUseMark::~CInUseMark() {
 HANDLE OpenKeeperExitRequest() {
     // Everyone may wait on it; SYSTEM and the administrators may set it.
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:(A;;0x00100000;;;WD)(A;;GA;;;SY)(A;;GA;;;BA)",
-                                                              SDDL_REVISION_1, &descriptor, nullptr)) {
+    if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(
+            L"D:(A;;0x00100000;;;WD)(A;;GA;;;SY)(A;;GA;;;BA)", SDDL_REVISION_1, &descriptor, nullptr)) {
         descriptor = nullptr;
     }
     SECURITY_ATTRIBUTES attributes{sizeof(attributes), descriptor, FALSE};

@@ -89,7 +89,8 @@ LANGID CLanguageProvider::LanguageIdFromName(const std::string& name_I) const {
     // A plain language ("zh") stands for its first row ("zh_CN").
     for (const SLanguageRow& row : LangTable()) {
         const std::string code = row.code;
-        if (code.size() > name.size() && code.compare(0, name.size(), name) == 0 && code[name.size()] == '_') {
+        if (code.size() > name.size() && code.compare(0, name.size(), name) == 0 &&
+            code[name.size()] == '_') {
             DLog("CLanguageProvider: language %s taken as %s\n", name_I.c_str(), row.code);
             return row.id;
         }

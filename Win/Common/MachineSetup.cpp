@@ -16,11 +16,13 @@ constexpr wchar_t kEnvironmentKey[] = L"SYSTEM\\CurrentControlSet\\Control\\Sess
 
 std::string SystemMessage(DWORD error_I) {
     wchar_t* text = nullptr;
-    FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                   nullptr, error_I, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    FormatMessageW(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+        error_I, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
     std::wstring message = text != nullptr ? text : L"";
     LocalFree(text);
-    while (!message.empty() && (message.back() == L'\r' || message.back() == L'\n' || message.back() == L'.')) {
+    while (!message.empty() &&
+           (message.back() == L'\r' || message.back() == L'\n' || message.back() == L'.')) {
         message.pop_back();
     }
     return message.empty() ? "error " + std::to_string(error_I) : Narrow(message);
@@ -47,7 +49,8 @@ bool ReadMachinePath(HKEY key_I, std::wstring& path_O, DWORD& type_O, std::strin
         }
         std::wstring data(bytes / sizeof(wchar_t) + 1, L'\0');
         DWORD read = static_cast<DWORD>(data.size() * sizeof(wchar_t));
-        status = RegQueryValueExW(key_I, L"Path", nullptr, &type_O, reinterpret_cast<BYTE*>(data.data()), &read);
+        status =
+            RegQueryValueExW(key_I, L"Path", nullptr, &type_O, reinterpret_cast<BYTE*>(data.data()), &read);
         if (status == ERROR_MORE_DATA) {
             continue;  // it grew between the two reads
         }
@@ -87,7 +90,8 @@ int MachinePath(const std::string& change_I, const std::wstring& folder_I, std::
         RegCloseKey(key);
         return PathListHas(path, folder_I) ? 0 : 1;
     }
-    const std::wstring changed = change_I == "add" ? PathListWith(path, folder_I) : PathListWithout(path, folder_I);
+    const std::wstring changed =
+        change_I == "add" ? PathListWith(path, folder_I) : PathListWithout(path, folder_I);
     if (changed != path) {
         status = RegSetValueExW(key, L"Path", 0, type, reinterpret_cast<const BYTE*>(changed.c_str()),
                                 static_cast<DWORD>((changed.size() + 1) * sizeof(wchar_t)));
@@ -159,7 +163,8 @@ int MakeOrCheckLevel(const std::wstring& level_I, PSECURITY_DESCRIPTOR descripto
         return 0;
     }
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
-        err_O << Narrow(level_I) << ": is a link or junction, not a folder of this machine's; nothing is written there\n";
+        err_O << Narrow(level_I)
+              << ": is a link or junction, not a folder of this machine's; nothing is written there\n";
         return kMachineFolderRefused;
     }
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
@@ -176,9 +181,9 @@ int MakeOrCheckLevel(const std::wstring& level_I, PSECURITY_DESCRIPTOR descripto
     BOOL present = FALSE;
     BOOL defaulted = FALSE;
     GetSecurityDescriptorDacl(descriptor_I, &present, &acl, &defaulted);
-    const DWORD status =
-        SetNamedSecurityInfoW(const_cast<wchar_t*>(level_I.c_str()), SE_FILE_OBJECT,
-                              DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, nullptr, nullptr, acl, nullptr);
+    const DWORD status = SetNamedSecurityInfoW(
+        const_cast<wchar_t*>(level_I.c_str()), SE_FILE_OBJECT,
+        DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, nullptr, nullptr, acl, nullptr);
     if (status != ERROR_SUCCESS) {
         err_O << Narrow(level_I) << ": its access list cannot be set (" << SystemMessage(status) << ")\n";
         return 1;
@@ -190,8 +195,8 @@ int MakeOrCheckLevel(const std::wstring& level_I, PSECURITY_DESCRIPTOR descripto
 // below it is made or checked, from the top.
 int MachineFolder(const std::wstring& base_I, const std::wstring& relative_I, std::ostream& err_O) {
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(kMachineFolderRights, SDDL_REVISION_1, &descriptor,
-                                                              nullptr)) {
+    if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(kMachineFolderRights, SDDL_REVISION_1,
+                                                              &descriptor, nullptr)) {
         err_O << "the folder's access list cannot be made (" << SystemMessage(GetLastError()) << ")\n";
         return 1;
     }
@@ -200,7 +205,8 @@ int MachineFolder(const std::wstring& base_I, const std::wstring& relative_I, st
     size_t start = 0;
     while (result == 0 && start < relative_I.size()) {
         const size_t end = relative_I.find(L'\\', start);
-        const std::wstring name = relative_I.substr(start, end == std::wstring::npos ? std::wstring::npos : end - start);
+        const std::wstring name =
+            relative_I.substr(start, end == std::wstring::npos ? std::wstring::npos : end - start);
         start = end == std::wstring::npos ? relative_I.size() : end + 1;
         if (name.empty() || name == L"." || name == L"..") {
             err_O << Narrow(relative_I) << ": not a folder below " << Narrow(base_I) << "\n";

@@ -94,7 +94,8 @@ bool IsTrustedLibraryInstalled(const wchar_t* name_I, ELibraryLocation where_I) 
     if (isFile(SystemDirectory() + L"\\" + name_I)) {
         return true;
     }
-    return where_I == ELibraryLocation::SystemThenApplicationDir && isFile(ProgramDirectory() + L"\\" + name_I);
+    return where_I == ELibraryLocation::SystemThenApplicationDir &&
+           isFile(ProgramDirectory() + L"\\" + name_I);
 }
 
 void RestrictLibrarySearchToSystem() {
@@ -103,9 +104,8 @@ void RestrictLibrarySearchToSystem() {
     using SetDefaultDllDirectoriesFunction = BOOL(WINAPI*)(DWORD);
     HMODULE kernel32 = GetModuleHandleW(L"kernel32.dll");
     FARPROC address = kernel32 != nullptr ? GetProcAddress(kernel32, "SetDefaultDllDirectories") : nullptr;
-    if (address == nullptr ||
-        !reinterpret_cast<SetDefaultDllDirectoriesFunction>(reinterpret_cast<void*>(address))(
-            LOAD_LIBRARY_SEARCH_SYSTEM32)) {
+    if (address == nullptr || !reinterpret_cast<SetDefaultDllDirectoriesFunction>(
+                                  reinterpret_cast<void*>(address))(LOAD_LIBRARY_SEARCH_SYSTEM32)) {
         DLog("RestrictLibrarySearchToSystem: SetDefaultDllDirectories unavailable, error %lu\n",
              static_cast<unsigned long>(GetLastError()));
         SetDllDirectoryW(L"");

@@ -94,10 +94,10 @@ const std::vector<CAdvancedDialog::SSettingControls>& CAdvancedDialog::SettingCo
         {ESetting::Sharpness, IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER, 0, 0, true},
         {ESetting::UniformityCompensation, IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST, 0, 0, true},
         {ESetting::EnergySmart, IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON, 0, true},
-        {ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF, IDC_DYNAMIC_CONTRAST_ON, 0,
-         true},
-        {ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON, 0,
-         false},
+        {ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF,
+         IDC_DYNAMIC_CONTRAST_ON, 0, true},
+        {ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON,
+         0, false},
         {ESetting::FanSpeed, IDC_FAN_LABEL, IDC_FAN_LIST, 0, 0, false},
         {ESetting::LcdConditioning, IDC_LCD_CONDITIONING_LABEL, IDC_LCD_CONDITIONING_START, 0,
          IDC_LCD_CONDITIONING_STATE, false},
@@ -145,7 +145,8 @@ std::wstring CAdvancedDialog::ProgramVersion() {
     wchar_t* text = nullptr;
     UINT length = 0;
     if (!info(path, 0, size, data.data()) ||
-        !query(data.data(), L"\\StringFileInfo\\040904B0\\ProductVersion", reinterpret_cast<void**>(&text), &length) ||
+        !query(data.data(), L"\\StringFileInfo\\040904B0\\ProductVersion", reinterpret_cast<void**>(&text),
+               &length) ||
         text == nullptr) {
         return {};
     }
@@ -166,7 +167,8 @@ void CAdvancedDialog::Open(HWND owner_I) {
         Create(owner_I);
     }
     mConditioningStarted = false;
-    CheckDlgButton(m_hWnd, IDC_KEEPER_AT_LOGON, AppRegistry::StartsKeeperAtLogOn() ? BST_CHECKED : BST_UNCHECKED);
+    CheckDlgButton(m_hWnd, IDC_KEEPER_AT_LOGON,
+                   AppRegistry::StartsKeeperAtLogOn() ? BST_CHECKED : BST_UNCHECKED);
     if (UiDisplayDelegate* delegate = Delegate()) {
         mOpeningValues.clear();
         for (const SSettingControls& controls : SettingControls()) {
@@ -193,7 +195,8 @@ void CAdvancedDialog::Follow(const RECT& mainRect_I) {
     MONITORINFO monitor{};
     monitor.cbSize = sizeof(monitor);
     GetMonitorInfoW(MonitorFromRect(&mainRect_I, MONITOR_DEFAULTTOPRIMARY), &monitor);
-    const POINT at = PlaceBeside(mainRect_I, SIZE{own.right - own.left, own.bottom - own.top}, monitor.rcWork);
+    const POINT at =
+        PlaceBeside(mainRect_I, SIZE{own.right - own.left, own.bottom - own.top}, monitor.rcWork);
     SetWindowPos(m_hWnd, HWND_TOPMOST, at.x, at.y, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
@@ -210,7 +213,8 @@ LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     for (const SSettingControls& controls : SettingControls()) {
         const ESettingKind kind = SettingRowOf(controls.setting).kind;
         // LCD conditioning's key is its Start button's.
-        captions.push_back({controls.label, SettingRowOf(controls.setting).captionId, kind != ESettingKind::Action});
+        captions.push_back(
+            {controls.label, SettingRowOf(controls.setting).captionId, kind != ESettingKind::Action});
     }
     captions.insert(captions.end(), std::begin(kCaptions), std::end(kCaptions));
     for (const SSettingControls& controls : SettingControls()) {

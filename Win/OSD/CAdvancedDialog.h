@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "DialogIds.h"
 #include "DialogHost.h"
+#include "DialogIds.h"
 #include "DialogImpl.h"
 #include "DialogLayout.h"
 #include "SettingCodes.h"

@@ -722,7 +722,7 @@ void CMainDialog::SendSliderValue(const SSlider& slider_I, int32_t value_I) {
     }
     SetDlgItemInt(m_hWnd, slider_I.edit, static_cast<UINT>(value_I), FALSE);
     ReportWrite(slider_I.setting == ESetting::Brightness ? delegate->SetBrightness(value_I)
-                                                   : delegate->SetContrast(value_I));
+                                                         : delegate->SetContrast(value_I));
 }
 
 void CMainDialog::CommitSliderValue(const SSlider& slider_I, int32_t value_I) {
@@ -915,7 +915,8 @@ LRESULT CMainDialog::OnCustomColor(WORD, WORD, HWND, BOOL&) {
 }
 
 LRESULT CMainDialog::OnResetColor(WORD, WORD, HWND, BOOL&) {
-    if (!RunLongOperation(&CMainDialog::ResetColorThread, "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorThread",
+    if (!RunLongOperation(&CMainDialog::ResetColorThread,
+                          "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorThread",
                           &CMainDialog::ResetColorConfigThread,
                           "(LPTHREAD_START_ROUTINE)CMainDialog::ResetColorConfigThread")) {
         return 0;
@@ -976,7 +977,8 @@ std::wstring CMainDialog::HelpAddress() const {
         while (!base.empty() && base.back() == L'/') {
             base.pop_back();
         }
-        return base + L"/UserHelp/" + Widen(CLanguageProvider().CodeOf(mLanguage)) + L"/TOC/" + page + L".html";
+        return base + L"/UserHelp/" + Widen(CLanguageProvider().CodeOf(mLanguage)) + L"/TOC/" + page +
+               L".html";
     }
     const std::wstring folder = ProgramFolder() + L"Help\\";
     const std::wstring own = folder + page + L".html";
@@ -1009,9 +1011,9 @@ LRESULT CMainDialog::OnHotKey(UINT, WPARAM wParam_I, LPARAM, BOOL&) {
     const bool ours = front == m_hWnd || (mAdvancedDialog && front == mAdvancedDialog->m_hWnd);
     if (!ours || !IsWindowEnabled(m_hWnd) || mOperationRunning || GetKeyState(VK_RMENU) < 0) {
         DLog("CMainDialog: hot key ignored (%s)\n", !ours                      ? "another window is in front"
-                                                    : mOperationRunning       ? "an operation runs"
+                                                    : mOperationRunning        ? "an operation runs"
                                                     : !IsWindowEnabled(m_hWnd) ? "a window of ours is open"
-                                                                              : "AltGr");
+                                                                               : "AltGr");
         return 0;
     }
     // A service shortcut: deliberately without confirmation.
@@ -1028,8 +1030,8 @@ LRESULT CMainDialog::OnSearchAgain(UINT, WPARAM, LPARAM, BOOL&) {
         return 0;
     }
     mAdvancedWasOpen = mAdvancedDialog && mAdvancedDialog->IsShown();
-    RunLongOperation(&CMainDialog::DisplayConfigThread, "(LPTHREAD_START_ROUTINE)CMainDialog::DisplayConfigThread",
-                     nullptr, nullptr);
+    RunLongOperation(&CMainDialog::DisplayConfigThread,
+                     "(LPTHREAD_START_ROUTINE)CMainDialog::DisplayConfigThread", nullptr, nullptr);
     Rebuild();
     return 0;
 }
@@ -1052,7 +1054,8 @@ void CMainDialog::FactoryReset() {
 
 void CMainDialog::LookAgainForTheChosenDisplay() {
     const std::vector<std::wstring> identities = DisplayIdentities();
-    const bool missing = std::find(identities.begin(), identities.end(), mSelectedIdentity) == identities.end();
+    const bool missing =
+        std::find(identities.begin(), identities.end(), mSelectedIdentity) == identities.end();
     if (!missing || mLookAgainLeft == 0) {
         KillTimer(m_hWnd, kLookAgainTimer);
         mLookAgainLeft = 0;

@@ -240,7 +240,9 @@ void CWinDisplayConfigInterface::ServeByHid(SDisplayInfo& info_I) {
     // of one family each get their own; only then any interface by model.
     const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
         mConnectorList.size(),
-        [&](size_t i_I) { return mConnectorList[i_I]->GetType() == eConnectorHID && !IsTaken(mConnectorList[i_I]); },
+        [&](size_t i_I) {
+            return mConnectorList[i_I]->GetType() == eConnectorHID && !IsTaken(mConnectorList[i_I]);
+        },
         [&](size_t i_I) {
             EmitAheadSerialLines(*mConnectorList[i_I]);
             return mConnectorList[i_I]->SerialNumber(-1);
@@ -693,8 +695,8 @@ std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplay(const SDispl
     return CreateDisplayNow(info_I, std::move(connector_I));
 }
 
-std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplayNow(const SDisplayInfo& info_I,
-                                                                       std::shared_ptr<Connector> connector_I) {
+std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplayNow(
+    const SDisplayInfo& info_I, std::shared_ptr<Connector> connector_I) {
     CScopedTimer timer("CWinDisplayConfigInterface::CreateDisplay");
     const uint16_t productCode = info_I.productCode;
     DLog("Matched display %s\n", Narrow(info_I.monitorName).c_str());
@@ -747,8 +749,8 @@ void CWinDisplayConfigInterface::InitializeAhead() {
                     return mConnectorList[i_I]->GetType() == eConnectorHID &&
                            mAheadClaimed.count(mConnectorList[i_I].get()) == 0;
                 },
-                [&](size_t i_I) { return SerialAhead(*mConnectorList[i_I], false); }, Narrow(info.serialNumber),
-                mMatchByModel && Discovery::HidServesByModel(info.productCode));
+                [&](size_t i_I) { return SerialAhead(*mConnectorList[i_I], false); },
+                Narrow(info.serialNumber), mMatchByModel && Discovery::HidServesByModel(info.productCode));
             if (chosen) {
                 hidOf[record] = mConnectorList[*chosen];
                 mAheadClaimed.insert(hidOf[record].get());
@@ -801,7 +803,8 @@ void CWinDisplayConfigInterface::InitializeRecordAhead(const SDisplayInfo& info_
         std::lock_guard<std::mutex> lock(mAheadMutex);
         for (const std::shared_ptr<Connector>& candidate : mAheadPorts) {
             if (mAheadClaimed.count(candidate.get()) == 0 &&
-                Discovery::SameSerialNumber(mAheadPortSerials[candidate.get()], Narrow(info_I.serialNumber))) {
+                Discovery::SameSerialNumber(mAheadPortSerials[candidate.get()],
+                                            Narrow(info_I.serialNumber))) {
                 port = candidate;
                 mAheadClaimed.insert(candidate.get());
                 break;
@@ -813,7 +816,8 @@ void CWinDisplayConfigInterface::InitializeRecordAhead(const SDisplayInfo& info_
     }
 }
 
-bool CWinDisplayConfigInterface::CreateAhead(const SDisplayInfo& info_I, const std::shared_ptr<Connector>& connector_I) {
+bool CWinDisplayConfigInterface::CreateAhead(const SDisplayInfo& info_I,
+                                             const std::shared_ptr<Connector>& connector_I) {
     SAhead ahead;
     ahead.deviceID = info_I.deviceID;
     {
@@ -842,12 +846,14 @@ void CWinDisplayConfigInterface::SearchPortsAhead() {
         const size_t before = mConnectorList.size();
         FindSerialPorts();
         mAheadPortSearchLines = held.Take();
-        mAheadPorts.assign(mConnectorList.begin() + static_cast<std::ptrdiff_t>(before), mConnectorList.end());
+        mAheadPorts.assign(mConnectorList.begin() + static_cast<std::ptrdiff_t>(before),
+                           mConnectorList.end());
     }
     // Each one's serial number from its display's EDID, all at the same time. A port with no
     // display of ours is asked too, where the search might have found its display first.
     std::vector<std::string> serials(mAheadPorts.size());
-    RunForEach(mAheadPorts.size(), true, [&](size_t i_I) { serials[i_I] = SerialAhead(*mAheadPorts[i_I], true); });
+    RunForEach(mAheadPorts.size(), true,
+               [&](size_t i_I) { serials[i_I] = SerialAhead(*mAheadPorts[i_I], true); });
     std::lock_guard<std::mutex> aheadLock(mAheadMutex);
     for (size_t i = 0; i < mAheadPorts.size(); ++i) {
         mAheadPortSerials[mAheadPorts[i].get()] = serials[i];

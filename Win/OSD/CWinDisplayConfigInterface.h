@@ -52,7 +52,9 @@ public:
     // in the same order, the same displays on the same channels.
     void SetInitializeAtOnce(bool on_I) { mInitializeAtOnce = on_I; }
     // Where displays find and keep their capabilities strings; null: every display is read.
-    void SetCapabilitiesCache(std::shared_ptr<CCapabilitiesCache> cache_I) { mCapabilitiesCache = std::move(cache_I); }
+    void SetCapabilitiesCache(std::shared_ptr<CCapabilitiesCache> cache_I) {
+        mCapabilitiesCache = std::move(cache_I);
+    }
     // Told, from the search's threads, how many of the monitors found have a display ready.
     void SetProgressCallback(std::function<void(size_t ready, size_t found)> callback_I) {
         mProgress = std::move(callback_I);
@@ -81,7 +83,8 @@ public:
     void FindSerialPorts();
     // The record's display over the connector, initialised (or null): the one initialised
     // ahead for this connector where there is one, else initialised now.
-    std::shared_ptr<CDisplay> CreateDisplay(const SDisplayInfo& info_I, std::shared_ptr<Connector> connector_I);
+    std::shared_ptr<CDisplay> CreateDisplay(const SDisplayInfo& info_I,
+                                            std::shared_ptr<Connector> connector_I);
     void SetLanguage(CDisplay& display_I);
     // Matches one record with its monitor handle (MonitorEnumProc's matching role). The index
     // must name a record.
@@ -96,7 +99,8 @@ public:
 private:
     CWinDisplayConfigInterface() = default;
 
-    std::shared_ptr<CDisplay> CreateDisplayNow(const SDisplayInfo& info_I, std::shared_ptr<Connector> connector_I);
+    std::shared_ptr<CDisplay> CreateDisplayNow(const SDisplayInfo& info_I,
+                                               std::shared_ptr<Connector> connector_I);
 
     // Initialising ahead: each record's likely channel (its HID interface by serial number, its
     // monitor through the graphics driver, the port or bridge that reads its serial number) is
@@ -106,7 +110,7 @@ private:
     // those lines there. A guess the search does not make is let go unused.
     using HeldLines = std::vector<DebugLog::CHeldLines::SLine>;
     struct SAhead {
-        std::wstring deviceID;  // the record it was tried for
+        std::wstring deviceID;              // the record it was tried for
         std::shared_ptr<CDisplay> display;  // null: the initialisation failed
         HeldLines lines;
         bool used = false;

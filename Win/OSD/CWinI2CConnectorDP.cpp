@@ -98,8 +98,7 @@ bool CWinI2CConnectorDP::SetVCPFeature(uint8_t code_I, DWORD value_I) {
         return false;
     }
     if (!MonitorConfigurationApi().SetVCPFeature(PhysicalHandle(), code_I, value_I)) {
-        DLog("CWinI2CConnectorDP::SetVCPFeature: ERROR - %i\n",
-             static_cast<int>(Failed("SetVCPFeature")));
+        DLog("CWinI2CConnectorDP::SetVCPFeature: ERROR - %i\n", static_cast<int>(Failed("SetVCPFeature")));
         return false;
     }
     return true;
@@ -162,7 +161,8 @@ std::string CWinI2CConnectorDP::CapabilitiesString() {
     std::string caps;
     DWORD length = 0;
     if (!api.GetCapabilitiesStringLength(PhysicalHandle(), &length)) {
-        error = "GetCapabilitiesStringLength, errcode: " + std::to_string(Failed("GetCapabilitiesStringLength"));
+        error =
+            "GetCapabilitiesStringLength, errcode: " + std::to_string(Failed("GetCapabilitiesStringLength"));
     } else if (length == 0) {
         // The call succeeded: any last error now would be an older call's.
         error = "GetCapabilitiesStringLength: zero string length, errcode: 0";

@@ -12,7 +12,8 @@
 #include "DeviceGoneErrors.h"
 #include "HidApi.h"
 
-HANDLE CWinVcpHIDConnector::OpenFeatureHandle(CreateFileFunction createFile_I, const std::string& devicePath_I) {
+HANDLE CWinVcpHIDConnector::OpenFeatureHandle(CreateFileFunction createFile_I,
+                                              const std::string& devicePath_I) {
     constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE;
     HANDLE device = createFile_I(devicePath_I.c_str(), GENERIC_READ | GENERIC_WRITE, kShare, nullptr,
                                  OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
@@ -25,12 +26,14 @@ HANDLE CWinVcpHIDConnector::OpenFeatureHandle(CreateFileFunction createFile_I, c
         SetLastError(error);
         return INVALID_HANDLE_VALUE;
     }
-    device = createFile_I(devicePath_I.c_str(), 0, kShare, nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
+    device =
+        createFile_I(devicePath_I.c_str(), 0, kShare, nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
     if (device == INVALID_HANDLE_VALUE || device == nullptr) {
         return INVALID_HANDLE_VALUE;
     }
-    DLog("OpenFeatureHandle: %s refused reading and writing [%lu]; opened with access 0 for feature reports\n",
-         devicePath_I.c_str(), static_cast<unsigned long>(error));
+    DLog(
+        "OpenFeatureHandle: %s refused reading and writing [%lu]; opened with access 0 for feature reports\n",
+        devicePath_I.c_str(), static_cast<unsigned long>(error));
     return device;
 }
 
@@ -74,7 +77,8 @@ size_t CWinVcpHIDConnector::ReadFeatureReportLength() const {
     const SHidApi& api = HidApi();
     PHIDP_PREPARSED_DATA preparsed = nullptr;
     if (!api.HidD_GetPreparsedData(mDevice, &preparsed)) {
-        DLog("CWinVcpHIDConnector: HidD_GetPreparsedData error: [%lu]\n", static_cast<unsigned long>(GetLastError()));
+        DLog("CWinVcpHIDConnector: HidD_GetPreparsedData error: [%lu]\n",
+             static_cast<unsigned long>(GetLastError()));
         return 0;
     }
     HIDP_CAPS caps{};
@@ -122,7 +126,8 @@ bool CWinVcpHIDConnector::Transfer(DWORD ioctl_I, ByteBuffer& report_IO) {
     // These say the device itself is gone (unplugged, powered off, asleep): the handle is dead
     // for good, so the connector closes and the program searches again for the display.
     if (IsDeviceGoneError(error)) {
-        DLog("CWinVcpHIDConnector: the device is gone (error %lu); closing\n", static_cast<unsigned long>(error));
+        DLog("CWinVcpHIDConnector: the device is gone (error %lu); closing\n",
+             static_cast<unsigned long>(error));
         Close();
     }
     SetLastError(error);
@@ -176,7 +181,8 @@ bool CWinVcpHIDConnector::SetFeature(const ByteBuffer& report_I) {
         return false;
     }
     if (report_I.size() > mReportSize) {
-        DLog("SetFeature: ERROR: SetFeature can't handle commandBuf size > %i\n", static_cast<int>(mReportSize));
+        DLog("SetFeature: ERROR: SetFeature can't handle commandBuf size > %i\n",
+             static_cast<int>(mReportSize));
         VLR_ASSERT_FAIL("ERROR: SetFeature databuf too big");
         return false;
     }
@@ -195,7 +201,8 @@ bool CWinVcpHIDConnector::GetFeature(ByteBuffer& report_IO) {
         return false;
     }
     if (report_IO.size() > mReportSize) {
-        DLog("GetFeature: ERROR: GetFeature can't handle commandBuf size > %i\n", static_cast<int>(mReportSize));
+        DLog("GetFeature: ERROR: GetFeature can't handle commandBuf size > %i\n",
+             static_cast<int>(mReportSize));
         VLR_ASSERT_FAIL("ERROR: GetFeature databuf too big");
         return false;
     }

@@ -71,7 +71,8 @@ TEST(CommandLineToolEdges, EveryRangeTakesBothEndsAndRefusesOneBeyond) {
     const SRun run = bench.Run({"set", "0", "menu-language=11"});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(run.err,
-              "menu-language=11: not one of the values this display offers (1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 13, 20, 30, "
+              "menu-language=11: not one of the values this display offers (1, 2, 3, 4, 5, 6, 7, 8, 9, 10, "
+              "13, 20, 30, "
               "38); nothing was written\n");
 }
 
@@ -85,19 +86,32 @@ TEST(CommandLineToolEdges, TheNamesAtBothEndsOfEveryScaleReachTheFamilysCode) {
         uint16_t value;
     };
     const SName names[] = {
-        {"0", "colour-temperature", "5000k", 0x14, 4},      {"0", "colour-temperature", "9300k", 0x14, 8},
-        {"2", "colour-temperature", "5000k", 0xE4, 4},      {"2", "colour-temperature", "9300k", 0xE4, 8},
-        {"3", "colour-temperature", "5000k", 0x14, 4},      {"3", "colour-temperature", "9300k", 0x14, 8},
-        {"0", "colour-space", "native", 0xE3, 7},           {"0", "colour-space", "dci-p3", 0xE3, 4},
-        {"3", "colour-space", "adobe-rgb", 0xE3, 1},        {"3", "colour-space", "rec-709", 0xE3, 3},
-        {"0", "gamma", "0.5", 0x72, 5},                     {"0", "gamma", "4.0", 0x72, 40},
-        {"3", "gamma", "2.2", 0x72, 1},                     {"3", "gamma", "2.4", 0x72, 2},
-        {"0", "aspect-ratio", "full-screen", 0xE2, 2},      {"0", "aspect-ratio", "1:1", 0xE2, 1},
-        {"1", "aspect-ratio", "full-screen", 0xDA, 0},      {"1", "aspect-ratio", "keep-ratio", 0xDA, 1},
-        {"3", "aspect-ratio", "full-screen", 0x86, 2},      {"3", "aspect-ratio", "1:1", 0x86, 1},
-        {"0", "led-brightness", "off", 0xEF, 0},            {"0", "led-brightness", "high", 0xEF, 3},
-        {"1", "fan", "auto", 0xF3, 1},                      {"1", "fan", "low-speed", 0xF3, 0},
-        {"0", "uniformity", "on", 0xE0, 1},                 {"0", "uniformity", "off", 0xE0, 0},
+        {"0", "colour-temperature", "5000k", 0x14, 4},
+        {"0", "colour-temperature", "9300k", 0x14, 8},
+        {"2", "colour-temperature", "5000k", 0xE4, 4},
+        {"2", "colour-temperature", "9300k", 0xE4, 8},
+        {"3", "colour-temperature", "5000k", 0x14, 4},
+        {"3", "colour-temperature", "9300k", 0x14, 8},
+        {"0", "colour-space", "native", 0xE3, 7},
+        {"0", "colour-space", "dci-p3", 0xE3, 4},
+        {"3", "colour-space", "adobe-rgb", 0xE3, 1},
+        {"3", "colour-space", "rec-709", 0xE3, 3},
+        {"0", "gamma", "0.5", 0x72, 5},
+        {"0", "gamma", "4.0", 0x72, 40},
+        {"3", "gamma", "2.2", 0x72, 1},
+        {"3", "gamma", "2.4", 0x72, 2},
+        {"0", "aspect-ratio", "full-screen", 0xE2, 2},
+        {"0", "aspect-ratio", "1:1", 0xE2, 1},
+        {"1", "aspect-ratio", "full-screen", 0xDA, 0},
+        {"1", "aspect-ratio", "keep-ratio", 0xDA, 1},
+        {"3", "aspect-ratio", "full-screen", 0x86, 2},
+        {"3", "aspect-ratio", "1:1", 0x86, 1},
+        {"0", "led-brightness", "off", 0xEF, 0},
+        {"0", "led-brightness", "high", 0xEF, 3},
+        {"1", "fan", "auto", 0xF3, 1},
+        {"1", "fan", "low-speed", 0xF3, 0},
+        {"0", "uniformity", "on", 0xE0, 1},
+        {"0", "uniformity", "off", 0xE0, 0},
     };
     for (const SName& entry : names) {
         const std::string assignment = std::string(entry.setting) + "=" + entry.name;
@@ -105,8 +119,9 @@ TEST(CommandLineToolEdges, TheNamesAtBothEndsOfEveryScaleReachTheFamilysCode) {
         const SRun set = bench.Run({"set", entry.display, assignment});
         EXPECT_EQ(set.code, CliExit::kDone) << set.err;
         EXPECT_EQ(bench.Virtual(std::stoul(entry.display))->Value(entry.code), entry.value);
-        EXPECT_EQ(bench.Run({"get", entry.display, entry.setting}).out,
-                  std::string(entry.setting) + " = " + std::to_string(entry.value) + " (" + entry.name + ")\n");
+        EXPECT_EQ(
+            bench.Run({"get", entry.display, entry.setting}).out,
+            std::string(entry.setting) + " = " + std::to_string(entry.value) + " (" + entry.name + ")\n");
     }
     // The colour mode the program keeps itself, at both ends.
     EXPECT_EQ(bench.Run({"set", "0", "colour-mode=custom"}).code, CliExit::kDone);
@@ -185,7 +200,9 @@ TEST(CommandLineToolEdges, TheRevertNotesAfterEveryCommandThatChangesOrSaves) {
     run = bench.Run({"set", "0", "contrast=33"});
     EXPECT_EQ(run.code, CliExit::kDone);
     EXPECT_EQ(bench.Virtual(0)->Value(0x12), 33);
-    EXPECT_EQ(run.err, bench.changesFile + ": cannot be written (its folder cannot be made); revert cannot undo this change\n");
+    EXPECT_EQ(run.err,
+              bench.changesFile +
+                  ": cannot be written (its folder cannot be made); revert cannot undo this change\n");
     std::remove((TempFile("vlr-edges-notes.json") + ".dir").c_str());
 }
 
@@ -210,16 +227,29 @@ TEST(CommandLineToolEdges, ADisplayFailingAtEachStepGivesItsExitCodeAndSaysWhere
     };
     const SStep steps[] = {
         // Read: the get fails after its retries.
-        {"read", {"get", "0", "contrast"}, 0x01, CFaultPlan::kAny,
+        {"read",
+         {"get", "0", "contrast"},
+         0x01,
+         CFaultPlan::kAny,
          "contrast: the display did not answer as expected\n"},
         // Write: the set is lost on the way.
-        {"write", {"set", "0", "contrast=20"}, 0x03, 0x12,
+        {"write",
+         {"set", "0", "contrast=20"},
+         0x03,
+         0x12,
          "contrast: the display did not answer as expected (Contrast: Send request failed)\n"},
         // Save: the display does not confirm; set --save says so after the write took.
-        {"save", {"set", "0", "contrast=22", "--save"}, 0x0C, CFaultPlan::kAny,
+        {"save",
+         {"set", "0", "contrast=22", "--save"},
+         0x0C,
+         CFaultPlan::kAny,
          "save: the display did not answer as expected"},
         // Reset: the colour reset's write is lost.
-        {"reset", {"reset", "0", "colour"}, 0x03, 0x08, "reset colour: the display did not answer as expected"},
+        {"reset",
+         {"reset", "0", "colour"},
+         0x03,
+         0x08,
+         "reset colour: the display did not answer as expected"},
     };
     for (const SStep& step : steps) {
         SCOPED_TRACE(step.what);

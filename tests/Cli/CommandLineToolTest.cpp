@@ -17,14 +17,13 @@
 
 #include "CVirtualDisplayConnector.h"
 #include "CommandLineTool.h"
-#include "ToolBench.h"
 #include "DemoDisplays.h"
-#include "DisplayLockScope.h"
 #include "DisplayLock.h"
+#include "DisplayLockScope.h"
 #include "SettingNames.h"
 #include "SettingTable.h"
+#include "ToolBench.h"
 #include "VirtualClock.h"
-
 
 TEST(CommandLineTool, ListsEveryDisplayWithItsRouteAsTextAndJson) {
     SToolBench bench;
@@ -174,7 +173,8 @@ TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
     EXPECT_EQ(bench.Run({"get", "0", "0x99"}).code, CliExit::kBadUsage);
     run = bench.Run({"get", "7", "brightness"});
     EXPECT_EQ(run.code, CliExit::kNoSuchDisplay);
-    EXPECT_EQ(run.err, "no display 7: no display found has that index or serial number (index 0 to 3; see list)\n");
+    EXPECT_EQ(run.err,
+              "no display 7: no display found has that index or serial number (index 0 to 3; see list)\n");
     run = bench.Run({"get", "0", "contrats"});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
     EXPECT_EQ(run.err, "contrats: not a setting name or a VCP code (did you mean contrast?)\n");
@@ -194,8 +194,9 @@ TEST(CommandLineTool, RefusedValuesWriteNothingAndSayWhy) {
     EXPECT_EQ(canvas->CountRequests(0x03, 0x04), 1u);
     std::ostringstream out;
     std::ostringstream err;
-    EXPECT_EQ(RunCommandLineTool({"reset", "0", "factory", "--yes"}, bench.displays, out, err, {}, {}, {}, true),
-              CliExit::kDone);
+    EXPECT_EQ(
+        RunCommandLineTool({"reset", "0", "factory", "--yes"}, bench.displays, out, err, {}, {}, {}, true),
+        CliExit::kDone);
     EXPECT_EQ(err.str().substr(0, 91),
               "Canvas 22 Pro: back to the factory settings; the display restarts, which takes about 20 "
               "sec");
@@ -250,7 +251,8 @@ TEST(CommandLineTool, AProfileRoundTripsAndApplyWritesOnlyWhatDiffers) {
     EXPECT_NE(named.find("\"colour-temperature\": \"6500k\""), std::string::npos) << named;
     run = bench.Run({"profile", "apply", "0", file});
     EXPECT_EQ(run.code, CliExit::kDone) << run.err;
-    EXPECT_EQ(run.out, "aspect-ratio: 2 (full-screen) -> 5 (keep-ratio)\nfan: skipped (not on this display)\n");
+    EXPECT_EQ(run.out,
+              "aspect-ratio: 2 (full-screen) -> 5 (keep-ratio)\nfan: skipped (not on this display)\n");
     EXPECT_EQ(canvas->Value(0xE2), 5);
 
     // A value the display refuses is refused as set refuses it: exit code 1, nothing written.
@@ -298,7 +300,8 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
     run = bench.Run({"keep", "0", profile});
     ASSERT_EQ(run.code, CliExit::kDone) << run.err;
     EXPECT_EQ(run.out, "Canvas 22 Pro (serial VC1060A40892) keeps " + profile + "\n");
-    EXPECT_EQ(bench.Run({"keep", "--list"}).out, "Canvas 22 Pro  serial VC1060A40892  keeps " + profile + "\n");
+    EXPECT_EQ(bench.Run({"keep", "--list"}).out,
+              "Canvas 22 Pro  serial VC1060A40892  keeps " + profile + "\n");
 
     auto canvas = bench.Virtual(0);
     canvas->ClearTransactions();
@@ -329,7 +332,8 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
         std::promise<bool> held;
         std::promise<void> letGo;
         std::thread holder([&] {
-            const std::unique_ptr<CDisplayLock> lock = HoldDisplayLock("VC1060A40892", std::chrono::milliseconds(0));
+            const std::unique_ptr<CDisplayLock> lock =
+                HoldDisplayLock("VC1060A40892", std::chrono::milliseconds(0));
             held.set_value(lock != nullptr);
             letGo.get_future().wait();
         });
@@ -337,17 +341,20 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
         canvas->ClearTransactions();
         run = bench.Run({"restore"});
         EXPECT_EQ(run.code, CliExit::kCommunicationFailure);
-        EXPECT_EQ(run.err, "Canvas 22 Pro (serial VC1060A40892) is in use by the settings window or the keeper; "
-                           "try again once it is done\n");
+        EXPECT_EQ(run.err,
+                  "Canvas 22 Pro (serial VC1060A40892) is in use by the settings window or the keeper; "
+                  "try again once it is done\n");
         EXPECT_EQ(bench.Run({"set", "0", "contrast=20"}).code, CliExit::kCommunicationFailure);
         EXPECT_TRUE(canvas->Transactions().empty());
         letGo.set_value();
         holder.join();
         ASSERT_TRUE(holding);
     }
-    EXPECT_EQ(bench.Run({"restore"}).out, "Canvas 22 Pro (serial VC1060A40892):\ncontrast: 50 -> 30\n");  // the power cycle above
+    EXPECT_EQ(bench.Run({"restore"}).out,
+              "Canvas 22 Pro (serial VC1060A40892):\ncontrast: 50 -> 30\n");  // the power cycle above
 
-    EXPECT_EQ(bench.Run({"keep", "0", "--off"}).out, "Canvas 22 Pro (serial VC1060A40892) keeps no profile now\n");
+    EXPECT_EQ(bench.Run({"keep", "0", "--off"}).out,
+              "Canvas 22 Pro (serial VC1060A40892) keeps no profile now\n");
     EXPECT_EQ(bench.Run({"keep", "--list"}).out, "no display keeps a profile\n");
     // A damaged list of kept profiles is reported and never overwritten.
     std::ofstream(bench.keptFile) << "{\"kept\": 7}";
@@ -360,7 +367,9 @@ TEST(CommandLineTool, CheckKeepAndRestorePutBackWhatAPowerCycleLostAndSayWhatThe
     std::filesystem::create_directory(bench.keptFile);
     run = bench.Run({"keep", "--list"});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
-    EXPECT_EQ(run.err, bench.keptFile + ": is a folder, not a file\nthe kept profiles cannot be read; nothing was changed\n");
+    EXPECT_EQ(run.err,
+              bench.keptFile +
+                  ": is a folder, not a file\nthe kept profiles cannot be read; nothing was changed\n");
     EXPECT_EQ(bench.Run({"restore"}).code, CliExit::kBadUsage);
 }
 
@@ -465,13 +474,15 @@ TEST(CommandLineTool, RevertUndoesTheUnsavedChangesOfEarlierRuns) {
     std::tie(code, text) = run({"revert", "0"});
     EXPECT_EQ(code, CliExit::kBadUsage);
     EXPECT_EQ(text, "brightness: back to 33\n" + changes +
-                        ": damaged revert notes (\"12\": 70000 is not a VCP code and its value); left out\n" + changes +
+                        ": damaged revert notes (\"12\": 70000 is not a VCP code and its value); left out\n" +
+                        changes +
                         ": damaged revert notes (\"zz\": 5 is not a VCP code and its value); left out\n");
     EXPECT_EQ(canvas->Value(0x10), 33);
     EXPECT_EQ(canvas->Value(0x12), 25);
     std::ofstream(changes) << "[1, 2";
-    EXPECT_EQ(run({"revert", "0"}).second, "nothing to revert: no unsaved changes made with this tool\n" + changes +
-                                               ": damaged revert notes (not a JSON object); started afresh\n");
+    EXPECT_EQ(run({"revert", "0"}).second,
+              "nothing to revert: no unsaved changes made with this tool\n" + changes +
+                  ": damaged revert notes (not a JSON object); started afresh\n");
     std::remove(changes.c_str());
 }
 
@@ -537,7 +548,8 @@ TEST(CommandLineTool, AFreshRunReadsOnlyWhatTheCommandNeedsAndTakesCapabilitiesF
     const SRun first = run({"get", "0", "brightness"}, &caps, &transactions);
     ASSERT_EQ(first.code, CliExit::kDone) << first.err;
     EXPECT_GT(caps[0], 0u);
-    EXPECT_EQ(std::vector<size_t>(transactions.begin() + 1, transactions.end()), (std::vector<size_t>{0, 0, 0}))
+    EXPECT_EQ(std::vector<size_t>(transactions.begin() + 1, transactions.end()),
+              (std::vector<size_t>{0, 0, 0}))
         << "only the display named is initialised";
     caps.clear();
     transactions.clear();
@@ -579,20 +591,24 @@ TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsACo
               "Canvas 22 Pro (serial VC1060A40892, via graphics driver):\n"
               "colour-space: 0 (srgb) -> 1 (adobe-rgb)\n"
               "brightness: 70 -> 60\n"
-              "keep: keeps these settings (" + keptProfile + ")\n"
-              "  changed\n"
-              "Studio 24 (serial VC1070A40934, via HID):\n"
-              "brightness: 70 -> 45\n"
-              "contrast: 50 -> 40\n"
-              "  changed\n"
-              "Canvas 12 (serial VC1040A40772, via serial): no entry for this model\n"
-              "Canvas 13 HD (serial VC1043A40811, via FTDI): no entry for this model\n"
-              "4 displays: 2 changed, 0 unchanged, 0 failed, 0 with values they do not take, 2 without an entry\n");
+              "keep: keeps these settings (" +
+                  keptProfile +
+                  ")\n"
+                  "  changed\n"
+                  "Studio 24 (serial VC1070A40934, via HID):\n"
+                  "brightness: 70 -> 45\n"
+                  "contrast: 50 -> 40\n"
+                  "  changed\n"
+                  "Canvas 12 (serial VC1040A40772, via serial): no entry for this model\n"
+                  "Canvas 13 HD (serial VC1043A40811, via FTDI): no entry for this model\n"
+                  "4 displays: 2 changed, 0 unchanged, 0 failed, 0 with values they do not take, 2 without "
+                  "an entry\n");
     EXPECT_EQ(canvas->Value(0x10), 60);
     EXPECT_EQ(canvas->Value(0xE3), 1);
     EXPECT_EQ(studio24->Value(0x6B), 45);
     EXPECT_EQ(studio24->Value(0x12), 40);
-    EXPECT_EQ(bench.Run({"keep", "--list"}).out, "Canvas 22 Pro  serial VC1060A40892  keeps " + keptProfile + "\n");
+    EXPECT_EQ(bench.Run({"keep", "--list"}).out,
+              "Canvas 22 Pro  serial VC1060A40892  keeps " + keptProfile + "\n");
 
     // The second run reads and writes nothing.
     canvas->ClearTransactions();
@@ -635,10 +651,11 @@ TEST(CommandLineTool, ApplyingAStudioFileChangesWhatDiffersOnceAndReportsItAsACo
         {"model": "Studio 24", "serail": "VC1070A40934", "settings": {"contrast": 30}}]})";
     run = bench.Run({"apply", studio});
     EXPECT_EQ(run.code, CliExit::kBadUsage);
-    EXPECT_EQ(run.err, studio + ": displays[0]: \"Canvas 99\" is not a model this tool knows\n" + studio +
-                           ": displays[1]: \"brightnes\" is not a setting's name (did you mean brightness?)\n" + studio +
-                           ": displays[2]: Canvas 22 Pro has an entry already\n" + studio +
-                           ": displays[3]: \"serail\" is not a part of an entry (model, serial, keep, settings)\n");
+    EXPECT_EQ(run.err,
+              studio + ": displays[0]: \"Canvas 99\" is not a model this tool knows\n" + studio +
+                  ": displays[1]: \"brightnes\" is not a setting's name (did you mean brightness?)\n" +
+                  studio + ": displays[2]: Canvas 22 Pro has an entry already\n" + studio +
+                  ": displays[3]: \"serail\" is not a part of an entry (model, serial, keep, settings)\n");
     EXPECT_EQ(canvas->Value(0x12), 45);
     std::ofstream(studio) << "[]";
     run = bench.Run({"apply", studio});
@@ -680,8 +697,9 @@ TEST(CommandLineTool, FilesAtOddPathsAreWrittenThroughLinksAndNeverReplacedWhenT
     // A profile asked to go to a pipe is refused with its name and exit code 1; the pipe stays.
     const SRun refused = bench.Run({"profile", "save", "0", (folder / "pipe").string()});
     EXPECT_EQ(refused.code, CliExit::kBadUsage);
-    EXPECT_NE(refused.err.find((folder / "pipe").string() +
-                               ": cannot be written (it is a device, a pipe or a socket, not a file; left as it is)"),
+    EXPECT_NE(refused.err.find(
+                  (folder / "pipe").string() +
+                  ": cannot be written (it is a device, a pipe or a socket, not a file; left as it is)"),
               std::string::npos)
         << refused.err;
     EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
@@ -690,11 +708,13 @@ TEST(CommandLineTool, FilesAtOddPathsAreWrittenThroughLinksAndNeverReplacedWhenT
     // (reading a pipe nobody writes would never end).
     std::ostringstream out;
     std::ostringstream err;
-    EXPECT_EQ(RunCommandLineTool({"get", "0", "brightness"}, bench.displays, out, err, {}, {}, (folder / "pipe").string()),
+    EXPECT_EQ(RunCommandLineTool({"get", "0", "brightness"}, bench.displays, out, err, {}, {},
+                                 (folder / "pipe").string()),
               CliExit::kDone);
     EXPECT_EQ(out.str(), "brightness = 70\n");
-    EXPECT_EQ(err.str(), "warning: the capabilities cache " + (folder / "pipe").string() +
-                             " is not used (it is a device, a pipe or a socket, not a file; left as it is)\n");
+    EXPECT_EQ(err.str(),
+              "warning: the capabilities cache " + (folder / "pipe").string() +
+                  " is not used (it is a device, a pipe or a socket, not a file; left as it is)\n");
     EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
 }
 #endif

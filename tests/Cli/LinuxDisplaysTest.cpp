@@ -50,9 +50,11 @@ struct SLinuxBench {
         system.DrmEntry("card0");
         system.DrmConnector("card0-DP-1", canvas->Edid(), "i2c-5");
         system.devices["/dev/i2c-5"] = std::make_shared<CVirtualI2CBus>(canvas);
-        system.DrmConnector("card0-HDMI-A-1", TestData::ReadBytes("edid/ed_dell-up2715k-dp_DEL_40B6.bin"), "i2c-6");
+        system.DrmConnector("card0-HDMI-A-1", TestData::ReadBytes("edid/ed_dell-up2715k-dp_DEL_40B6.bin"),
+                            "i2c-6");
         // Truncated EDID; a Velor display whose device node has gone; nothing connected.
-        system.DrmConnector("card0-DP-2", ByteBuffer(canvas->Edid().begin(), canvas->Edid().begin() + 100), "i2c-7");
+        system.DrmConnector("card0-DP-2", ByteBuffer(canvas->Edid().begin(), canvas->Edid().begin() + 100),
+                            "i2c-7");
         system.DrmConnector("card0-DP-3", canvas->Edid(), "i2c-9");
         system.DrmConnector("card0-eDP-1", {}, "");
         system.DrmEntry("version");
@@ -132,7 +134,9 @@ TEST(LinuxDisplays, NodesTheUserMayNotOpenAreNamedWithTheWayToGetThem) {
                   "module loaded? sudo modprobe i2c-dev\n");
     err.str("");
     EXPECT_EQ(RunCommandLineTool({"get", "0", "contrast"}, displays, out, err), CliExit::kNoSuchDisplay);
-    EXPECT_EQ(err.str().find("no display 0: no display found has that index or serial number (none found; see list)\n/dev/hidraw0 does not open"), 0u)
+    EXPECT_EQ(err.str().find("no display 0: no display found has that index or serial number (none found; "
+                             "see list)\n/dev/hidraw0 does not open"),
+              0u)
         << err.str();
 }
 

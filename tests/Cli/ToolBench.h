@@ -70,4 +70,3 @@ inline std::string TempFile(const char* name) {
     static const SProcessFolder folder;
     return (folder.path / name).string();
 }
-

@@ -14,7 +14,8 @@ const std::wstring kOurs = L"C:\\Program Files\\Velor\\Display Settings";
 // A workstation's PATH of 40 entries and about 2,000 characters, with the odd spellings real
 // ones have (an empty entry, a variable, a quoted folder, a trailing backslash).
 std::wstring LongPath() {
-    std::wstring path = L"%SystemRoot%\\system32;%SystemRoot%;;\"C:\\Program Files\\Quoted Tool\\bin\";C:\\Tools\\";
+    std::wstring path =
+        L"%SystemRoot%\\system32;%SystemRoot%;;\"C:\\Program Files\\Quoted Tool\\bin\";C:\\Tools\\";
     for (int i = 0; path.size() < 1960; ++i) {
         path += L";C:\\Program Files\\Vendor " + std::to_wstring(i) + L"\\Some Long Product Name\\bin";
     }
@@ -24,8 +25,8 @@ std::wstring LongPath() {
 }  // namespace
 
 TEST(PathList, OurFolderGoesInAndOutAndLeavesEveryOtherByteAsItWas) {
-    for (const std::wstring& before : {LongPath(), std::wstring(L"C:\\a;C:\\b;"), std::wstring(L"C:\\a"),
-                                       std::wstring()}) {
+    for (const std::wstring& before :
+         {LongPath(), std::wstring(L"C:\\a;C:\\b;"), std::wstring(L"C:\\a"), std::wstring()}) {
         SCOPED_TRACE(std::string(before.begin(), before.end()));
         const std::wstring with = PathListWith(before, kOurs);
         EXPECT_TRUE(PathListHas(with, kOurs));
@@ -39,8 +40,9 @@ TEST(PathList, OurFolderGoesInAndOutAndLeavesEveryOtherByteAsItWas) {
 }
 
 TEST(PathList, OurFolderIsRecognisedHoweverItIsSpeltAndOnlyItGoes) {
-    const std::wstring spelt = L"C:\\x;\"c:\\program files\\velor\\display settings\\\";C:\\Program Files\\Velor\\Display "
-                               L"Settings Extra;C:\\PROGRAM FILES\\VELOR\\DISPLAY SETTINGS;C:\\y";
+    const std::wstring spelt =
+        L"C:\\x;\"c:\\program files\\velor\\display settings\\\";C:\\Program Files\\Velor\\Display "
+        L"Settings Extra;C:\\PROGRAM FILES\\VELOR\\DISPLAY SETTINGS;C:\\y";
     EXPECT_TRUE(PathListHas(spelt, kOurs));
     EXPECT_EQ(PathListWithout(spelt, kOurs), L"C:\\x;C:\\Program Files\\Velor\\Display Settings Extra;C:\\y");
     EXPECT_FALSE(PathListHas(L"C:\\Program Files\\Velor\\Display Settings Extra", kOurs));

@@ -49,7 +49,9 @@ struct STempFolder {
 TEST(TextFile, ANameOutsideTheCodePageIsWrittenAndReadUnderThatVeryName) {
     STempFolder folder;
     // "Größe-プロファイル" in a folder that does not exist yet, spelt out as UTF-8 bytes.
-    const std::string name = "Gr\xC3\xB6\xC3\x9F" "e-\xE3\x83\x97\xE3\x83\xAD\xE3\x83\x95\xE3\x82\xA1\xE3\x82\xA4\xE3\x83\xAB.json";
+    const std::string name =
+        "Gr\xC3\xB6\xC3\x9F"
+        "e-\xE3\x83\x97\xE3\x83\xAD\xE3\x83\x95\xE3\x82\xA1\xE3\x82\xA4\xE3\x83\xAB.json";
     const std::string file = folder.Utf8() + "/J\xC3\xBCrgen/" + name;
     std::string problem;
     ASSERT_TRUE(WriteTextFile(file, "{\"brightness\": 70}\n", problem)) << problem;
@@ -155,8 +157,9 @@ TEST(TextFile, ALinkIsWrittenThroughAndADevicePipeOrSocketIsNeverReplaced) {
     for (const std::string& name : specials) {
         SCOPED_TRACE(name);
         EXPECT_FALSE(WriteTextFile(base + "/" + name, "x", problem));
-        EXPECT_EQ(problem, base + "/" + name +
-                               ": cannot be written (it is a device, a pipe or a socket, not a file; left as it is)");
+        EXPECT_EQ(problem,
+                  base + "/" + name +
+                      ": cannot be written (it is a device, a pipe or a socket, not a file; left as it is)");
         EXPECT_FALSE(fs::is_regular_file(folder.path / name));
     }
     if (fs::exists(folder.path / "null")) {

@@ -89,8 +89,8 @@ void CFakeLinuxSystem::Remove(const std::string& path_I) {
     fs::remove_all(OnDisk(path_I), ignored);
 }
 
-void CFakeLinuxSystem::DrmConnector(const std::string& name_I, const ByteBuffer& edid_I, const std::string& bus_I,
-                                    bool busAsFolder_I) {
+void CFakeLinuxSystem::DrmConnector(const std::string& name_I, const ByteBuffer& edid_I,
+                                    const std::string& bus_I, bool busAsFolder_I) {
     const std::string gpu = "/sys/devices/pci0000:00/0000:00:02.0";
     const std::string card = CardOf(name_I);
     const std::string folder = gpu + "/drm/" + card + "/" + name_I;
@@ -120,12 +120,13 @@ void CFakeLinuxSystem::DrmEntry(const std::string& name_I) {
     Link("/sys/class/drm/" + name_I, "../../devices/pci0000:00/0000:00:02.0/drm/" + name_I);
 }
 
-void CFakeLinuxSystem::UsbSerialPort(const std::string& name_I, const std::string& driver_I, uint16_t vendor_I,
-                                     uint16_t product_I, uint16_t release_I) {
+void CFakeLinuxSystem::UsbSerialPort(const std::string& name_I, const std::string& driver_I,
+                                     uint16_t vendor_I, uint16_t product_I, uint16_t release_I) {
     const std::string device = "usb1/1-" + std::to_string(++mUsbDevices);
     const std::string usb = "/sys/devices/pci0000:00/0000:00:14.0/" + device;
     const std::string interface = usb + "/" + device.substr(5) + ":1.0";
-    File(usb + "/uevent", "DEVTYPE=usb_device\nDRIVER=usb\n" + Printf("PRODUCT=%x/%x/%x\n", vendor_I, product_I, release_I) +
+    File(usb + "/uevent", "DEVTYPE=usb_device\nDRIVER=usb\n" +
+                              Printf("PRODUCT=%x/%x/%x\n", vendor_I, product_I, release_I) +
                               "TYPE=0/0/0\nBUSNUM=001\n");
     File(usb + "/idVendor", Printf("%04x\n", vendor_I));
     File(usb + "/idProduct", Printf("%04x\n", product_I));
@@ -147,7 +148,8 @@ void CFakeLinuxSystem::AcmPort(const std::string& name_I, uint16_t vendor_I, uin
     const std::string device = "usb1/1-" + std::to_string(++mUsbDevices);
     const std::string usb = "/sys/devices/pci0000:00/0000:00:14.0/" + device;
     const std::string interface = usb + "/" + device.substr(5) + ":1.0";
-    File(usb + "/uevent", "DEVTYPE=usb_device\nDRIVER=usb\n" + Printf("PRODUCT=%x/%x/%x\n", vendor_I, product_I, release_I));
+    File(usb + "/uevent",
+         "DEVTYPE=usb_device\nDRIVER=usb\n" + Printf("PRODUCT=%x/%x/%x\n", vendor_I, product_I, release_I));
     File(interface + "/uevent", "DEVTYPE=usb_interface\nDRIVER=cdc_acm\n" +
                                     Printf("PRODUCT=%x/%x/%x\n", vendor_I, product_I, release_I) +
                                     "TYPE=2/0/0\nINTERFACE=2/2/1\n");
@@ -173,14 +175,15 @@ void CFakeLinuxSystem::PlainTty(const std::string& name_I) {
 void CFakeLinuxSystem::HidrawNode(const std::string& name_I, uint16_t vendor_I, uint16_t product_I,
                                   const std::string& hidName_I) {
     const std::string device = "usb1/1-" + std::to_string(++mUsbDevices);
-    const std::string interface = "/sys/devices/pci0000:00/0000:00:14.0/" + device + "/" + device.substr(5) + ":1.0";
+    const std::string interface =
+        "/sys/devices/pci0000:00/0000:00:14.0/" + device + "/" + device.substr(5) + ":1.0";
     const std::string hid = Printf("0003:%04X:%04X", vendor_I, product_I) + Printf(".%04X", mUsbDevices);
     File(interface + "/uevent", "DEVTYPE=usb_interface\nDRIVER=usbhid\n" +
                                     Printf("PRODUCT=%x/%x/100\n", vendor_I, product_I) + "INTERFACE=3/0/0\n");
     File(interface + "/" + hid + "/uevent",
-         "DRIVER=hid-generic\n" + Printf("HID_ID=0003:%08X:%08X\n", vendor_I, product_I) + "HID_NAME=" + hidName_I +
-             "\nHID_PHYS=usb-0000:00:14.0-" + std::to_string(mUsbDevices) + "/input0\nHID_UNIQ=\n" +
-             Printf("MODALIAS=hid:b0003g0001v%08Xp%08X\n", vendor_I, product_I));
+         "DRIVER=hid-generic\n" + Printf("HID_ID=0003:%08X:%08X\n", vendor_I, product_I) +
+             "HID_NAME=" + hidName_I + "\nHID_PHYS=usb-0000:00:14.0-" + std::to_string(mUsbDevices) +
+             "/input0\nHID_UNIQ=\n" + Printf("MODALIAS=hid:b0003g0001v%08Xp%08X\n", vendor_I, product_I));
     const std::string node = interface + "/" + hid + "/hidraw/" + name_I;
     File(node + "/uevent", "MAJOR=242\nMINOR=0\nDEVNAME=" + name_I + "\n");
     Link(node + "/device", "../../../" + hid);
@@ -264,7 +267,8 @@ int CFakeLinuxSystem::I2cTransfer(const std::shared_ptr<CVirtualI2CBus>& bus_I, 
         return Refuse(ENOTTY, Printf("i2c-dev: ioctl %#x is not I2C_RDWR", static_cast<unsigned>(request_I)));
     }
     auto* transfer = static_cast<i2c_rdwr_ioctl_data*>(argument_I);
-    if (transfer == nullptr || transfer->msgs == nullptr || transfer->nmsgs == 0 || transfer->nmsgs > kMaxMessages) {
+    if (transfer == nullptr || transfer->msgs == nullptr || transfer->nmsgs == 0 ||
+        transfer->nmsgs > kMaxMessages) {
         return Refuse(EINVAL, Printf("I2C_RDWR: %u messages", transfer == nullptr ? 0 : transfer->nmsgs));
     }
     for (unsigned i = 0; i < transfer->nmsgs; ++i) {
@@ -294,7 +298,8 @@ int CFakeLinuxSystem::I2cTransfer(const std::shared_ptr<CVirtualI2CBus>& bus_I, 
         if ((message.flags & I2C_M_RD) != 0) {
             ByteBuffer bytes;
             acknowledged = bus_I->Read(static_cast<uint8_t>(message.addr), message.len, bytes);
-            std::copy(bytes.begin(), bytes.begin() + std::min<size_t>(bytes.size(), message.len), message.buf);
+            std::copy(bytes.begin(), bytes.begin() + std::min<size_t>(bytes.size(), message.len),
+                      message.buf);
             messages.push_back(Printf("R %02X %u", message.addr, message.len));
         } else {
             acknowledged = bus_I->Write(static_cast<uint8_t>(message.addr),
@@ -309,12 +314,13 @@ int CFakeLinuxSystem::I2cTransfer(const std::shared_ptr<CVirtualI2CBus>& bus_I, 
     return static_cast<int>(transfer->nmsgs);
 }
 
-int CFakeLinuxSystem::FeatureReport(const std::shared_ptr<CVirtualHidDevice>& device_I, unsigned long request_I,
-                                    void* argument_I) {
+int CFakeLinuxSystem::FeatureReport(const std::shared_ptr<CVirtualHidDevice>& device_I,
+                                    unsigned long request_I, void* argument_I) {
     const size_t size = _IOC_SIZE(request_I);
     const bool set = request_I == HIDIOCSFEATURE(size);
     if (!set && request_I != HIDIOCGFEATURE(size)) {
-        return Refuse(ENOTTY, Printf("hidraw: ioctl %#x is not a feature report", static_cast<unsigned>(request_I)));
+        return Refuse(ENOTTY,
+                      Printf("hidraw: ioctl %#x is not a feature report", static_cast<unsigned>(request_I)));
     }
     if (size < 2 || size > kMaxHidBuffer) {
         return Refuse(EINVAL, Printf("hidraw: feature report of %u bytes", static_cast<unsigned>(size)));
@@ -326,7 +332,8 @@ int CFakeLinuxSystem::FeatureReport(const std::shared_ptr<CVirtualHidDevice>& de
     if (size != CVirtualHidDevice::kReportSize) {
         // The device's report is a fixed length; a control transfer of another length stalls.
         return Refuse(EPIPE, Printf("hidraw: feature report of %u bytes, the device's is %u",
-                                    static_cast<unsigned>(size), static_cast<unsigned>(CVirtualHidDevice::kReportSize)));
+                                    static_cast<unsigned>(size),
+                                    static_cast<unsigned>(CVirtualHidDevice::kReportSize)));
     }
     auto* buffer = static_cast<uint8_t*>(argument_I);
     ByteBuffer report(buffer, buffer + size);

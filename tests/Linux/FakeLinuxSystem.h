@@ -49,7 +49,8 @@ public:
     // A virtual terminal or a built-in UART (no USB device above it).
     void PlainTty(const std::string& name_I);
     // A hidraw node of a USB HID interface, HID_ID=0003:<vid, 8 digits>:<pid, 8 digits>.
-    void HidrawNode(const std::string& name_I, uint16_t vendor_I, uint16_t product_I, const std::string& hidName_I);
+    void HidrawNode(const std::string& name_I, uint16_t vendor_I, uint16_t product_I,
+                    const std::string& hidName_I);
 
     // ---- device nodes ----
     std::map<std::string, std::shared_ptr<CVirtualI2CBus>> devices;  // "/dev/i2c-5"
@@ -84,7 +85,8 @@ private:
     std::string OnDisk(const std::string& path_I) const;
     int Refuse(int error_I, const std::string& why_I);
     int I2cTransfer(const std::shared_ptr<CVirtualI2CBus>& bus_I, unsigned long request_I, void* argument_I);
-    int FeatureReport(const std::shared_ptr<CVirtualHidDevice>& device_I, unsigned long request_I, void* argument_I);
+    int FeatureReport(const std::shared_ptr<CVirtualHidDevice>& device_I, unsigned long request_I,
+                      void* argument_I);
 
     std::string mRoot;
     std::map<int, std::string> mOpen;  // descriptor -> node

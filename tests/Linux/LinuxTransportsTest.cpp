@@ -89,7 +89,8 @@ TEST(LinuxTransports, ADeviceNodeThatVanishesMidTransactionFailsTheOperationAndL
     CLinuxDisplayDiscovery discovery(bench.system);
     EXPECT_TRUE(discovery.Find().empty());
     ASSERT_EQ(discovery.Notes().size(), 1u);
-    EXPECT_EQ(discovery.Notes()[0].find("card0-DP-1: /dev/i2c-5 does not open (No such file or directory)"), 0u)
+    EXPECT_EQ(discovery.Notes()[0].find("card0-DP-1: /dev/i2c-5 does not open (No such file or directory)"),
+              0u)
         << discovery.Notes()[0];
 }
 
@@ -194,8 +195,10 @@ TEST(LinuxTransports, DrmConnectorsTakeWholeEdidsOfEveryLengthAndSkipBrokenOnes)
     EXPECT_EQ(found[3].name, "card0-DP-4");
     EXPECT_EQ(found[3].edid.size(), 896u);
     EXPECT_EQ(found[3].i2cDevice, "");
-    EXPECT_TRUE(log.Contains("FindDrmConnectors: card0-HDMI-A-1 has a truncated EDID (200 bytes); skipped\n"));
-    EXPECT_TRUE(log.Contains("FindDrmConnectors: card0-HDMI-A-2 has a truncated EDID (129 bytes); skipped\n"));
+    EXPECT_TRUE(
+        log.Contains("FindDrmConnectors: card0-HDMI-A-1 has a truncated EDID (200 bytes); skipped\n"));
+    EXPECT_TRUE(
+        log.Contains("FindDrmConnectors: card0-HDMI-A-2 has a truncated EDID (129 bytes); skipped\n"));
 }
 
 TEST(LinuxTransports, TheSerialLineIsRaw9600EightNoneOneWithoutFlowControlOnARealTerminal) {

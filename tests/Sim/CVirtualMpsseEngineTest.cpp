@@ -119,7 +119,8 @@ TEST(VirtualMpsseEngine, ADisplayThatStretchesTheClockIsReachedOnlyWithOpenDrain
     EXPECT_EQ(unsensed.Read(2), (ByteBuffer{0x00, 0x01}));  // the address is taken, the next byte is not
     unsensed.Write(CMpsseI2CMaster::StopStream());
     const uint16_t before = bench.display->Value(0x10);
-    EXPECT_EQ(connector.SendRequest(BuildSetVCPRequest(0x10, 43), 0.05, 38, 0), (ByteBuffer{0x6E, 0x80, 0xBE}));
+    EXPECT_EQ(connector.SendRequest(BuildSetVCPRequest(0x10, 43), 0.05, 38, 0),
+              (ByteBuffer{0x6E, 0x80, 0xBE}));
     EXPECT_EQ(bench.display->Value(0x10), 43);  // the connector's own engine waits, as set up
     EXPECT_NE(before, 43);
 }

@@ -292,7 +292,8 @@ TEST(VirtualDisplay, EdidChunksStayInsideRealEdidsOfAnyLength) {
         const ByteBuffer read = ReadEdidByVendorCommand(*bench.connector, "test");
         ASSERT_EQ(read.size(), 256u) << name;
         // The chunks cover the first 256 bytes; past the end of a 128-byte EDID they are zero.
-        ByteBuffer expected(blob.begin(), blob.begin() + static_cast<std::ptrdiff_t>(std::min<size_t>(256, blob.size())));
+        ByteBuffer expected(blob.begin(),
+                            blob.begin() + static_cast<std::ptrdiff_t>(std::min<size_t>(256, blob.size())));
         expected.resize(256, 0x00);
         EXPECT_EQ(read, expected) << name;
         EXPECT_TRUE(log.Asserts().empty()) << name;

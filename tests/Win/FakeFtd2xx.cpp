@@ -26,16 +26,40 @@ VLR_EXPORT FT_GetDeviceInfoDetail(DWORD, LPDWORD flags_O, LPDWORD type_O, LPDWOR
     *type_O = 5;
     return 0;
 }
-VLR_EXPORT FT_Open(int, PVOID*) { return 2; }
-VLR_EXPORT FT_Close(PVOID) { return 1; }
-VLR_EXPORT FT_ResetDevice(PVOID) { return 1; }
-VLR_EXPORT FT_Purge(PVOID, ULONG) { return 1; }
-VLR_EXPORT FT_SetUSBParameters(PVOID, ULONG, ULONG) { return 1; }
-VLR_EXPORT FT_SetChars(PVOID, UCHAR, UCHAR, UCHAR, UCHAR) { return 1; }
-VLR_EXPORT FT_SetTimeouts(PVOID, ULONG, ULONG) { return 1; }
-VLR_EXPORT FT_SetLatencyTimer(PVOID, UCHAR) { return 1; }
-VLR_EXPORT FT_SetBitMode(PVOID, UCHAR, UCHAR) { return 1; }
-VLR_EXPORT FT_Write(PVOID, LPVOID, DWORD, LPDWORD) { return 1; }
-VLR_EXPORT FT_Read(PVOID, LPVOID, DWORD, LPDWORD) { return 1; }
-VLR_EXPORT FT_GetQueueStatus(PVOID, LPDWORD) { return 1; }
+VLR_EXPORT FT_Open(int, PVOID*) {
+    return 2;
+}
+VLR_EXPORT FT_Close(PVOID) {
+    return 1;
+}
+VLR_EXPORT FT_ResetDevice(PVOID) {
+    return 1;
+}
+VLR_EXPORT FT_Purge(PVOID, ULONG) {
+    return 1;
+}
+VLR_EXPORT FT_SetUSBParameters(PVOID, ULONG, ULONG) {
+    return 1;
+}
+VLR_EXPORT FT_SetChars(PVOID, UCHAR, UCHAR, UCHAR, UCHAR) {
+    return 1;
+}
+VLR_EXPORT FT_SetTimeouts(PVOID, ULONG, ULONG) {
+    return 1;
+}
+VLR_EXPORT FT_SetLatencyTimer(PVOID, UCHAR) {
+    return 1;
+}
+VLR_EXPORT FT_SetBitMode(PVOID, UCHAR, UCHAR) {
+    return 1;
+}
+VLR_EXPORT FT_Write(PVOID, LPVOID, DWORD, LPDWORD) {
+    return 1;
+}
+VLR_EXPORT FT_Read(PVOID, LPVOID, DWORD, LPDWORD) {
+    return 1;
+}
+VLR_EXPORT FT_GetQueueStatus(PVOID, LPDWORD) {
+    return 1;
+}
 #endif

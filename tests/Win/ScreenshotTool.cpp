@@ -176,8 +176,8 @@ int main(int argc, char** argv) {
     MessageWindows::SetMessageBoxTimeoutFunction(&KeepChanges);
     // The main dialog in every language (the README shows English, German and Japanese; the
     // rest are rendered to be looked at).
-    for (const char* language : {"en", "de", "ja", "es", "fr", "it", "ko", "nl", "pl", "pt", "ru", "tr", "zh_CN",
-                                 "zh_TW"}) {
+    for (const char* language :
+         {"en", "de", "ja", "es", "fr", "it", "ko", "nl", "pl", "pt", "ru", "tr", "zh_CN", "zh_TW"}) {
         MainDialog(folder, language, std::string("main-dialog-") + language, EShot::MainDialog);
     }
     MainDialog(folder, "ja", "advanced-dialog-ja", EShot::AdvancedDialog);

@@ -30,8 +30,7 @@ BOOL CALLBACK FindMainDialog(HWND window_I, LPARAM search_I) {
     wchar_t className[16] = {};
     GetClassNameW(window_I, className, 16);
     if ((search->process == 0 || process == search->process) && std::wstring(className) == L"#32770" &&
-        IsWindowVisible(window_I) &&
-        GetDlgItem(window_I, IDC_DISPLAY_LIST) != nullptr) {
+        IsWindowVisible(window_I) && GetDlgItem(window_I, IDC_DISPLAY_LIST) != nullptr) {
         search->dialog = window_I;
         return FALSE;
     }
@@ -82,7 +81,8 @@ int main(int argc, char** argv) {
         return dialog != nullptr && PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0) ? 0 : 1;
     }
     if (argc < 3) {
-        std::fprintf(stderr, "usage: vlr_start_probe SECONDS PROGRAM [ARGUMENT...] | --run \"COMMAND LINE\"\n");
+        std::fprintf(stderr,
+                     "usage: vlr_start_probe SECONDS PROGRAM [ARGUMENT...] | --run \"COMMAND LINE\"\n");
         return 2;
     }
     const ULONGLONG limitMs = static_cast<ULONGLONG>(std::atof(argv[1]) * 1000);

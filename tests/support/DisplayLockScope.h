@@ -24,7 +24,8 @@ inline void RemoveThisProcessesLockFiles() {
     const std::string prefix = DisplayLockName("");
     for (const char* variable : {"XDG_RUNTIME_DIR", "TMPDIR"}) {
         const char* folder = std::getenv(variable);
-        for (const std::string& candidate : {std::string(folder != nullptr ? folder : ""), std::string("/tmp")}) {
+        for (const std::string& candidate :
+             {std::string(folder != nullptr ? folder : ""), std::string("/tmp")}) {
             std::error_code error;
             if (candidate.empty() || !std::filesystem::is_directory(candidate, error)) {
                 continue;

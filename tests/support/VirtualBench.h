@@ -30,7 +30,9 @@ struct TVirtualBench {
     }
     explicit TVirtualBench(const std::string& presetKey_I)
         : TVirtualBench(*FindVirtualDisplayPreset(presetKey_I)) {}
-    ~TVirtualBench() { EXPECT_EQ(clock.RewindsRefused(), 0u) << "the virtual clock was asked to run backwards"; }
+    ~TVirtualBench() {
+        EXPECT_EQ(clock.RewindsRefused(), 0u) << "the virtual clock was asked to run backwards";
+    }
 
     // Initialises and forgets the traffic and pauses that took.
     bool Initialize() {

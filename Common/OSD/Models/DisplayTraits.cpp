@@ -11,7 +11,8 @@ SDisplayTraits DisplayTraitsFor(uint16_t edid_I) {
         return traits;  // a display of no known family: the standard codes, no quirks
     }
     traits.codeVariants.fineScaleGamma = family->gamma == EGammaScale::FineScale;
-    traits.codeVariants.colorOffsetRedIsColorPreset = family->colorPresets == EColorPresetCode::ColorOffsetRed;
+    traits.codeVariants.colorOffsetRedIsColorPreset =
+        family->colorPresets == EColorPresetCode::ColorOffsetRed;
     // The fine-scale models were released before they reported mccs_ver.
     traits.acceptsMissingMccsVersion = family->gamma == EGammaScale::FineScale;
     traits.fixedColorPresets = family->fixedColorPresets;

@@ -13,25 +13,31 @@ constexpr size_t kGroupCount = static_cast<size_t>(EModelGroup::PenComputerScree
 // added to the enumeration without its question here does not compile.)
 bool FamilyIsIn(const SProductFamily& family_I, EModelGroup group_I) {
     switch (group_I) {
-        case EModelGroup::ColorOffsetRedIsColorPreset: return family_I.colorPresets == EColorPresetCode::ColorOffsetRed;
+        case EModelGroup::ColorOffsetRedIsColorPreset:
+            return family_I.colorPresets == EColorPresetCode::ColorOffsetRed;
         case EModelGroup::ContinuousGammaDefaultMccs: return family_I.gamma == EGammaScale::FineScale;
         case EModelGroup::FixedColorPresets: return family_I.fixedColorPresets;
         case EModelGroup::ExtendedDisplayPresets: return family_I.extendedDisplayPresets;
         case EModelGroup::NoFan: return family_I.noFan;
         case EModelGroup::BatteryModeMissingZero: return family_I.batteryModeMissingZero;
-        case EModelGroup::BrightnessByBacklightControl: return family_I.brightness == EBrightnessControl::BacklightControl;
-        case EModelGroup::BrightnessByWhiteBacklightLevel: return family_I.brightness == EBrightnessControl::WhiteBacklightLevel;
+        case EModelGroup::BrightnessByBacklightControl:
+            return family_I.brightness == EBrightnessControl::BacklightControl;
+        case EModelGroup::BrightnessByWhiteBacklightLevel:
+            return family_I.brightness == EBrightnessControl::WhiteBacklightLevel;
         case EModelGroup::ColorModeByDisplayPresets: return family_I.colorModeByDisplayPresets;
         case EModelGroup::AspectRatioByMakerCode: return family_I.aspect == EAspectControl::MakerCode;
-        case EModelGroup::AspectRatioByDisplayScaling: return family_I.aspect == EAspectControl::DisplayScaling;
+        case EModelGroup::AspectRatioByDisplayScaling:
+            return family_I.aspect == EAspectControl::DisplayScaling;
         case EModelGroup::ScanModeFitsPicture: return family_I.aspect == EAspectControl::ScanMode;
         case EModelGroup::GammaTwoChoices: return family_I.gamma == EGammaScale::TwoChoices;
         case EModelGroup::GammaThreeChoices: return family_I.gamma == EGammaScale::ThreeChoices;
         case EModelGroup::FixedPowerLed: return family_I.fixedPowerLed;
         case EModelGroup::RestartsAfterFactoryReset: return family_I.restartsAfterFactoryReset;
-        case EModelGroup::DynamicContrastExcludesUniformity: return family_I.dynamicContrastExcludesUniformity;
+        case EModelGroup::DynamicContrastExcludesUniformity:
+            return family_I.dynamicContrastExcludesUniformity;
         case EModelGroup::CustomColorExcludesUniformity: return family_I.customColorExcludesUniformity;
-        case EModelGroup::TooDarkWhenAllChannelsBelow20: return family_I.tooDark == ETooDarkTest::AllChannelsBelow20;
+        case EModelGroup::TooDarkWhenAllChannelsBelow20:
+            return family_I.tooDark == ETooDarkTest::AllChannelsBelow20;
         case EModelGroup::TooDarkWhenBlackFrom50: return family_I.tooDark == ETooDarkTest::BlackFrom50;
         case EModelGroup::TooDarkWhenBlackFrom60: return family_I.tooDark == ETooDarkTest::BlackFrom60;
         case EModelGroup::TooDarkWhenBlackFrom75: return family_I.tooDark == ETooDarkTest::BlackFrom75;

@@ -43,7 +43,7 @@ uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I) {
 // 5700 K comes second although its value (11) is last.
 const std::vector<SEntry>& ColorTemperatureLabels() {
     static const std::vector<SEntry> labels = {
-        {StringId::k5000K, cpc_5000K}, {StringId::k5700K, cpc_5700K},  {StringId::k6500K, cpc_6500K},
+        {StringId::k5000K, cpc_5000K}, {StringId::k5700K, cpc_5700K}, {StringId::k6500K, cpc_6500K},
         {StringId::k7500K, cpc_7500K}, {StringId::k9300K, cpc_9300K}, {StringId::k10000K, cpc_10000K},
     };
     return labels;

@@ -110,8 +110,7 @@ VCPOptionsMap CreateVCPCodeMap(const SCodeVariants& variants_I, const std::strin
         std::istringstream in(key);
         in >> std::hex >> code;  // "10", "0x10" and "010" all read as 0x10; garbage reads as 0
         if (code <= 0xFF && codeInfo_I.count(static_cast<uint8_t>(code)) != 0) {
-            VCPOptionPtr option =
-                MakeOption(static_cast<uint8_t>(code), variants_I, optionSet, codeInfo_I);
+            VCPOptionPtr option = MakeOption(static_cast<uint8_t>(code), variants_I, optionSet, codeInfo_I);
             if (option) {
                 options[static_cast<uint8_t>(code)] = option;
             }

@@ -96,8 +96,8 @@ ByteBuffer BuildNullMessage() {
 }
 
 ByteBuffer BuildGetReply(uint8_t result_I, uint8_t vcpCode_I, uint16_t maximum_I, uint16_t current_I) {
-    return SealReply({Ddc::kDisplayAddress, Ddc::kGetReplyLength, ddcCC_VCPReplyCode, result_I, vcpCode_I, 0x00,
-                      High(maximum_I), Low(maximum_I), High(current_I), Low(current_I)});
+    return SealReply({Ddc::kDisplayAddress, Ddc::kGetReplyLength, ddcCC_VCPReplyCode, result_I, vcpCode_I,
+                      0x00, High(maximum_I), Low(maximum_I), High(current_I), Low(current_I)});
 }
 
 ByteBuffer BuildOffsetReply(uint8_t opcode_I, uint16_t offset_I, const ByteBuffer& data_I) {
@@ -132,7 +132,8 @@ bool StartsWithNullMessage(const ByteBuffer& reply_I) {
 }
 
 bool IsNullMessageByte(uint8_t byte_I) {
-    return byte_I == Ddc::kDisplayAddress || byte_I == Ddc::kLengthFlag || byte_I == Ddc::kNullMessageChecksum;
+    return byte_I == Ddc::kDisplayAddress || byte_I == Ddc::kLengthFlag ||
+           byte_I == Ddc::kNullMessageChecksum;
 }
 
 bool StartsWithGetReplyHeader(const ByteBuffer& reply_I) {
@@ -145,8 +146,8 @@ bool CheckOffsetReply(const ByteBuffer& reply_I, uint8_t opcode_I, uint16_t offs
     if (reply_I.size() < Ddc::kOffsetReplyHeaderSize + 1 || Checksum(reply_I, Ddc::kReplyChecksumSeed) != 0) {
         return false;
     }
-    if (reply_I[0] != Ddc::kDisplayAddress || (reply_I[1] & Ddc::kLengthFlag) == 0 || reply_I[2] != opcode_I ||
-        ((reply_I[3] << 8) | reply_I[4]) != offset_I) {
+    if (reply_I[0] != Ddc::kDisplayAddress || (reply_I[1] & Ddc::kLengthFlag) == 0 ||
+        reply_I[2] != opcode_I || ((reply_I[3] << 8) | reply_I[4]) != offset_I) {
         return false;
     }
     // The length byte counts the opcode, the two offset bytes and the data.

@@ -147,7 +147,7 @@ EReplyError CheckSetReply(const ByteBuffer& inBuffer);
 // What a host request (6E 51 len command code [value-high value-low] chk) asks.
 struct SHostRequest {
     uint8_t command = 0;
-    uint8_t vcpCode = 0;   // 0 when the request is too short to carry one
+    uint8_t vcpCode = 0;    // 0 when the request is too short to carry one
     bool hasValue = false;  // the request is long enough to carry a set's value
     uint16_t value = 0;
 };

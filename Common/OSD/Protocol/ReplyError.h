@@ -6,18 +6,18 @@
 
 enum class EReplyError : uint8_t {
     None,
-    SendRequestFailed,       // nothing, or almost nothing, came back
-    NoData,                  // the null message
-    UnknownResponse,         // too short to be a get reply
+    SendRequestFailed,  // nothing, or almost nothing, came back
+    NoData,             // the null message
+    UnknownResponse,    // too short to be a get reply
     AddressIncorrect,
     LengthIncorrect,
     ReplyCodeIncorrect,
-    VcpCodeError,            // the display refused the code
-    NotOurQuery,             // a reply for another code
+    VcpCodeError,  // the display refused the code
+    NotOurQuery,   // a reply for another code
     BadCodeType,
     DeviceNotOpen,
     TableCodesNotSupported,
-    Other,                   // a text of its own
+    Other,  // a text of its own
 };
 
 // The text an option keeps for the kind; empty for None.

@@ -3,7 +3,6 @@
 #include <array>
 #include <vector>
 
-
 namespace {
 
 // The short forms the table's columns use.
@@ -15,13 +14,21 @@ constexpr uint32_t NA = eAccessPlaceholder;
 constexpr uint32_t C = eTypeContinuous;
 constexpr uint32_t NC = eTypeNonContinuous;
 constexpr uint32_t T = eTypeTable;
-constexpr bool HasInfo(uint32_t access_I) { return access_I != NA; }
+constexpr bool HasInfo(uint32_t access_I) {
+    return access_I != NA;
+}
 }  // namespace Column
 
 constexpr SVcpCodeRow kRows[] = {
-#define VLR_CODE_ROW(code, enumerator, name, access, type, readSize, writeSize, values)               \
-    {code,       name,     Column::HasInfo(Column::access), Column::access, Column::type, readSize, \
-     writeSize, EValueNames::values},
+#define VLR_CODE_ROW(code, enumerator, name, access, type, readSize, writeSize, values) \
+    {code,                                                                              \
+     name,                                                                              \
+     Column::HasInfo(Column::access),                                                   \
+     Column::access,                                                                    \
+     Column::type,                                                                      \
+     readSize,                                                                          \
+     writeSize,                                                                         \
+     EValueNames::values},
     VLR_VCP_CODE_TABLE(VLR_CODE_ROW)
 #undef VLR_CODE_ROW
 };
@@ -38,7 +45,7 @@ constexpr std::array<int16_t, 256> BuildIndex() {
 constexpr std::array<int16_t, 256> kIndex = BuildIndex();
 
 struct SVariantRow {
-    bool SCodeVariants::* applies;
+    bool SCodeVariants::*applies;
     SVcpCodeRow row;
 };
 

@@ -31,9 +31,9 @@ CApplicationRules CApplicationRules::FromText(const std::string& text_I, const s
         return rules;
     }
     for (const json& entry : file["rules"]) {
-        const bool whole = entry.is_object() && entry.contains("application") && entry["application"].is_string() &&
-                           entry.contains("profile") && entry["profile"].is_string() &&
-                           !entry["application"].get<std::string>().empty() &&
+        const bool whole = entry.is_object() && entry.contains("application") &&
+                           entry["application"].is_string() && entry.contains("profile") &&
+                           entry["profile"].is_string() && !entry["application"].get<std::string>().empty() &&
                            !entry["profile"].get<std::string>().empty();
         if (!whole) {
             problem_O = "a rule without an application and a profile was left out";

@@ -18,7 +18,8 @@ struct SApplicationRule {
 class CApplicationRules {
 public:
     // The rules in a file's text; problem_O names what was left out or why there are none.
-    static CApplicationRules FromText(const std::string& text_I, const std::string& folder_I, std::string& problem_O);
+    static CApplicationRules FromText(const std::string& text_I, const std::string& folder_I,
+                                      std::string& problem_O);
     // A missing file has no rules (and no problem).
     static CApplicationRules FromFile(const std::string& path_I, std::string& problem_O);
     // The text of a file with no rules yet and one example, for the user to edit.

@@ -36,7 +36,7 @@ std::string RevertLabel(const UiDisplayDelegate& display_I, uint8_t code_I);
 struct STarget {
     std::optional<ESetting> setting;
     uint8_t code = 0;
-    std::string text;  // as written
+    std::string text;       // as written
     bool justRead = false;  // its value was read from the display while it was looked up
 };
 

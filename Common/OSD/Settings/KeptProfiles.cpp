@@ -40,8 +40,8 @@ bool CKeptProfiles::LoadText(const std::string& text_I, std::string& problem_O) 
     }
     for (const json& entry : file["kept"]) {
         const bool whole = entry.is_object() && entry.contains("model") && entry["model"].is_string() &&
-                           entry.contains("serial") && entry["serial"].is_string() && entry.contains("profile") &&
-                           entry["profile"].is_string();
+                           entry.contains("serial") && entry["serial"].is_string() &&
+                           entry.contains("profile") && entry["profile"].is_string();
         if (!whole) {
             problem_O = mFile + ": an entry without a model, serial number and profile was left out";
             continue;
@@ -60,14 +60,16 @@ bool CKeptProfiles::Store(std::string& problem_O) const {
     return WriteTextFile(mFile, json{{"kept", kept}}.dump(2) + "\n", problem_O);
 }
 
-void CKeptProfiles::Keep(const std::string& model_I, const std::string& serial_I, const std::string& profile_I) {
+void CKeptProfiles::Keep(const std::string& model_I, const std::string& serial_I,
+                         const std::string& profile_I) {
     Forget(model_I, serial_I);
     mKept.push_back({model_I, serial_I, profile_I});
 }
 
 bool CKeptProfiles::Forget(const std::string& model_I, const std::string& serial_I) {
-    return std::erase_if(mKept, [&](const SKeptProfile& kept_I) { return SameDisplay(kept_I, model_I, serial_I); }) !=
-           0;
+    return std::erase_if(mKept, [&](const SKeptProfile& kept_I) {
+               return SameDisplay(kept_I, model_I, serial_I);
+           }) != 0;
 }
 
 std::optional<SKeptProfile> CKeptProfiles::Of(const std::string& model_I, const std::string& serial_I) const {
@@ -81,7 +83,8 @@ std::optional<SKeptProfile> CKeptProfiles::Of(const std::string& model_I, const 
 
 std::string ProgramStateFolder(bool demo_I) {
     // The demo's files go beside the demo's state where that was placed on purpose.
-    if (const char* demoState = std::getenv("VLR_DEMO_STATE"); demo_I && demoState != nullptr && *demoState != '\0') {
+    if (const char* demoState = std::getenv("VLR_DEMO_STATE");
+        demo_I && demoState != nullptr && *demoState != '\0') {
         return Utf8String(Utf8Path(demoState).parent_path());
     }
     return UserStateFolder();

@@ -106,7 +106,8 @@ bool Offers(const SSettingState& state_I, int32_t value_I) {
 
 // What the display will read and write of the profile, in the order it is written, and what
 // it cannot take.
-std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile_I, SProfileReport& report_O) {
+std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile_I,
+                           SProfileReport& report_O) {
     std::vector<SPlanned> planned;
     std::vector<std::string> seen;
     const auto skip = [&](const std::string& name_I, EProfileOutcome outcome_I, std::string detail_I) {
@@ -116,7 +117,8 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
         const std::optional<ESetting> setting = SettingByName(value.name);
         const SChannelName* channel = setting ? nullptr : ChannelByName(value.name);
         if (!setting && channel == nullptr) {
-            skip(value.name, EProfileOutcome::Invalid, "not a setting's name" + NearestProfileNameHint(value.name));
+            skip(value.name, EProfileOutcome::Invalid,
+                 "not a setting's name" + NearestProfileNameHint(value.name));
             continue;
         }
         const std::string name = setting ? SettingName(*setting) : channel->name;
@@ -137,7 +139,8 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
             }
             item.code = ChannelCode(*channel);
             item.rank = 1;
-            if (!value.number || (!display_I.AllowsRawColorValues() && (*value.number < 0 || *value.number > 100))) {
+            if (!value.number ||
+                (!display_I.AllowsRawColorValues() && (*value.number < 0 || *value.number > 100))) {
                 skip(name, EProfileOutcome::Invalid, "not a value this display takes (0 to 100)");
                 continue;
             }
@@ -162,7 +165,9 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
         if (!wanted) {
             const bool number = value.text.find_first_not_of("-0123456789") == std::string::npos;
             skip(name, EProfileOutcome::Invalid,
-                 "\"" + value.text + (number ? "\" is far outside what any setting takes" : "\" is not one of its choices here"));
+                 "\"" + value.text +
+                     (number ? "\" is far outside what any setting takes"
+                             : "\" is not one of its choices here"));
             continue;
         }
         item.offered = Offers(state, *wanted);
@@ -295,7 +300,8 @@ std::string NearestProfileNameHint(const std::string& name_I) {
 
 std::optional<SProfile> ProfileFromText(const std::string& text_I, std::string& problem_O) {
     const Json json = Json::parse(text_I, nullptr, false);
-    if (json.is_discarded() || !json.is_object() || !json.contains("settings") || !json["settings"].is_object()) {
+    if (json.is_discarded() || !json.is_object() || !json.contains("settings") ||
+        !json["settings"].is_object()) {
         problem_O = "not a profile (a JSON object with \"settings\")";
         return std::nullopt;
     }
@@ -360,12 +366,14 @@ bool WriteProfileFile(const std::string& path_I, const SProfile& profile_I, std:
     return WriteTextFile(path_I, ProfileText(profile_I), problem_O);
 }
 
-SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I, const std::string& serial_I) {
+SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I,
+                        const std::string& serial_I) {
     SProfile profile{model_I, serial_I, {}};
     std::vector<uint8_t> codes;
     for (const SSettingRow& row : SettingRows()) {
         const uint8_t code = display_I.Traits().SettingCode(row.setting);
-        const bool sameCodeAsAnother = code != 0 && std::find(codes.begin(), codes.end(), code) != codes.end();
+        const bool sameCodeAsAnother =
+            code != 0 && std::find(codes.begin(), codes.end(), code) != codes.end();
         if (row.kind == ESettingKind::Action || sameCodeAsAnother) {
             continue;  // an action is no setting; scan mode is the aspect ratio where both use 0xDA
         }
@@ -377,7 +385,8 @@ SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I
         // for Battery Mode, a state no choice of the setting writes.
         if (state.supported && state.writable && state.valid && Offers(state, state.value)) {
             // A choice by its name: another family may reach the same choice with another number.
-            const std::string choice = NameOfValue(display_I, STarget{row.setting, code, row.name}, state.value);
+            const std::string choice =
+                NameOfValue(display_I, STarget{row.setting, code, row.name}, state.value);
             if (!choice.empty()) {
                 profile.values.push_back({row.name, std::nullopt, choice});
             } else {

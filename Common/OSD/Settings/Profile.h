@@ -48,7 +48,8 @@ bool WriteProfileFile(const std::string& path_I, const SProfile& profile_I, std:
 
 // What the display has now of every setting it lets the user change, and of its custom colour.
 // Values that do not read are left out.
-SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I, const std::string& serial_I);
+SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I,
+                        const std::string& serial_I);
 
 // What became of one value of the profile.
 enum class EProfileOutcome {

@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <set>
 
-#include "TextFile.h"
 #include "ApplicationRules.h"
 #include "Clock.h"
 #include "DebugLog.h"
+#include "TextFile.h"
 
 namespace {
 
@@ -28,7 +28,8 @@ std::vector<std::string> NamesWith(const SProfileReport& report_I, EProfileOutco
 std::string DisplayFileName(const std::string& name_I) {
     std::string name;
     for (char c : name_I) {
-        const bool plain = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == ' ' || c == '.' || c == '-';
+        const bool plain =
+            std::isalnum(static_cast<unsigned char>(c)) != 0 || c == ' ' || c == '.' || c == '-';
         name += plain ? c : '_';
     }
     return name;
@@ -53,7 +54,10 @@ SProfile ValuesNowOf(UiDisplayDelegate& display_I, const SProfile& profile_I) {
 
 CSettingsKeeper::CSettingsKeeper(IKeeperDesk& desk_I, std::string keptFile_I, std::string rulesFile_I,
                                  std::function<Duration()> now_I)
-    : mDesk(desk_I), mNow(std::move(now_I)), mKeptFile(std::move(keptFile_I)), mRulesFile(std::move(rulesFile_I)) {}
+    : mDesk(desk_I),
+      mNow(std::move(now_I)),
+      mKeptFile(std::move(keptFile_I)),
+      mRulesFile(std::move(rulesFile_I)) {}
 
 Duration CSettingsKeeper::Now() const {
     return mNow ? mNow() : Clock::Get().Now();
@@ -151,8 +155,8 @@ void CSettingsKeeper::RestoreRound() {
             continue;
         }
         if (!Apply(display, *profile, result)) {
-            DLog("Keeper: %s %s not restored yet (attempt %d)\n", display.model.c_str(), display.serial.c_str(),
-                 mAttempt + 1);
+            DLog("Keeper: %s %s not restored yet (attempt %d)\n", display.model.c_str(),
+                 display.serial.c_str(), mAttempt + 1);
             again = true;
             if (mAttempt >= kRetries) {
                 done.push_back(result);  // given up: said once
@@ -298,7 +302,8 @@ std::vector<SKeeperResult> CSettingsKeeper::KeepCurrent(const std::string& profi
         }
         const std::string path = Utf8String(
             Utf8Path(profilesFolder_I) / (DisplayFileName(display.model + " " + display.serial) + ".json"));
-        if (!WriteProfileFile(path, CaptureProfile(*display.display, display.model, display.serial), problem)) {
+        if (!WriteProfileFile(path, CaptureProfile(*display.display, display.model, display.serial),
+                              problem)) {
             result.kind = SKeeperResult::EKind::ProfileUnreadable;
             result.problem = problem;
         } else {

@@ -29,7 +29,8 @@ std::optional<SStudioEntry> EntryFrom(const Json& json_I, const std::string& whe
     for (const auto& [key, value] : json_I.items()) {
         // A misspelt "serial" would set every display of the model: the entry is left out.
         if (key != "model" && key != "serial" && key != "keep" && key != "settings" && key != "description") {
-            problems_IO.push_back(where_I + ": \"" + key + "\" is not a part of an entry (model, serial, keep, settings)");
+            problems_IO.push_back(where_I + ": \"" + key +
+                                  "\" is not a part of an entry (model, serial, keep, settings)");
             return std::nullopt;
         }
     }
@@ -57,7 +58,8 @@ std::optional<SStudioEntry> EntryFrom(const Json& json_I, const std::string& whe
     }
     std::string problem;
     std::optional<SProfile> profile = ProfileFromText(
-        Json{{"model", entry.model}, {"serial", entry.serial}, {"settings", json_I["settings"]}}.dump(), problem);
+        Json{{"model", entry.model}, {"serial", entry.serial}, {"settings", json_I["settings"]}}.dump(),
+        problem);
     if (!profile) {
         problems_IO.push_back(where_I + ": " + problem);
         return std::nullopt;
@@ -100,7 +102,8 @@ std::string PlainModelName(const std::string& model_I) {
 
 std::optional<SStudioFile> StudioFromText(const std::string& text_I, std::string& problem_O) {
     const Json json = Json::parse(text_I, nullptr, false);
-    if (json.is_discarded() || !json.is_object() || !json.contains("displays") || !json["displays"].is_array()) {
+    if (json.is_discarded() || !json.is_object() || !json.contains("displays") ||
+        !json["displays"].is_array()) {
         problem_O = "not a studio file (a JSON object with a list of \"displays\")";
         return std::nullopt;
     }
@@ -111,9 +114,11 @@ std::optional<SStudioFile> StudioFromText(const std::string& text_I, std::string
         if (!entry) {
             continue;
         }
-        const bool twice = std::any_of(studio.entries.begin(), studio.entries.end(), [&](const SStudioEntry& other_I) {
-            return PlainModelName(other_I.model) == PlainModelName(entry->model) && other_I.serial == entry->serial;
-        });
+        const bool twice =
+            std::any_of(studio.entries.begin(), studio.entries.end(), [&](const SStudioEntry& other_I) {
+                return PlainModelName(other_I.model) == PlainModelName(entry->model) &&
+                       other_I.serial == entry->serial;
+            });
         if (twice) {
             // Which of the two was meant cannot be told: the first stands.
             studio.problems.push_back(where + ": " + entry->model +

@@ -199,7 +199,8 @@ std::string CVcpHIDConnector::CapabilitiesString() {
         // The text stops at a NUL; the offset moves on by every data byte.
         const auto data = status.begin() + kCapabilitiesDataStart;
         const auto end = status.begin() + static_cast<std::ptrdiff_t>(kCapabilitiesLengthByte + 2 + n);
-        return SPart{SPart::EKind::Data, ByteBuffer(data, std::find(data, end, 0)), static_cast<size_t>(n - 2)};
+        return SPart{SPart::EKind::Data, ByteBuffer(data, std::find(data, end, 0)),
+                     static_cast<size_t>(n - 2)};
     };
     const ByteBuffer text = ReadInParts(read).data;
     if (!text.empty()) {
@@ -235,8 +236,8 @@ std::string CVcpHIDConnector::MonitorName() {
 
 std::string CVcpHIDConnector::SerialNumber(int32_t) {
     if (mSerialNumber.empty()) {
-        mSerialNumber = ReadDisplayInformationText(
-            kSerialNumberStart, kSerialNumberStart + kInformationTextSize, "SerialNumber");
+        mSerialNumber = ReadDisplayInformationText(kSerialNumberStart,
+                                                   kSerialNumberStart + kInformationTextSize, "SerialNumber");
         DLog("CVcpHIDConnector::SerialNumber: %s\n", mSerialNumber.c_str());
     }
     return mSerialNumber;
@@ -255,7 +256,6 @@ SFirmwareVersion CVcpHIDConnector::FWVersion() {
         return {};
     }
     mFirmwareVersion = {status[HidVcp::kMaximumLowByte], status[HidVcp::kMaximumLowByte + 1],
-                        status[HidVcp::kCurrentLowByte],
-                        kFirmwareVersionKindVcpC9, 0};
+                        status[HidVcp::kCurrentLowByte], kFirmwareVersionKindVcpC9, 0};
     return mFirmwareVersion;
 }

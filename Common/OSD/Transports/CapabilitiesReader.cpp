@@ -29,7 +29,9 @@ std::string ReadCapabilitiesByOffset(Connector& connector_I, const SCapabilities
     read.onBadPart = [](uint16_t offset_I, int attempt_I) {
         DLog("ReadCapabilitiesByOffset: bad reply at offset %u (attempt %i)\n", offset_I, attempt_I);
     };
-    read.onGiveUp = [](uint16_t offset_I) { DLog("ReadCapabilitiesByOffset: giving up at offset %u\n", offset_I); };
+    read.onGiveUp = [](uint16_t offset_I) {
+        DLog("ReadCapabilitiesByOffset: giving up at offset %u\n", offset_I);
+    };
     SPartsRead parts = ReadInParts(read);
     if (parts.gaveUp) {
         return {};

@@ -51,8 +51,8 @@ ByteBuffer CI2CConnectorDP::ReadVendorTable(uint8_t table_I) {
         return SPart::Taken(ByteBuffer(reply.begin() + Ddc::kOffsetReplyHeaderSize, reply.end() - 1));
     };
     read.onBadPart = [table_I](uint16_t offset, int attempt) {
-        DLog("CI2CConnectorDP::ReadVendorTable: bad reply for table 0x%X at %u (attempt %i)\n", table_I, offset,
-             attempt);
+        DLog("CI2CConnectorDP::ReadVendorTable: bad reply for table 0x%X at %u (attempt %i)\n", table_I,
+             offset, attempt);
     };
     read.onGiveUp = [table_I](uint16_t offset) {
         DLog("CI2CConnectorDP::ReadVendorTable: giving up on table 0x%X at %u\n", table_I, offset);

@@ -31,7 +31,7 @@ void Pins(ByteBuffer& stream_IO, uint8_t value_I, uint8_t direction_I, int repea
 ByteBuffer CMpsseI2CMaster::SetupStream() {
     // Open-drain lines let a display hold SCL low; adaptive clocking makes the engine wait for it.
     ByteBuffer stream = {kDisableClockDivide5, kEnableAdaptiveClocking, kEnableThreePhaseClocking,
-                         kDriveOnlyZero, kSclPin | kSdaPin, 0x00};
+                         kDriveOnlyZero,       kSclPin | kSdaPin,       0x00};
     Pins(stream, kSclHighSdaHigh, kBothOutputs);
     stream.insert(stream.end(), {kSetClockDivisor, static_cast<uint8_t>(kDivisor100kHz & 0xFF),
                                  static_cast<uint8_t>(kDivisor100kHz >> 8), kLoopbackOff});

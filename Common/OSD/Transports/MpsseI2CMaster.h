@@ -1,8 +1,8 @@
 #pragma once
 // An I2C master on the MPSSE engine of an FTDI FT232H, as FTDI's application notes describe it:
 // SCL on ADBUS0, SDA out on ADBUS1 and SDA in on ADBUS2 (wired together), three-phase data
-// clocking at 100 kHz, SCL and SDA open-drain. Each operation is sent as one command stream; acknowledge bits come
-// back as one byte each.
+// clocking at 100 kHz, SCL and SDA open-drain. Each operation is sent as one command stream; acknowledge bits
+// come back as one byte each.
 
 #include <cstdint>
 #include <memory>

@@ -5,7 +5,8 @@ SPartsRead ReadInParts(const SReadInParts& read_I) {
     uint16_t offset = 0;
     for (size_t parts = 0; parts < read_I.maxParts && result.data.size() < kMaxReadInPartsSize; ++parts) {
         SPart part = SPart::Bad();
-        for (int attempt = 1; attempt <= read_I.attemptsPerPart && part.kind == SPart::EKind::Bad; ++attempt) {
+        for (int attempt = 1; attempt <= read_I.attemptsPerPart && part.kind == SPart::EKind::Bad;
+             ++attempt) {
             part = read_I.readPart(offset);
             if (part.kind == SPart::EKind::Bad && read_I.onBadPart) {
                 read_I.onBadPart(offset, attempt);

@@ -19,8 +19,8 @@ constexpr size_t kEdidChunkReplyBytes = Ddc::kEdidChunkDataOffset + Ddc::kEdidCh
 
 bool SetFactoryMode(Connector& connector_I, bool on_I) {
     DLog("Set Factory Mode %s\n", on_I ? "on" : "off");
-    ByteBuffer inBuffer =
-        connector_I.SendRequest(BuildFactoryModeRequest(on_I), kFactoryModeWaitSeconds, kFactoryModeReplySize, 0);
+    ByteBuffer inBuffer = connector_I.SendRequest(BuildFactoryModeRequest(on_I), kFactoryModeWaitSeconds,
+                                                  kFactoryModeReplySize, 0);
     DLogHex("Result", inBuffer);
     VLR_ASSERT_AS(inBuffer.size() == Ddc::kNullMessageSize, "inBuffer.size() == 3");
     if (inBuffer.size() != Ddc::kNullMessageSize) {

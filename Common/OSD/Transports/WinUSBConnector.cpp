@@ -137,7 +137,8 @@ std::string CWinUSBConnector::CapabilitiesString() {
         if (offset == 0) {
             VLR_ASSERT(inBuffer[HEADER_SIZE] == '(');
         }
-        return SPart::Taken(ByteBuffer(inBuffer.begin() + HEADER_SIZE, inBuffer.begin() + HEADER_SIZE + count));
+        return SPart::Taken(
+            ByteBuffer(inBuffer.begin() + HEADER_SIZE, inBuffer.begin() + HEADER_SIZE + count));
     };
     const ByteBuffer caps = ReadInParts(read).data;
     std::string capabilitiesStr(caps.begin(), caps.end());

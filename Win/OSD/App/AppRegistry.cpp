@@ -88,8 +88,8 @@ void WriteKeepSettings(bool on_I) {
 }
 
 bool StartsKeeperAtLogOn() {
-    return RegGetValueW(HKEY_CURRENT_USER, kRunKey, kKeeperRunValue, RRF_RT_REG_SZ, nullptr, nullptr, nullptr) ==
-           ERROR_SUCCESS;
+    return RegGetValueW(HKEY_CURRENT_USER, kRunKey, kKeeperRunValue, RRF_RT_REG_SZ, nullptr, nullptr,
+                        nullptr) == ERROR_SUCCESS;
 }
 
 bool SetKeeperStartsAtLogOn(bool on_I) {
@@ -104,8 +104,9 @@ bool SetKeeperStartsAtLogOn(bool on_I) {
         wchar_t path[MAX_PATH] = {};
         GetModuleFileNameW(nullptr, path, MAX_PATH);
         const std::wstring command = L"\"" + std::wstring(path) + L"\" /tray";
-        status = RegSetValueExW(key, kKeeperRunValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
-                                static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
+        status =
+            RegSetValueExW(key, kKeeperRunValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                           static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
     } else {
         status = RegDeleteValueW(key, kKeeperRunValue);
         if (status == ERROR_FILE_NOT_FOUND) {

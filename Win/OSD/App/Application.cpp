@@ -4,8 +4,8 @@
 
 #include "CMainDialog.h"
 #include "CTrayKeeper.h"
-#include "InUseMark.h"
 #include "DebugLog.h"
+#include "InUseMark.h"
 #include "LanguageProvider.h"
 #include "MessageWindows.h"
 #include "ResourceUtils.h"

@@ -11,7 +11,8 @@ bool CreateOwnProcess(const std::wstring& commandLine_I) {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                        &process)) {
         DLog("KeeperProcess: did not start (%lu)\n", GetLastError());
         return false;
     }

@@ -54,8 +54,8 @@ std::wstring Escaped(const std::wstring& text_I) {
 
 }  // namespace
 
-std::vector<std::wstring> Mark(const std::vector<std::wstring>& captions_I, const std::vector<std::wstring>& english_I,
-                               bool bracketed_I) {
+std::vector<std::wstring> Mark(const std::vector<std::wstring>& captions_I,
+                               const std::vector<std::wstring>& english_I, bool bracketed_I) {
     std::vector<std::wstring> marked;
     std::set<wchar_t> taken;
     for (size_t i = 0; i < captions_I.size(); ++i) {

@@ -13,7 +13,7 @@ namespace AccessKeys {
 // The captions with their keys marked by "&" (a "&" in a text is doubled). english_I holds the
 // same captions in English, used for the bracketed form; captions without a free letter stay
 // without a key.
-std::vector<std::wstring> Mark(const std::vector<std::wstring>& captions_I, const std::vector<std::wstring>& english_I,
-                               bool bracketed_I);
+std::vector<std::wstring> Mark(const std::vector<std::wstring>& captions_I,
+                               const std::vector<std::wstring>& english_I, bool bracketed_I);
 
 }  // namespace AccessKeys

@@ -11,8 +11,8 @@
 #include <array>
 
 #include "CustomColor.h"
-#include "DialogIds.h"
 #include "DialogHost.h"
+#include "DialogIds.h"
 #include "DialogImpl.h"
 
 class UiDisplayDelegate;

@@ -39,8 +39,9 @@ std::wstring WithErrorAdvice(const std::wstring& text_I) {
         if (code == 0) {
             continue;  // "zero string length, errcode: 0": no code to explain
         }
-        const wchar_t* what = L"Windows could not talk to the display. Check that it is connected and "
-                              L"switched on, then start the program again.";
+        const wchar_t* what =
+            L"Windows could not talk to the display. Check that it is connected and "
+            L"switched on, then start the program again.";
         for (const SAdvice& row : kAdvice) {
             if (code >= row.first && code <= row.last) {
                 what = row.advice;

@@ -146,7 +146,8 @@ UINT WindowDpi(HWND window_I) {
 
 // "\n\nDisplay: Velor Studio 24", or nothing without a name.
 std::wstring DisplayLine(const std::wstring& displayName_I, LANGID language_I) {
-    return displayName_I.empty() ? std::wstring() : L"\n\n" + Text(kDisplayLabel, language_I) + L" " + displayName_I;
+    return displayName_I.empty() ? std::wstring()
+                                 : L"\n\n" + Text(kDisplayLabel, language_I) + L" " + displayName_I;
 }
 
 }  // namespace
@@ -201,15 +202,17 @@ bool AskKeepDarkSettings(HWND owner_I, LANGID language_I) {
 
 bool ConfirmFactoryReset(HWND owner_I, const std::wstring& displayName_I, LANGID language_I) {
     const std::wstring text = Text(kFactoryResetWarning, language_I) + L"\n" +
-                              Text(kFactoryResetQuestion, language_I) + DisplayLine(displayName_I, language_I);
+                              Text(kFactoryResetQuestion, language_I) +
+                              DisplayLine(displayName_I, language_I);
     return MessageBoxW(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(), kFactoryResetStyle) ==
            IDOK;
 }
 
 bool ConfirmLcdConditioning(HWND owner_I, const std::wstring& displayName_I, LANGID language_I) {
-    const std::wstring text = Text(kLcdConditioningQuestion, language_I) + DisplayLine(displayName_I, language_I);
-    return MessageBoxW(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(), kLcdConditioningStyle) ==
-           IDOK;
+    const std::wstring text =
+        Text(kLcdConditioningQuestion, language_I) + DisplayLine(displayName_I, language_I);
+    return MessageBoxW(owner_I, text.c_str(), Text(kProductTitle, language_I).c_str(),
+                       kLcdConditioningStyle) == IDOK;
 }
 
 void ShowHelpNotOpened(HWND owner_I, const std::wstring& address_I, LANGID language_I) {

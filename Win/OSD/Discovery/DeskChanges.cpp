@@ -11,7 +11,8 @@ constexpr GUID kWatchedInterfaces[] = {
     {0x86E0D1E0, 0x8089, 0x11D0, {0x9C, 0xE4, 0x08, 0x00, 0x3E, 0x30, 0x1F, 0x73}},
 };
 // GUID_CONSOLE_DISPLAY_STATE: the display was switched off, dimmed or on.
-constexpr GUID kConsoleDisplayState = {0x6FE69556, 0x704A, 0x47A0, {0x8F, 0x24, 0xC2, 0x8D, 0x93, 0x6F, 0xDA, 0x47}};
+constexpr GUID kConsoleDisplayState = {
+    0x6FE69556, 0x704A, 0x47A0, {0x8F, 0x24, 0xC2, 0x8D, 0x93, 0x6F, 0xDA, 0x47}};
 
 }  // namespace
 
@@ -47,7 +48,8 @@ void CDeskChangeRegistration::Register(HWND window_I) {
             mDeviceNotifications.push_back(handle);
         }
     }
-    mPowerNotification = RegisterPowerSettingNotification(window_I, &kConsoleDisplayState, DEVICE_NOTIFY_WINDOW_HANDLE);
+    mPowerNotification =
+        RegisterPowerSettingNotification(window_I, &kConsoleDisplayState, DEVICE_NOTIFY_WINDOW_HANDLE);
 }
 
 void CDeskChangeRegistration::Unregister() {

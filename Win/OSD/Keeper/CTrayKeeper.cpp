@@ -41,7 +41,7 @@ enum : uint32_t {
     kRulesText = 2953,
     kExitText = 2954,
     kRestoredTitle = 2955,
-    kRestoredText = 2956,     // "%1: %2 restored."
+    kRestoredText = 2956,      // "%1: %2 restored."
     kNotAnsweringText = 2957,  // "%1 did not answer; its settings could not be restored."
     kNotRestoredText = 2958,   // "%1: %2 could not be restored."
     kUnreadableText = 2959,    // "%1: the kept profile cannot be read."
@@ -83,7 +83,8 @@ std::wstring SettingLabel(const std::string& name_I, LANGID language_I) {
     }
     const size_t dash = name_I.find('-');
     std::wstring label;
-    for (const std::string& word : {name_I.substr(0, dash), dash == std::string::npos ? "" : name_I.substr(dash + 1)}) {
+    for (const std::string& word :
+         {name_I.substr(0, dash), dash == std::string::npos ? "" : name_I.substr(dash + 1)}) {
         for (const auto& [known, id] : kColorWords) {
             if (word == known) {
                 label += (label.empty() ? L"" : L" ") + Bare(Text(id, language_I));
@@ -138,8 +139,8 @@ int CTrayKeeper::Run() {
     // A hidden top-level window: broadcasts (device changes, power) reach only those.
     // Not the product title: the settings dialog takes a window of that title for a copy of
     // itself already running.
-    mWindow = CreateWindowExW(WS_EX_TOOLWINDOW, kWindowClass, L"Velor Display Settings Keeper", WS_POPUP, 0, 0, 0, 0,
-                              nullptr, nullptr, GetModuleHandleW(nullptr), this);
+    mWindow = CreateWindowExW(WS_EX_TOOLWINDOW, kWindowClass, L"Velor Display Settings Keeper", WS_POPUP, 0,
+                              0, 0, 0, nullptr, nullptr, GetModuleHandleW(nullptr), this);
     if (mWindow == nullptr) {
         DLog("Keeper: no window (%lu)\n", GetLastError());
         return 2;
@@ -149,8 +150,9 @@ int CTrayKeeper::Run() {
     deskChanges.Register(mWindow);
     mTaskbarCreated = RegisterWindowMessageW(L"TaskbarCreated");
     AddIcon();
-    mHook = SetWinEventHook(EVENT_SYSTEM_FOREGROUND, EVENT_SYSTEM_FOREGROUND, nullptr, &CTrayKeeper::ForegroundHook, 0,
-                            0, WINEVENT_OUTOFCONTEXT | WINEVENT_SKIPOWNPROCESS);
+    mHook =
+        SetWinEventHook(EVENT_SYSTEM_FOREGROUND, EVENT_SYSTEM_FOREGROUND, nullptr,
+                        &CTrayKeeper::ForegroundHook, 0, 0, WINEVENT_OUTOFCONTEXT | WINEVENT_SKIPOWNPROCESS);
     // Also asked twice a second: not every system sends the foreground event (Wine does not).
     SetTimer(mWindow, kForegroundTimer, kForegroundPollMs, nullptr);
     mWorker = std::thread([this] { Work(); });
@@ -160,8 +162,8 @@ int CTrayKeeper::Run() {
     HANDLE exitRequest = OpenKeeperExitRequest();
     bool running = true;
     while (running) {
-        const DWORD woken = MsgWaitForMultipleObjectsEx(exitRequest != nullptr ? 1 : 0, &exitRequest, INFINITE,
-                                                        QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+        const DWORD woken = MsgWaitForMultipleObjectsEx(exitRequest != nullptr ? 1 : 0, &exitRequest,
+                                                        INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
         if (exitRequest != nullptr && woken == WAIT_OBJECT_0) {
             DLog("Keeper: an installer asks every keeper to end\n");
             CloseHandle(exitRequest);
@@ -262,7 +264,8 @@ LRESULT CTrayKeeper::OnMessage(UINT message_I, WPARAM wParam_I, LPARAM lParam_I)
             }
             return 0;
         case kNotifyMessage: {
-            std::unique_ptr<std::vector<SKeeperResult>> results(reinterpret_cast<std::vector<SKeeperResult>*>(lParam_I));
+            std::unique_ptr<std::vector<SKeeperResult>> results(
+                reinterpret_cast<std::vector<SKeeperResult>*>(lParam_I));
             ShowNotification(*results);
             return 0;
         }
@@ -304,9 +307,9 @@ void CTrayKeeper::AddIcon() {
     icon.uFlags = NIF_ICON | NIF_TIP | NIF_MESSAGE;
     icon.uCallbackMessage = kTrayMessage;
     // Shared: loaded once and freed by the system, however often the shell asks for the icon.
-    icon.hIcon = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_APPLICATION_ICON),
-                                               IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
-                                               GetSystemMetrics(SM_CYSMICON), LR_SHARED));
+    icon.hIcon = static_cast<HICON>(
+        LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_APPLICATION_ICON), IMAGE_ICON,
+                   GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), LR_SHARED));
     lstrcpynW(icon.szTip, Text(kProductTitle, mLanguage).c_str(), ARRAYSIZE(icon.szTip));
     if (!Shell_NotifyIconW(NIM_ADD, &icon)) {
         DLog("Keeper: the notification area took no icon\n");
@@ -345,7 +348,8 @@ void CTrayKeeper::ShowMenu() {
         AppendMenuW(profiles, MF_STRING | MF_GRAYED, 0, Text(kNoProfilesText, mLanguage).c_str());
     }
     AppendMenuW(menu, MF_STRING, kOpenCommand, Text(kOpenText, mLanguage).c_str());
-    AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(profiles), Text(kApplyProfileText, mLanguage).c_str());
+    AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(profiles),
+                Text(kApplyProfileText, mLanguage).c_str());
     AppendMenuW(menu, MF_STRING, kKeepCurrentCommand, Text(kKeepCurrentText, mLanguage).c_str());
     AppendMenuW(menu, MF_STRING | (mKeeping ? MF_CHECKED : MF_UNCHECKED), kKeepCommand,
                 Text(kKeepText, mLanguage).c_str());
@@ -374,7 +378,8 @@ void CTrayKeeper::OnCommand(UINT command_I) {
         case kRulesCommand: OpenRules(); break;
         case kExitCommand: DestroyWindow(mWindow); break;
         default:
-            if (command_I >= kFirstProfileCommand && command_I - kFirstProfileCommand < mMenuProfiles.size()) {
+            if (command_I >= kFirstProfileCommand &&
+                command_I - kFirstProfileCommand < mMenuProfiles.size()) {
                 Post({SCommand::EKind::Apply, mMenuProfiles[command_I - kFirstProfileCommand], false});
             }
             break;
@@ -391,7 +396,8 @@ void CTrayKeeper::OpenSettings() {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process{};
-    if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+    if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                       &process)) {
         CloseHandle(process.hThread);
         CloseHandle(process.hProcess);
     } else {
@@ -423,13 +429,15 @@ void CTrayKeeper::ShowNotification(const std::vector<SKeeperResult>& results_I) 
         // Two to a line: Wine's notification does not wrap long lines.
         std::wstring settings;
         for (size_t i = 0; i < result.settings.size(); ++i) {
-            settings += (i == 0 ? L"" : (i % 2 == 0 ? L",\n" : L", ")) + SettingLabel(result.settings[i], mLanguage);
+            settings +=
+                (i == 0 ? L"" : (i % 2 == 0 ? L",\n" : L", ")) + SettingLabel(result.settings[i], mLanguage);
         }
         const std::wstring model = Widen(result.model);
         std::wstring line;
         switch (result.kind) {
             case SKeeperResult::EKind::Restored:
-                line = MessageWindows::Filled(Text(settings.empty() ? kMatchedText : kRestoredText, mLanguage), model, settings);
+                line = MessageWindows::Filled(
+                    Text(settings.empty() ? kMatchedText : kRestoredText, mLanguage), model, settings);
                 break;
             case SKeeperResult::EKind::Failed:
                 line = MessageWindows::Filled(Text(kNotRestoredText, mLanguage), model, settings);
@@ -512,7 +520,8 @@ void CTrayKeeper::Work() {
                 case SCommand::EKind::Keeping: keeper.SetKeeping(command.on); break;
                 case SCommand::EKind::Apply:
                 case SCommand::EKind::KeepCurrent: {
-                    const std::unique_ptr<CDisplayLock> every = HoldDisplayLock(kEveryDisplay, kEveryDisplayWait);
+                    const std::unique_ptr<CDisplayLock> every =
+                        HoldDisplayLock(kEveryDisplay, kEveryDisplayWait);
                     desk.Notify(command.kind == SCommand::EKind::Apply ? keeper.ApplyNow(command.text)
                                                                        : keeper.KeepCurrent(mFiles.profiles));
                     break;

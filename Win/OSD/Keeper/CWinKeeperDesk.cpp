@@ -11,8 +11,8 @@ CWinKeeperDesk::CWinKeeperDesk(const SStartupOptions& options_I, LANGID language
     mDiscovery->SetInterfaceLanguage(language_I);
     mDiscovery->SetInitializeAtOnce(!options_I.serialInit);
     if (!options_I.noCache) {
-        mDiscovery->SetCapabilitiesCache(
-            std::make_shared<CCapabilitiesCache>(CCapabilitiesCache::DefaultFile(!options_I.demoScenario.empty())));
+        mDiscovery->SetCapabilitiesCache(std::make_shared<CCapabilitiesCache>(
+            CCapabilitiesCache::DefaultFile(!options_I.demoScenario.empty())));
     }
 }
 

@@ -61,8 +61,8 @@ public:
 
 private:
     bool Check(FT_STATUS status_I) {
-        if (status_I == FT_INVALID_HANDLE || status_I == FT_DEVICE_NOT_FOUND || status_I == FT_DEVICE_NOT_OPENED ||
-            status_I == FT_IO_ERROR) {
+        if (status_I == FT_INVALID_HANDLE || status_I == FT_DEVICE_NOT_FOUND ||
+            status_I == FT_DEVICE_NOT_OPENED || status_I == FT_IO_ERROR) {
             mGone = true;
         }
         return status_I == FT_OK;

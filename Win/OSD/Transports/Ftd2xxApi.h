@@ -22,8 +22,8 @@ constexpr ULONG FT_DEVICE_232H = 8;
 struct SFtd2xxApi {
     FT_STATUS(WINAPI* FT_CreateDeviceInfoList)(LPDWORD);
     // index, flags, type, id, location, serial number, description, handle
-    FT_STATUS(WINAPI* FT_GetDeviceInfoDetail)(DWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPVOID, LPVOID,
-                                              FT_HANDLE*);
+    FT_STATUS(WINAPI* FT_GetDeviceInfoDetail)
+    (DWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPVOID, LPVOID, FT_HANDLE*);
     FT_STATUS(WINAPI* FT_Open)(int, FT_HANDLE*);
     FT_STATUS(WINAPI* FT_Close)(FT_HANDLE);
     FT_STATUS(WINAPI* FT_ResetDevice)(FT_HANDLE);

@@ -4,8 +4,8 @@
 
 #include <windows.h>
 // windows.h first: the HID headers need its types.
-#include <hidsdi.h>
 #include <hidpi.h>
+#include <hidsdi.h>
 
 struct SHidApi {
     HANDLE(WINAPI* CreateFileA)(LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE);

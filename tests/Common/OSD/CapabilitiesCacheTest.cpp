@@ -168,9 +168,10 @@ TEST(CapabilitiesCache, ADamagedEntryOrFileIsNeverUsedAndTheFreshReadReplacesIt)
     EXPECT_TRUE(startReads()) << "a string changed behind its check value";
     EXPECT_FALSE(startReads()) << "the fresh read replaced it";
 
-    for (const char* garbage : {"", "{", "[1,2,3]", "{\"capabilities-cache\": 1, \"entries\": 7}",
-                                "{\"capabilities-cache\": \"1\", \"entries\": []}",
-                                "{\"capabilities-cache\": 1, \"entries\": [{\"product\": \"x\", \"serial\": 3}]}"}) {
+    for (const char* garbage :
+         {"", "{", "[1,2,3]", "{\"capabilities-cache\": 1, \"entries\": 7}",
+          "{\"capabilities-cache\": \"1\", \"entries\": []}",
+          "{\"capabilities-cache\": 1, \"entries\": [{\"product\": \"x\", \"serial\": 3}]}"}) {
         SCOPED_TRACE(garbage);
         std::ofstream(folder.File(), std::ios::trunc) << garbage;
         EXPECT_TRUE(startReads());

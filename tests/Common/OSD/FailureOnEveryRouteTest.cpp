@@ -30,7 +30,8 @@ const char* RouteName(ERoute route_I) {
 struct SRouteBench {
     CVirtualClock clock;
     CScopedClock scoped{clock};
-    std::shared_ptr<CVirtualDisplay> display = std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset("studio-24"));
+    std::shared_ptr<CVirtualDisplay> display =
+        std::make_shared<CVirtualDisplay>(*FindVirtualDisplayPreset("studio-24"));
     std::shared_ptr<Connector> connector;
     std::function<void(unsigned)> loseWrites;
     std::unique_ptr<UiDisplayDelegate> delegate;
@@ -143,7 +144,9 @@ TEST_P(FailureOnEveryRoute, SaveAndBothResetsReportALostWrite) {
 
 INSTANTIATE_TEST_SUITE_P(Routes, FailureOnEveryRoute,
                          testing::Values(ERoute::I2cBridge, ERoute::Hid, ERoute::Serial),
-                         [](const testing::TestParamInfo<ERoute>& info_I) { return RouteName(info_I.param); });
+                         [](const testing::TestParamInfo<ERoute>& info_I) {
+                             return RouteName(info_I.param);
+                         });
 
 TEST_P(FailureOnEveryRoute, ACapabilitiesFragmentWithABadChecksumIsAskedForAgainAndNeverKept) {
     if (GetParam() != ERoute::I2cBridge) {

@@ -189,7 +189,8 @@ TEST(UiDisplayDelegate, EveryReportedFailureLeavesItsDetailAndTheNextOperationCl
     EXPECT_EQ(delegate.LastFailure(), "Battery Mode: Send request failed");
     // and a colour reset the display does not offer.
     UiDisplayDelegate plain(nullptr, 0x1070);
-    ASSERT_TRUE(plain.Initialize("(prot(monitor)type(lcd)model(x)cmds(01 02 03 0C F3)vcp(10 12)mccs_ver(2.2))"));
+    ASSERT_TRUE(
+        plain.Initialize("(prot(monitor)type(lcd)model(x)cmds(01 02 03 0C F3)vcp(10 12)mccs_ver(2.2))"));
     EXPECT_FALSE(plain.ResetColor());
     EXPECT_EQ(plain.LastFailure(), "Restore Factory Color Defaults: not supported by this display");
     EXPECT_TRUE(delegate.Revert());

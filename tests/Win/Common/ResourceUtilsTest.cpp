@@ -27,8 +27,8 @@ std::vector<uint32_t> IdsInUse() {
     for (uint32_t id = 2201; id <= 2230; ++id) {
         ids.push_back(id);
     }
-    for (uint32_t id : {2900, 2901, 2902, 2903, 2904, 2905, 2908, 2909, 2910, 2911, 2912, 2916, 2917, 2918, 2919,
-                        2920, 2921, 2922, 2923}) {
+    for (uint32_t id : {2900, 2901, 2902, 2903, 2904, 2905, 2908, 2909, 2910, 2911, 2912, 2916, 2917, 2918,
+                        2919, 2920, 2921, 2922, 2923}) {
         ids.push_back(id);
     }
     return ids;
@@ -150,6 +150,7 @@ TEST(ResourceUtils, EnergySmartIsTranslatedWhereTheLanguageHasAWord) {
         if (language == 0x09) {
             continue;
         }
-        EXPECT_EQ(LoadTableString(2208, language).find(L"Energy Smart"), std::wstring::npos) << std::hex << language;
+        EXPECT_EQ(LoadTableString(2208, language).find(L"Energy Smart"), std::wstring::npos)
+            << std::hex << language;
     }
 }

@@ -101,7 +101,8 @@ TEST(AdvancedDialog, SharpnessIsWrittenAtMostOnceASecond) {
     for (int step = 0; GetTickCount() - start < 3000; ++step) {
         last = step % 5;
         SendMessageW(slider, TBM_SETPOS, TRUE, last);
-        SendMessageW(program.page, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, last), reinterpret_cast<LPARAM>(slider));
+        SendMessageW(program.page, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, last),
+                     reinterpret_cast<LPARAM>(slider));
         Sleep(20);
     }
     EXPECT_LE(SetsOf(*studio, vcpC_Sharpness).size(), 3u);  // at most one a second while dragging
@@ -177,7 +178,9 @@ TEST(AdvancedDialog, OffOnPairsAndLcdConditioning) {
     canvas->ClearTransactions();
     program.Press(IDC_LCD_CONDITIONING_START, false);
     HWND box = nullptr;
-    ASSERT_TRUE(WaitFor([&] { return (box = FindDialog(kTitle, {program.dialog, program.page})) != nullptr; }));
+    ASSERT_TRUE(WaitFor([&] {
+        return (box = FindDialog(kTitle, {program.dialog, program.page})) != nullptr;
+    }));
     PostMessageW(box, WM_COMMAND, IDOK, 0);
     ASSERT_TRUE(WaitFor([&] { return !IsWindow(box); }));
     program.Settle();
@@ -284,7 +287,8 @@ TEST(AdvancedDialog, EveryControlOfTheWindowThatSetsSomethingHasItsSettingsRow) 
     // once did, another setting).
     int lists = 0;
     int offOn = 0;
-    for (HWND child = GetWindow(program.page, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+    for (HWND child = GetWindow(program.page, GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
         wchar_t type[64] = {};
         GetClassNameW(child, type, 64);
         const int id = GetDlgCtrlID(child);
@@ -302,7 +306,8 @@ TEST(AdvancedDialog, EveryControlOfTheWindowThatSetsSomethingHasItsSettingsRow) 
         } else if (_wcsicmp(type, L"Button") == 0 && (style & BS_PUSHLIKE) != 0) {
             ASSERT_TRUE(setting.has_value());
             EXPECT_EQ(SettingRowOf(*setting).kind, ESettingKind::OnOff);
-            EXPECT_EQ(on, id == IDC_ENERGY_SMART_ON || id == IDC_DYNAMIC_CONTRAST_ON || id == IDC_AUTO_POWER_DOWN_ON);
+            EXPECT_EQ(on, id == IDC_ENERGY_SMART_ON || id == IDC_DYNAMIC_CONTRAST_ON ||
+                              id == IDC_AUTO_POWER_DOWN_ON);
             ++offOn;
         } else if (_wcsicmp(type, L"Static") == 0) {
             EXPECT_FALSE(setting.has_value());  // labels set nothing

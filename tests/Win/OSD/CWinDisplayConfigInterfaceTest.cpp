@@ -503,7 +503,8 @@ TEST(WinDisplayConfigInterface, ASearchAtOnceFindsLogsAndAsksExactlyAsOneAfterAn
         // One display that never answers its capabilities: the others are found as ever.
         {"one-per-route", eConnectionAll,
          [](SVirtualMachine& m) {
-             m.hidInterfaces.back().display->Faults().FailNext(EFault::NoReply, 1000, ddcCC_CapabilitiesRequest);
+             m.hidInterfaces.back().display->Faults().FailNext(EFault::NoReply, 1000,
+                                                               ddcCC_CapabilitiesRequest);
          }},
         // One that answers only its third attempt over the serial port.
         {"one-per-route", eConnectionAll,

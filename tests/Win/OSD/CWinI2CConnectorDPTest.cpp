@@ -190,14 +190,16 @@ TEST(WinI2CConnectorDP, AMonitorThatSleepsOrIsRepluggedClosesTheConnector) {
     const int contrast = bench.display->Value(vcpC_Contrast);
     EXPECT_FALSE(display.SetContrast(contrast + 3));
     EXPECT_TRUE(log.Contains("failed with error 0xC026258D\n"));
-    EXPECT_TRUE(log.Contains("CWinI2CConnectorDP: the monitor's handle is no longer valid; the connector closes\n"));
+    EXPECT_TRUE(
+        log.Contains("CWinI2CConnectorDP: the monitor's handle is no longer valid; the connector closes\n"));
     EXPECT_FALSE(bench.connector->IsOpen());
     // Closed, it makes no more calls on the dead handle.
-    const size_t calls = bench.model->CallCount(EMcaCall::SetVCPFeature) +
-                         bench.model->CallCount(EMcaCall::GetVCPFeature);
+    const size_t calls =
+        bench.model->CallCount(EMcaCall::SetVCPFeature) + bench.model->CallCount(EMcaCall::GetVCPFeature);
     EXPECT_FALSE(display.SetContrast(contrast + 4));
-    EXPECT_EQ(bench.model->CallCount(EMcaCall::SetVCPFeature) + bench.model->CallCount(EMcaCall::GetVCPFeature),
-              calls);
+    EXPECT_EQ(
+        bench.model->CallCount(EMcaCall::SetVCPFeature) + bench.model->CallCount(EMcaCall::GetVCPFeature),
+        calls);
     EXPECT_EQ(display.LastFailure(), "Contrast: Send request failed");
 
     // A handle closed under the connector: the same.

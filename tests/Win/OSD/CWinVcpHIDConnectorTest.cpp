@@ -107,8 +107,9 @@ TEST(WinVcpHIDConnector, ACollectionWindowsKeepsOpensWithAccessZeroForFeatureRep
         ASSERT_TRUE(bench.connector->Open(kPath));
         EXPECT_EQ(CSimulatedHidApi::Counters().lastOpenAccess, 0u);
         EXPECT_EQ(CSimulatedHidApi::Counters().lastOpenFlags, static_cast<unsigned>(FILE_FLAG_OVERLAPPED));
-        EXPECT_TRUE(log.Contains(std::string("OpenFeatureHandle: ") + kPath + " refused reading and writing [" +
-                                 std::to_string(refusal) + "]; opened with access 0 for feature reports\n"));
+        EXPECT_TRUE(log.Contains(std::string("OpenFeatureHandle: ") + kPath +
+                                 " refused reading and writing [" + std::to_string(refusal) +
+                                 "]; opened with access 0 for feature reports\n"));
         UiDisplayDelegate display(bench.connector, 0x1075);
         EXPECT_TRUE(display.Initialize());
         EXPECT_TRUE(display.SetContrast(33));
@@ -118,8 +119,10 @@ TEST(WinVcpHIDConnector, ACollectionWindowsKeepsOpensWithAccessZeroForFeatureRep
     bench.api.SetDeviceTraits(kPath, 0, 512);
     CLogCapture log;
     ASSERT_TRUE(bench.connector->Open(kPath));
-    EXPECT_EQ(CSimulatedHidApi::Counters().lastOpenAccess, static_cast<unsigned>(GENERIC_READ | GENERIC_WRITE));
-    EXPECT_TRUE(log.Contains(std::string("OpenFeatureHandle: ") + kPath + " opened for reading and writing\n"));
+    EXPECT_EQ(CSimulatedHidApi::Counters().lastOpenAccess,
+              static_cast<unsigned>(GENERIC_READ | GENERIC_WRITE));
+    EXPECT_TRUE(
+        log.Contains(std::string("OpenFeatureHandle: ") + kPath + " opened for reading and writing\n"));
 }
 
 TEST(WinVcpHIDConnector, ReportsTakeTheCollectionsLengthWhenItIsLonger) {
@@ -152,7 +155,8 @@ TEST(WinVcpHIDConnector, AHungDeviceIsGivenUpOnAfterTheTimeOut) {
     EXPECT_FALSE(bench.connector->GetFeature(status));
     EXPECT_LT(GetTickCount() - start, 2000u);
     EXPECT_EQ(CSimulatedHidApi::Counters().cancels, 2u);
-    EXPECT_TRUE(log.Contains("CWinVcpHIDConnector: the device did not take the feature report within 50 ms; cancelled\n"));
+    EXPECT_TRUE(log.Contains(
+        "CWinVcpHIDConnector: the device did not take the feature report within 50 ms; cancelled\n"));
     EXPECT_TRUE(log.Contains("HidD_SetFeature returned an error: [1460]\n\n"));  // ERROR_TIMEOUT
 
     // It answers again once the firmware does.

@@ -13,8 +13,8 @@
 
 #include <fstream>
 
-#include "CColorSettingsDialog.h"
 #include "AppRegistry.h"
+#include "CColorSettingsDialog.h"
 #include "CMainDialog.h"
 #include "DialogIds.h"
 #include "DialogLayout.h"
@@ -208,7 +208,9 @@ TEST(Journey, TheCustomColourDialogAsksOncePerReleaseAndEnterAppliesATypedValue)
     // 10 and Enter in the red and green gain boxes: applied at once, nothing asked (blue still
     // gives light), and the dialog stays open.
     const int gain = eColorModGain * CColorSettingsDialog::kChannels;
-    auto slider = [&](int channel) { return GetDlgItem(colours, IDC_COLOR_MOD_SLIDER_FIRST + gain + channel); };
+    auto slider = [&](int channel) {
+        return GetDlgItem(colours, IDC_COLOR_MOD_SLIDER_FIRST + gain + channel);
+    };
     auto edit = [&](int channel) { return GetDlgItem(colours, IDC_COLOR_MOD_EDIT_FIRST + gain + channel); };
     canvas->ClearTransactions();
     for (int channel : {0, 1}) {
@@ -443,8 +445,8 @@ TEST(Journey, TheHotKeyDoesNothingWhileAnotherWindowIsInFront) {
     type.hInstance = GetModuleHandleW(nullptr);
     type.lpszClassName = L"AnotherProgram";
     RegisterClassW(&type);
-    HWND other = CreateWindowExW(0, L"AnotherProgram", L"Another program", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50,
-                                 50, 300, 200, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    HWND other = CreateWindowExW(0, L"AnotherProgram", L"Another program", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
+                                 50, 50, 300, 200, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
     ASSERT_NE(other, nullptr);
     // This thread owns the window: it takes the click (and the focus) only while it pumps.
     auto pump = [](int ms) {
@@ -589,7 +591,8 @@ TEST(Journey, SliderMovesDuringASearchReachNoDisplayAndTheDialogWorksAfterIt) {
     // input, and what arrives anyway finds no display while the list is rebuilt.
     HWND slider = program.Item(IDC_BRIGHTNESS_SLIDER);
     for (int position = 10; position <= 60; position += 10) {
-        PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, position), reinterpret_cast<LPARAM>(slider));
+        PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, position),
+                     reinterpret_cast<LPARAM>(slider));
     }
     PostMessageW(program.dialog, WM_HSCROLL, MAKEWPARAM(TB_ENDTRACK, 0), reinterpret_cast<LPARAM>(slider));
     ClickOn(slider);
@@ -646,7 +649,7 @@ TEST(Journey, DisplaysThatGoAndComeBackAreFoundAgainAndTheSelectedOneStaysSelect
     TypeInto(program.Item(IDC_BRIGHTNESS_EDIT), L"42");
     PressKey(VK_RETURN);
     program.Settle();
-    EXPECT_EQ(studio->Value(0x6B), 42);  // the Studio family's brightness is the maker's 0x6B
+    EXPECT_EQ(studio->Value(0x6B), 42);         // the Studio family's brightness is the maker's 0x6B
     EXPECT_TRUE(WindowsAre({program.dialog}));  // no error box on the way
 }
 
@@ -713,11 +716,14 @@ TEST(Journey, TheDesksEventsAsTheDemoPlaysThemLeaveTheDialogWorking) {
     // writes land.
     auto canvas = program.Display(0);
     program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::Sleep, nullptr});
-    program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::MenuChange, canvas, vcpC_Luminance, 40});
+    program.machine.Play(
+        {std::chrono::milliseconds(0), SDeskEvent::EKind::MenuChange, canvas, vcpC_Luminance, 40});
     program.machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::Wake, nullptr});
     const size_t listings = program.machine.MonitorConfiguration().CallCount(EMcaCall::GetPhysicalMonitors);
     ASSERT_TRUE(WaitFor(
-        [&] { return program.machine.MonitorConfiguration().CallCount(EMcaCall::GetPhysicalMonitors) > listings; },
+        [&] {
+            return program.machine.MonitorConfiguration().CallCount(EMcaCall::GetPhysicalMonitors) > listings;
+        },
         kSearchTimeMs));
     ASSERT_TRUE(WaitFor([&] { return VisibleWindows().size() == 1; }));
     program.Settle();

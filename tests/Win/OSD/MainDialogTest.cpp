@@ -14,7 +14,8 @@ TEST(ProgramManifest, NamesWindows10And11AndPerMonitorDpi) {
     ASSERT_NE(resource, nullptr);
     const char* bytes = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
     const std::string manifest(bytes, SizeofResource(nullptr, resource));
-    EXPECT_NE(manifest.find("<supportedOS Id=\"{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}\"/>"), std::string::npos);
+    EXPECT_NE(manifest.find("<supportedOS Id=\"{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}\"/>"),
+              std::string::npos);
     EXPECT_NE(manifest.find("PerMonitorV2"), std::string::npos);
 }
 
@@ -277,14 +278,16 @@ TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
         // The heading is 20 px at 96 DPI, and 30 px once the window is on a display at 150 %.
         auto headingHeight = [&] {
             LOGFONTW font{};
-            GetObjectW(reinterpret_cast<HFONT>(SendDlgItemMessageW(window, IDC_NO_DEVICE_HEADING, WM_GETFONT, 0, 0)),
-                       sizeof(font), &font);
+            GetObjectW(
+                reinterpret_cast<HFONT>(SendDlgItemMessageW(window, IDC_NO_DEVICE_HEADING, WM_GETFONT, 0, 0)),
+                sizeof(font), &font);
             return font.lfHeight;
         };
         EXPECT_EQ(headingHeight(), 20);
         RECT place{};
         GetWindowRect(window, &place);
-        SendMessageW(window, 0x02E0 /* WM_DPICHANGED */, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&place));
+        SendMessageW(window, 0x02E0 /* WM_DPICHANGED */, MAKEWPARAM(144, 144),
+                     reinterpret_cast<LPARAM>(&place));
         EXPECT_EQ(headingHeight(), 30);
         PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
         program.ui.join();
@@ -298,9 +301,10 @@ TEST(Program, NoDisplayGivesTheNoDeviceWindowAndAnErrorTextTheErrorWindow) {
     const std::wstring text = TextOf(GetDlgItem(window, IDC_ERROR_TEXT));
     EXPECT_EQ(text.rfind(L"Display: VLR1042  [Velor Canvas 24]\n", 0), 0u);
     // The code the user can look up, and what to do, after the text support knows.
-    EXPECT_NE(text.find(L"GetCapabilitiesStringLength, errcode: 3223725443\n\n0xC0262583: the display did not "
-                        L"answer over DDC/CI. Turn DDC/CI on in the display's menu"),
-              std::wstring::npos);
+    EXPECT_NE(
+        text.find(L"GetCapabilitiesStringLength, errcode: 3223725443\n\n0xC0262583: the display did not "
+                  L"answer over DDC/CI. Turn DDC/CI on in the display's menu"),
+        std::wstring::npos);
     PostMessageW(window, WM_COMMAND, IDC_WINDOW_OK, 0);
     program.ui.join();
     EXPECT_EQ(program.exitCode.load(), 2);

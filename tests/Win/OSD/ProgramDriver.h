@@ -10,9 +10,9 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
-#include <set>
 #include <initializer_list>
 #include <memory>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>

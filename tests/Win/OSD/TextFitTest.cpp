@@ -16,7 +16,7 @@
 
 namespace {
 
-const char* const kLanguageNames[] = {"de", "en", "es", "fr", "it", "ja", "ko",
+const char* const kLanguageNames[] = {"de", "en", "es", "fr", "it", "ja",    "ko",
                                       "nl", "pl", "pt", "ru", "tr", "zh_CN", "zh_TW"};
 
 // The size of a text in a control's font; with a width, as the control wraps it; with
@@ -25,7 +25,8 @@ SIZE Extent(HWND control, const std::wstring& text, int wrapWidth = 0, bool pref
     HDC dc = GetDC(control);
     HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
     RECT rect{0, 0, wrapWidth > 0 ? wrapWidth : 0, 0};
-    const UINT format = DT_CALCRECT | (prefixes ? 0 : DT_NOPREFIX) | (wrapWidth > 0 ? DT_WORDBREAK : DT_SINGLELINE);
+    const UINT format =
+        DT_CALCRECT | (prefixes ? 0 : DT_NOPREFIX) | (wrapWidth > 0 ? DT_WORDBREAK : DT_SINGLELINE);
     DrawTextW(dc, text.c_str(), -1, &rect, format);
     SelectObject(dc, old);
     ReleaseDC(control, dc);
@@ -143,9 +144,10 @@ TEST(TextFit, EveryTextFitsItsControlInEveryLanguage) {
 
         // The custom colour dialog.
         HWND mode = program.Item(IDC_COLOR_SETTING_LIST);
-        SendMessageW(mode, CB_SETCURSEL,
-                     SendMessageW(mode, CB_FINDSTRINGEXACT, WPARAM(-1), reinterpret_cast<LPARAM>(customColor.c_str())),
-                     0);
+        SendMessageW(
+            mode, CB_SETCURSEL,
+            SendMessageW(mode, CB_FINDSTRINGEXACT, WPARAM(-1), reinterpret_cast<LPARAM>(customColor.c_str())),
+            0);
         SendMessageW(program.dialog, WM_COMMAND, MAKEWPARAM(IDC_COLOR_SETTING_LIST, CBN_SELCHANGE),
                      reinterpret_cast<LPARAM>(mode));
         program.ClickAndLeave(IDC_CUSTOM_COLOR_BUTTON);

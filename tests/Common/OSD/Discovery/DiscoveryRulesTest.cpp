@@ -108,8 +108,8 @@ TEST(DiscoveryRules, PairingTakesTheOwnSerialNumberFirstThenAnyFreeChannelByMode
     std::vector<bool> taken = {false, false, false};
     auto pair = [&](const std::string& display, bool byModel) {
         return Discovery::PairBySerialThenByModel(
-            serials.size(), [&](size_t i) { return !taken[i]; }, [&](size_t i) { return serials[i]; }, display,
-            byModel);
+            serials.size(), [&](size_t i) { return !taken[i]; }, [&](size_t i) { return serials[i]; },
+            display, byModel);
     };
     EXPECT_EQ(pair("VC1070A00002", true), std::optional<size_t>(1));
     taken[1] = true;

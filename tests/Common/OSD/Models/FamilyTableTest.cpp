@@ -37,7 +37,8 @@ constexpr uint16_t kTestCode0350 = 0x1F50;
 constexpr uint16_t kTestCode0351 = 0x1F51;
 
 const SFamilyRow kFamilies[] = {
-    // family  edid    bright gamma              too dark               LED    scan   restart dynC   noFan  fine
+    // family  edid    bright gamma              too dark               LED    scan   restart dynC   noFan
+    // fine
     {0x0304, 0x1040, L, G::None, T::AllChannelsBelow20, true, false, false, false, false, false},
     {0x0333, 0x1046, L, G::None, T::AllChannelsBelow20, true, false, false, false, false, false},
     {0x0325, 0x1042, L, G::None, T::AllChannelsBelow20, true, false, false, false, false, false},

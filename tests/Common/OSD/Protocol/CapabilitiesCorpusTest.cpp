@@ -7,8 +7,8 @@
 #include <random>
 
 #include "CapabilitiesParser.h"
-#include "DisplayTraits.h"
 #include "DdcPackets.h"
+#include "DisplayTraits.h"
 #include "LogCapture.h"
 #include "TestData.h"
 

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr uint16_t kOtherDisplay = 0x1070;        // family 0x03A6
-constexpr uint16_t kProDisplay = 0x1060;       // family 0x037C: continuous gamma
+constexpr uint16_t kProDisplay = 0x1060;          // family 0x037C: continuous gamma
 constexpr uint16_t kEarlySerialDisplay = 0x1040;  // family 0x0304: 0xE4 is a colour preset
 
 VCPOptionsMap MapOf(const std::string& vcp, uint16_t edid = kOtherDisplay) {

@@ -6,7 +6,7 @@
 
 namespace {
 // Product codes of one display of each kind (EDID product code -> tablet family).
-constexpr uint16_t kProDisplay = 0x1060;       // family 0x037C
+constexpr uint16_t kProDisplay = 0x1060;          // family 0x037C
 constexpr uint16_t kEarlySerialDisplay = 0x1040;  // family 0x0304
 constexpr uint16_t kOtherDisplay = 0x1070;        // family 0x03A6
 }  // namespace
@@ -43,6 +43,7 @@ TEST(CodeInfo, SizesFollowTheAccess) {
 TEST(CodeInfo, GammaAndRedOffsetDependOnTheModel) {
     EXPECT_TRUE(BuildCodeInfoTable(DisplayTraitsFor(kProDisplay).codeVariants).at(0x72).Continuous());
     EXPECT_FALSE(BuildCodeInfoTable(DisplayTraitsFor(kOtherDisplay).codeVariants).at(0x72).Continuous());
-    EXPECT_FALSE(BuildCodeInfoTable(DisplayTraitsFor(kEarlySerialDisplay).codeVariants).at(0xE4).Continuous());
+    EXPECT_FALSE(
+        BuildCodeInfoTable(DisplayTraitsFor(kEarlySerialDisplay).codeVariants).at(0xE4).Continuous());
     EXPECT_TRUE(BuildCodeInfoTable(DisplayTraitsFor(kOtherDisplay).codeVariants).at(0xE4).Continuous());
 }

@@ -16,7 +16,6 @@ namespace {
 
 using SDelegateBench = TVirtualBench<UiDisplayDelegate>;
 
-
 std::set<std::string> NamesWith(const SProfileReport& report_I, EProfileOutcome outcome_I) {
     std::set<std::string> names;
     for (const SProfileItem& item : report_I.items) {
@@ -99,7 +98,8 @@ TEST(Profile, WhatIsSavedInAnyStateOfAnyFamilyIsAppliedInEveryOtherWithoutRefusa
                     EXPECT_EQ(target.display->Value(0xF4), *saved.batteryMode);
                 }
                 if (saved.batteryMode == 0 && now.batteryMode) {
-                    EXPECT_EQ(target.display->Value(0xF4), *now.batteryMode);  // on mains: nothing to give back
+                    EXPECT_EQ(target.display->Value(0xF4),
+                              *now.batteryMode);  // on mains: nothing to give back
                 }
             }
         }
@@ -200,7 +200,8 @@ TEST(Profile, AValuePlannedWhileItsReadFailedIsStillWrittenOnceTheDisplayAnswers
     bench.display->Faults().FailNext(EFault::NoReply, 1, 0x01, 0x87);
     const SProfileReport report = ApplyProfile(*bench.cdisplay, Parsed(R"({"settings": {"sharpness": 4}})"));
     EXPECT_GE(bench.display->CountRequests(0x01, 0x87), 2u);
-    EXPECT_EQ(NamesWith(report, EProfileOutcome::Restored), std::set<std::string>{"sharpness"}) << Shown(report);
+    EXPECT_EQ(NamesWith(report, EProfileOutcome::Restored), std::set<std::string>{"sharpness"})
+        << Shown(report);
     EXPECT_EQ(bench.display->Value(0x87), 4);
 }
 

@@ -44,8 +44,8 @@ public:
         for (const SDesked& entry : desk) {
             auto connector = std::make_shared<CVirtualDisplayConnector>(entry.display);
             connector->Open(0);
-            found.push_back(
-                {entry.model, entry.serial, std::make_shared<UiDisplayDelegate>(connector, entry.productCode)});
+            found.push_back({entry.model, entry.serial,
+                             std::make_shared<UiDisplayDelegate>(connector, entry.productCode)});
         }
         return found;
     }
@@ -54,7 +54,6 @@ public:
     }
     void Notify(const std::vector<SKeeperResult>& results) override { notified.push_back(results); }
 };
-
 
 struct SKeeperBench {
     CVirtualClock clock;
@@ -68,7 +67,9 @@ struct SKeeperBench {
         keeper = std::make_unique<CSettingsKeeper>(desk, (folder / "kept.json").string(),
                                                    (folder / "rules.json").string());
     }
-    ~SKeeperBench() { EXPECT_EQ(clock.RewindsRefused(), 0u) << "the virtual clock was asked to run backwards"; }
+    ~SKeeperBench() {
+        EXPECT_EQ(clock.RewindsRefused(), 0u) << "the virtual clock was asked to run backwards";
+    }
 
     std::string Write(const std::string& name, const std::string& text) {
         const std::string path = (folder / name).string();
@@ -104,8 +105,9 @@ TEST(SettingsKeeper, APowerCycledDisplayGetsItsProfileBackAfterItSettledAndOnlyW
     SKeeperBench bench("vlr-keeper-cycle");
     bench.desk.Add("canvas-22-pro", "S22");
     bench.desk.Add("studio-24", "S24");  // keeps no profile: never touched
-    bench.Keep("canvas-22-pro", "S22",
-               bench.Write("p.json", R"({"settings": {"brightness": 64, "contrast": 45, "colour-mode": 1}})"));
+    bench.Keep(
+        "canvas-22-pro", "S22",
+        bench.Write("p.json", R"({"settings": {"brightness": 64, "contrast": 45, "colour-mode": 1}})"));
     bench.Display(0).PowerCycle();
     bench.Display(0).ClearTransactions();
 
@@ -203,7 +205,7 @@ TEST(SettingsKeeper, AProfilePerApplicationFollowsTheForegroundOnceItIsStableAnd
     bench.Display(0).ClearTransactions();
     bench.keeper->ForegroundChanged("C:\\Windows\\explorer.exe");
     bench.RunFor(2s);
-    EXPECT_EQ(bench.Display(0).Value(0xE3), 0);  // its kept sRGB
+    EXPECT_EQ(bench.Display(0).Value(0xE3), 0);            // its kept sRGB
     EXPECT_EQ(bench.Display(1).Value(0xE3), studioSpace);  // what it had
     // Only the colour space was touched on the way back.
     const std::vector<uint8_t> written = CodesWritten(bench.Display(0));

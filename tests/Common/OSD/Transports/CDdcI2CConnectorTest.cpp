@@ -7,7 +7,6 @@
 #include "VirtualBench.h"
 #include "VirtualRoutes.h"
 
-
 TEST(DdcI2CConnector, PacketsGoToTheAddressTheirFirstByteNames) {
     SVirtualBench bench("studio-24");
     CBusConnector connector(bench.display);

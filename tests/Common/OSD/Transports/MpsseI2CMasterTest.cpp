@@ -48,7 +48,8 @@ TEST(MpsseI2CMaster, SetupSelects100kHzThreePhaseAdaptiveClockingWithOpenDrainLi
     ASSERT_EQ(channel.streams.size(), 2u);
     EXPECT_EQ(channel.streams[0], ByteBuffer{0xAA});
     // 0x96: adaptive clocking, so that a display stretching the clock is waited for.
-    EXPECT_EQ(channel.streams[1], (ByteBuffer{0x8A, 0x96, 0x8C, 0x9E, 0x03, 0x00, 0x80, 0x03, 0x03, 0x86, 0xC7, 0x00, 0x85}));
+    EXPECT_EQ(channel.streams[1],
+              (ByteBuffer{0x8A, 0x96, 0x8C, 0x9E, 0x03, 0x00, 0x80, 0x03, 0x03, 0x86, 0xC7, 0x00, 0x85}));
 
     CRecordingChannel silent;
     silent.answers = {0x00, 0x00};

@@ -33,7 +33,6 @@ std::shared_ptr<CVirtualDisplay> DisplayOf(const CSimulatedMachine& machine, uin
     return nullptr;
 }
 
-
 bool Read(const CVirtualDisplay& display, uint8_t code) {
     return display.CountRequests(0x01, code) != 0;
 }
@@ -53,7 +52,8 @@ struct SFiles {
         std::filesystem::remove_all(folder, ignored);
     }
     SKeeperFiles Keeper() const {
-        return {(folder / "kept.json").string(), (folder / "rules.json").string(), (folder / "profiles").string()};
+        return {(folder / "kept.json").string(), (folder / "rules.json").string(),
+                (folder / "profiles").string()};
     }
     std::string Write(const std::string& name, const std::string& text) const {
         const std::string path = (folder / name).string();
@@ -118,13 +118,15 @@ TEST(TrayKeeper, ADisplaySwitchedOffAndOnGetsItsKeptProfileBackReadThenOnlyWhatD
     EXPECT_FALSE(IsWindowVisible(tray.window));
     // Started at log-on: what the display keeps goes back.
     ASSERT_TRUE(WaitFor([&] { return canvas->Value(vcpC_Luminance) == 40; }, kRoundMs));
-    EXPECT_TRUE(WaitFor([&] { return CTrayKeeper::LastNotification() ==
-                                     L"Settings restored\nVelor Canvas 22 Pro:\nBrightness, Contrast restored."; }));
+    EXPECT_TRUE(WaitFor([&] {
+        return CTrayKeeper::LastNotification() ==
+               L"Settings restored\nVelor Canvas 22 Pro:\nBrightness, Contrast restored.";
+    }));
 
     canvas->ClearTransactions();
     machine.Play({std::chrono::milliseconds(0), SDeskEvent::EKind::PowerCycle, canvas});
-    ASSERT_TRUE(WaitFor([&] { return canvas->Value(vcpC_Luminance) == 40 && canvas->Value(vcpC_Contrast) == 45; },
-                        kRoundMs));
+    ASSERT_TRUE(WaitFor(
+        [&] { return canvas->Value(vcpC_Luminance) == 40 && canvas->Value(vcpC_Contrast) == 45; }, kRoundMs));
     EXPECT_EQ(CodesWritten(*canvas), (std::vector<uint8_t>{vcpC_Luminance, vcpC_Contrast}));
     // Each written value was read before and after.
     const std::vector<STransaction> log = canvas->Transactions();
@@ -154,7 +156,8 @@ TEST(TrayKeeper, TheDisplayTheSettingsDialogShowsIsLeftAloneUntilTheDialogCloses
     auto studio = DisplayOf(program->machine, 0x1070);
     ASSERT_TRUE(studio);
     SFiles files("vlr-tray-held");
-    files.Keep("Velor Studio 24", kStudioSerial, files.Write("studio.json", R"({"settings": {"contrast": 31}})"));
+    files.Keep("Velor Studio 24", kStudioSerial,
+               files.Write("studio.json", R"({"settings": {"contrast": 31}})"));
     studio->ClearTransactions();
 
     STray tray(files.Keeper());
