@@ -47,7 +47,7 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
         app.add_subcommand("caps", "The display's VCP codes and their values, from its capabilities");
     caps->add_option("display", display, "Index or serial number (see list)")->required();
     caps->callback([&] {
-        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Caps(found, json); });
+        result = tool.OnDisplay(display, [&](SFoundDisplay& found) { return tool.Caps(found, json); });
     });
 
     CLI::App* get =
@@ -55,7 +55,7 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     get->add_option("display", display, "Index or serial number")->required();
     get->add_option("settings", names, "Settings to read")->required();
     get->callback([&] {
-        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Get(found, names, json); });
+        result = tool.OnDisplay(display, [&](SFoundDisplay& found) { return tool.Get(found, names, json); });
     });
 
     CLI::App* set =
@@ -66,19 +66,19 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
         ->required();
     set->add_flag("--save", save, "Then make the display keep its settings");
     set->callback([&] {
-        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Set(found, names, save); });
+        result = tool.OnDisplay(display, [&](SFoundDisplay& found) { return tool.Set(found, names, save); });
     });
 
     CLI::App* saveCommand = app.add_subcommand("save", "Makes the display keep its current settings");
     saveCommand->add_option("display", display, "Index or serial number")->required();
     saveCommand->callback(
-        [&] { result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Save(found); }); });
+        [&] { result = tool.OnDisplay(display, [&](SFoundDisplay& found) { return tool.Save(found); }); });
 
     CLI::App* revert =
         app.add_subcommand("revert", "Undoes the changes made with this tool since the display last saved");
     revert->add_option("display", display, "Index or serial number")->required();
     revert->callback(
-        [&] { result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Revert(found); }); });
+        [&] { result = tool.OnDisplay(display, [&](SFoundDisplay& found) { return tool.Revert(found); }); });
 
     CLI::App* reset = app.add_subcommand("reset", "Factory reset (needs --yes) or colour reset");
     reset->add_option("display", display, "Index or serial number")->required();
@@ -90,7 +90,7 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
             result = CliExit::kBadUsage;
             return;
         }
-        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Reset(found, what, yes); });
+        result = tool.OnDisplay(display, [&](SFoundDisplay& found) { return tool.Reset(found, what, yes); });
     });
 
     CLI::App* profile =
@@ -100,15 +100,15 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     profileSave->add_option("display", display, "Index or serial number")->required();
     profileSave->add_option("file", file, "The profile")->required();
     profileSave->callback([&] {
-        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.ProfileSave(found, file); });
+        result = tool.OnDisplay(display, [&](SFoundDisplay& found) { return tool.ProfileSave(found, file); });
     });
     CLI::App* profileApply =
         profile->add_subcommand("apply", "Writes what differs from FILE, verifies, reports");
     profileApply->add_option("display", display, "Index or serial number")->required();
     profileApply->add_option("file", file, "The profile")->required();
     profileApply->callback([&] {
-        result =
-            tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.ProfileApply(found, file, json); });
+        result = tool.OnDisplay(display,
+                                [&](SFoundDisplay& found) { return tool.ProfileApply(found, file, json); });
     });
 
     CLI::App* check = app.add_subcommand(
@@ -116,7 +116,7 @@ int RunCommandLineTool(const std::vector<std::string>& args_I, IDisplaySource& s
     check->add_option("display", display, "Index or serial number")->required();
     check->add_option("profile", file, "The profile")->required();
     check->callback([&] {
-        result = tool.OnDisplay(display, [&](SCliDisplay& found) { return tool.Check(found, file, json); });
+        result = tool.OnDisplay(display, [&](SFoundDisplay& found) { return tool.Check(found, file, json); });
     });
 
     bool off = false;

@@ -37,7 +37,7 @@ std::string CDemoDisplays::DefaultStateFile() {
     return folder.empty() ? std::string() : Utf8String(Utf8Path(folder) / "demo.json");
 }
 
-std::vector<SCliDisplay>& CDemoDisplays::Displays() {
+std::vector<SFoundDisplay>& CDemoDisplays::Displays() {
     if (mSearched) {
         return mDisplays;
     }
@@ -73,7 +73,7 @@ std::vector<SCliDisplay>& CDemoDisplays::Displays() {
         connector->Open(0);
         auto display = std::make_shared<UiDisplayDelegate>(connector, entry.display->Model().edidProductCode);
         const ByteBuffer& edid = entry.display->Edid();
-        mDisplays.push_back({entry.display->Model().monitorName,
+        mDisplays.push_back({DisplayModelName(entry.display->Model().monitorName),
                              entry.display->Model().serialText,
                              entry.route,
                              display,

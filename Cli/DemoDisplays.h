@@ -15,7 +15,7 @@ public:
     explicit CDemoDisplays(std::string stateFile_I);
     ~CDemoDisplays() override;
 
-    std::vector<SCliDisplay>& Displays() override;
+    std::vector<SFoundDisplay>& Displays() override;
 
     // $VLR_DEMO_STATE, else $XDG_STATE_HOME or ~/.local/state, then velor-display-settings/demo.json.
     static std::string DefaultStateFile();
@@ -26,6 +26,6 @@ private:
 
     std::string mStateFile;
     bool mSearched = false;
-    std::vector<SCliDisplay> mDisplays;
+    std::vector<SFoundDisplay> mDisplays;
     std::vector<std::shared_ptr<CVirtualDisplay>> mVirtual;
 };

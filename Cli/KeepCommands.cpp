@@ -45,7 +45,7 @@ int CTool::Keep(const std::string& display_I, const std::string& file_I, bool of
         return CliExit::kBadUsage;
     }
     int exitCode = CliExit::kDone;
-    SCliDisplay* found = FindListed(display_I, exitCode);
+    SFoundDisplay* found = FindListed(display_I, exitCode);
     if (found == nullptr) {
         return exitCode;
     }
@@ -79,10 +79,10 @@ int CTool::Restore(const std::string& display_I, bool json_I, int waitSeconds_I)
     if (mKeptFile.empty() || !LoadKept(kept)) {
         return CliExit::kBadUsage;
     }
-    std::vector<SCliDisplay*> chosen;
+    std::vector<SFoundDisplay*> chosen;
     if (!display_I.empty()) {
         int exitCode = CliExit::kDone;
-        SCliDisplay* found = FindListed(display_I, exitCode);
+        SFoundDisplay* found = FindListed(display_I, exitCode);
         if (found == nullptr) {
             return exitCode;
         }
@@ -92,7 +92,7 @@ int CTool::Restore(const std::string& display_I, bool json_I, int waitSeconds_I)
         }
         chosen.push_back(found);
     } else {
-        for (SCliDisplay& display : Displays()) {
+        for (SFoundDisplay& display : Displays()) {
             if (kept.Of(display.model, display.serial)) {
                 chosen.push_back(&display);
             }
@@ -100,7 +100,7 @@ int CTool::Restore(const std::string& display_I, bool json_I, int waitSeconds_I)
     }
     int result = CliExit::kDone;
     json all = json::array();
-    for (SCliDisplay* display : chosen) {
+    for (SFoundDisplay* display : chosen) {
         const SKeptProfile entry = *kept.Of(display->model, display->serial);
         json shown = {{"model", display->model}, {"serial", display->serial}, {"profile", entry.profile}};
         if (!json_I) {

@@ -11,11 +11,11 @@ public:
                             std::string sysfsTty_I = "/sys/class/tty")
         : mDiscovery(system_I, std::move(sysfsDrm_I), std::move(sysfsHidraw_I), std::move(sysfsTty_I)) {}
 
-    std::vector<SCliDisplay>& Displays() override;
+    std::vector<SFoundDisplay>& Displays() override;
     std::vector<std::string> Notes() const override { return mDiscovery.Notes(); }
 
 private:
     CLinuxDisplayDiscovery mDiscovery;
     bool mSearched = false;
-    std::vector<SCliDisplay> mDisplays;
+    std::vector<SFoundDisplay> mDisplays;
 };

@@ -25,7 +25,7 @@
 
 using nlohmann::json;
 
-int CTool::ProfileSave(SCliDisplay& found_I, const std::string& file_I) {
+int CTool::ProfileSave(SFoundDisplay& found_I, const std::string& file_I) {
     std::string problem;
     if (!WriteProfileFile(file_I, CaptureProfile(*found_I.display, found_I.model, found_I.serial), problem)) {
         mErr << problem << "\n";
@@ -34,7 +34,7 @@ int CTool::ProfileSave(SCliDisplay& found_I, const std::string& file_I) {
     return CliExit::kDone;
 }
 
-int CTool::ProfileApply(SCliDisplay& found_I, const std::string& file_I, bool json_I) {
+int CTool::ProfileApply(SFoundDisplay& found_I, const std::string& file_I, bool json_I) {
     const std::optional<SProfile> profile = ReadProfile(file_I);
     if (!profile) {
         return CliExit::kBadUsage;
@@ -47,7 +47,7 @@ int CTool::ProfileApply(SCliDisplay& found_I, const std::string& file_I, bool js
     return PrintReport(found_I, report, json_I);
 }
 
-int CTool::Check(SCliDisplay& found_I, const std::string& file_I, bool json_I) {
+int CTool::Check(SFoundDisplay& found_I, const std::string& file_I, bool json_I) {
     const std::optional<SProfile> profile = ReadProfile(file_I);
     if (!profile) {
         return CliExit::kBadUsage;

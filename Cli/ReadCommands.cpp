@@ -26,12 +26,12 @@
 using nlohmann::json;
 
 int CTool::List(bool json_I) {
-    std::vector<SCliDisplay>& displays = Displays();
+    std::vector<SFoundDisplay>& displays = Displays();
     // Only the firmware version is read, of every display at once; a display that does not
     // report one is initialised, as its capabilities may name the code that holds it.
     std::vector<std::string> firmware(displays.size());
     RunForEach(displays.size(), !mSerialInit, [&](size_t index_I) {
-        SCliDisplay& display = displays[index_I];
+        SFoundDisplay& display = displays[index_I];
         if (!display.ready && !display.display->ReadFirmwareVersion().IsZero()) {
             firmware[index_I] = display.display->FirmwareVersion().ToString();
         } else {
@@ -40,7 +40,7 @@ int CTool::List(bool json_I) {
     });
     json all = json::array();
     for (size_t i = 0; i < displays.size(); ++i) {
-        SCliDisplay& display = displays[i];
+        SFoundDisplay& display = displays[i];
         const bool answering = !firmware[i].empty() || display.ready;
         const std::string shown = answering ? firmware[i] : "(not answering)";
         json entry = {{"index", i},
@@ -68,7 +68,7 @@ int CTool::List(bool json_I) {
     return CliExit::kDone;
 }
 
-int CTool::Caps(SCliDisplay& found_I, bool json_I) {
+int CTool::Caps(SFoundDisplay& found_I, bool json_I) {
     json codes = json::array();
     for (const auto& [code, option] : found_I.display->Options()) {
         if (!option) {
@@ -115,7 +115,7 @@ int CTool::Caps(SCliDisplay& found_I, bool json_I) {
     return CliExit::kDone;
 }
 
-int CTool::Get(SCliDisplay& found_I, const std::vector<std::string>& names_I, bool json_I) {
+int CTool::Get(SFoundDisplay& found_I, const std::vector<std::string>& names_I, bool json_I) {
     std::vector<STarget> targets;
     for (const std::string& name : names_I) {
         std::optional<STarget> target = Target(*found_I.display, name);

@@ -26,7 +26,7 @@
 
 using nlohmann::json;
 
-void CTool::ApplyEntry(SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I, bool json_I,
+void CTool::ApplyEntry(SFoundDisplay& display_I, const SStudioEntry& entry_I, bool check_I, bool json_I,
                        json& shown_IO) {
     const bool keptChanged = entry_I.keep && KeepEntry(display_I, entry_I, check_I, shown_IO);
     int held = CliExit::kDone;
@@ -62,7 +62,7 @@ void CTool::ApplyEntry(SCliDisplay& display_I, const SStudioEntry& entry_I, bool
     }
 }
 
-bool CTool::KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I,
+bool CTool::KeepEntry(const SFoundDisplay& display_I, const SStudioEntry& entry_I, bool check_I,
                       json& shown_IO) {
     // Beside the kept profiles' file: "studio" (the demo's "demo-studio"), a profile per display.
     const std::filesystem::path keptFile = Utf8Path(mKeptFile);
@@ -119,8 +119,8 @@ int CTool::Apply(const std::string& file_I, bool check_I, bool json_I) {
     std::map<std::string, int> totals = {
         {"changed", 0}, {"unchanged", 0}, {"failed", 0}, {"invalid", 0}, {"no entry", 0}};
     json all = json::array();
-    std::vector<SCliDisplay>& displays = Displays();
-    for (SCliDisplay& display : displays) {
+    std::vector<SFoundDisplay>& displays = Displays();
+    for (SFoundDisplay& display : displays) {
         const char* family = display.display->HelpPageName();
         const SStudioEntry* entry =
             StudioEntryFor(*studio, display.model, family != nullptr ? family : "", display.serial);

@@ -54,7 +54,7 @@ void CTool::StoreChanges(const json& changes_I, const char* consequence_I) const
     }
 }
 
-void CTool::Remember(const SCliDisplay& display_I, uint8_t code_I) {
+void CTool::Remember(const SFoundDisplay& display_I, uint8_t code_I) {
     if (mChangesFile.empty()) {
         return;
     }
@@ -75,7 +75,7 @@ void CTool::Remember(const SCliDisplay& display_I, uint8_t code_I) {
     }
 }
 
-void CTool::Forget(const SCliDisplay& display_I) {
+void CTool::Forget(const SFoundDisplay& display_I) {
     if (mChangesFile.empty()) {
         return;
     }
@@ -85,7 +85,7 @@ void CTool::Forget(const SCliDisplay& display_I) {
     }
 }
 
-std::vector<SCliDisplay>& CTool::Displays() {
+std::vector<SFoundDisplay>& CTool::Displays() {
     if (!mSourceSet) {
         mSourceSet = true;
         if (!mNoCache && !mCacheFile.empty()) {
@@ -99,20 +99,20 @@ std::vector<SCliDisplay>& CTool::Displays() {
         mSource.SetSearchOptions({!mSerialInit, mCache});
         // The same order on every system, by route, so that an index means the same display
         // on Windows and on Linux.
-        std::vector<SCliDisplay>& found = mSource.Displays();
-        const auto rank = [](const SCliDisplay& display_I) {
+        std::vector<SFoundDisplay>& found = mSource.Displays();
+        const auto rank = [](const SFoundDisplay& display_I) {
             static const std::vector<std::string> kRoutes = {"graphics driver", "HID", "serial", "FTDI",
                                                              "TI"};
             return std::find(kRoutes.begin(), kRoutes.end(), display_I.route) - kRoutes.begin();
         };
-        std::stable_sort(found.begin(), found.end(), [&](const SCliDisplay& a_I, const SCliDisplay& b_I) {
+        std::stable_sort(found.begin(), found.end(), [&](const SFoundDisplay& a_I, const SFoundDisplay& b_I) {
             return rank(a_I) < rank(b_I);
         });
     }
     return mSource.Displays();
 }
 
-bool CTool::Ready(SCliDisplay& display_I) {
+bool CTool::Ready(SFoundDisplay& display_I) {
     if (!display_I.ready) {
         display_I.display->UseCapabilitiesCache(mCache, display_I.identity);
         display_I.ready = display_I.display->Initialize();
@@ -120,8 +120,8 @@ bool CTool::Ready(SCliDisplay& display_I) {
     return display_I.ready;
 }
 
-SCliDisplay* CTool::FindListed(const std::string& display_I, int& exitCode_O) {
-    std::vector<SCliDisplay>& displays = Displays();
+SFoundDisplay* CTool::FindListed(const std::string& display_I, int& exitCode_O) {
+    std::vector<SFoundDisplay>& displays = Displays();
     for (size_t i = 0; i < displays.size(); ++i) {
         if (display_I == std::to_string(i) || display_I == displays[i].serial) {
             return &displays[i];
@@ -137,7 +137,7 @@ SCliDisplay* CTool::FindListed(const std::string& display_I, int& exitCode_O) {
     return nullptr;
 }
 
-bool CTool::Hold(const SCliDisplay& display_I, int& exitCode_O) {
+bool CTool::Hold(const SFoundDisplay& display_I, int& exitCode_O) {
     mHeld.reset();
     mHeld = HoldDisplayLock(display_I.serial, kLockWait);
     if (!mHeld) {
@@ -148,8 +148,8 @@ bool CTool::Hold(const SCliDisplay& display_I, int& exitCode_O) {
     return mHeld != nullptr;
 }
 
-SCliDisplay* CTool::Find(const std::string& display_I, int& exitCode_O) {
-    SCliDisplay* found = FindListed(display_I, exitCode_O);
+SFoundDisplay* CTool::Find(const std::string& display_I, int& exitCode_O) {
+    SFoundDisplay* found = FindListed(display_I, exitCode_O);
     if (found != nullptr && !Hold(*found, exitCode_O)) {
         return nullptr;
     }
@@ -330,7 +330,7 @@ std::optional<SProfile> CTool::ReadProfile(const std::string& file_I) {
     return profile;
 }
 
-std::string CTool::ShownValue(SCliDisplay& found_I, const std::string& name_I, int32_t value_I) {
+std::string CTool::ShownValue(SFoundDisplay& found_I, const std::string& name_I, int32_t value_I) {
     const std::optional<ESetting> setting = SettingByName(name_I);
     if (!setting) {
         return std::to_string(value_I);  // a custom colour channel
@@ -339,7 +339,7 @@ std::string CTool::ShownValue(SCliDisplay& found_I, const std::string& name_I, i
     return Shown(*found_I.display, target, value_I);
 }
 
-json CTool::ReportJson(SCliDisplay& found_I, const SProfileReport& report_I) {
+json CTool::ReportJson(SFoundDisplay& found_I, const SProfileReport& report_I) {
     json items = json::array();
     for (const SProfileItem& item : report_I.items) {
         json entry = {{"setting", item.name}, {"outcome", ProfileOutcomeName(item.outcome)}};
@@ -360,7 +360,7 @@ json CTool::ReportJson(SCliDisplay& found_I, const SProfileReport& report_I) {
             {"items", items}};
 }
 
-int CTool::PrintReport(SCliDisplay& found_I, const SProfileReport& report_I, bool json_I) {
+int CTool::PrintReport(SFoundDisplay& found_I, const SProfileReport& report_I, bool json_I) {
     int result = CliExit::kDone;
     for (const SProfileItem& item : report_I.items) {
         const std::string expected = item.expected ? ShownValue(found_I, item.name, *item.expected) : "";

@@ -46,19 +46,19 @@ public:
     template <typename Command>
     int OnDisplay(const std::string& display_I, Command command_I) {
         int exitCode = CliExit::kDone;
-        SCliDisplay* found = Find(display_I, exitCode);
+        SFoundDisplay* found = Find(display_I, exitCode);
         return found == nullptr ? exitCode : command_I(*found);
     }
     // The commands on one display, run through OnDisplay.
-    int Caps(SCliDisplay& found_I, bool json_I);
-    int Get(SCliDisplay& found_I, const std::vector<std::string>& names_I, bool json_I);
-    int Set(SCliDisplay& found_I, const std::vector<std::string>& assignments_I, bool save_I);
-    int Save(SCliDisplay& found_I);
-    int Revert(SCliDisplay& found_I);
-    int Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I);
-    int ProfileSave(SCliDisplay& found_I, const std::string& file_I);
-    int ProfileApply(SCliDisplay& found_I, const std::string& file_I, bool json_I);
-    int Check(SCliDisplay& found_I, const std::string& file_I, bool json_I);
+    int Caps(SFoundDisplay& found_I, bool json_I);
+    int Get(SFoundDisplay& found_I, const std::vector<std::string>& names_I, bool json_I);
+    int Set(SFoundDisplay& found_I, const std::vector<std::string>& assignments_I, bool save_I);
+    int Save(SFoundDisplay& found_I);
+    int Revert(SFoundDisplay& found_I);
+    int Reset(SFoundDisplay& found_I, const std::string& what_I, bool yes_I);
+    int ProfileSave(SFoundDisplay& found_I, const std::string& file_I);
+    int ProfileApply(SFoundDisplay& found_I, const std::string& file_I, bool json_I);
+    int Check(SFoundDisplay& found_I, const std::string& file_I, bool json_I);
     // Names the profile a display keeps, stops keeping one, or lists them.
     int Keep(const std::string& display_I, const std::string& file_I, bool off_I, bool list_I);
     // For each display found that keeps a profile (or the one named): reads, writes what
@@ -70,32 +70,32 @@ public:
 
 private:
     // What apply makes of one display: its outcome ("changed", ...) into shown_IO.
-    void ApplyEntry(SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I, bool json_I,
+    void ApplyEntry(SFoundDisplay& display_I, const SStudioEntry& entry_I, bool check_I, bool json_I,
                     nlohmann::json& shown_IO);
     // Makes the display keep the entry's settings (a profile of them in the state folder);
     // whether that changed anything.
-    bool KeepEntry(const SCliDisplay& display_I, const SStudioEntry& entry_I, bool check_I,
+    bool KeepEntry(const SFoundDisplay& display_I, const SStudioEntry& entry_I, bool check_I,
                    nlohmann::json& shown_IO);
     // The display by index ("0") or serial number, initialised; null (and the message, and
     // exitCode_O) when there is none or it does not answer.
-    SCliDisplay* Find(const std::string& display_I, int& exitCode_O);
+    SFoundDisplay* Find(const std::string& display_I, int& exitCode_O);
     // Holds the display's lock (the settings window or the keeper may be writing to it).
-    bool Hold(const SCliDisplay& display_I, int& exitCode_O);
+    bool Hold(const SFoundDisplay& display_I, int& exitCode_O);
     // The same without initialising it: keeping a profile needs only its model and serial.
-    SCliDisplay* FindListed(const std::string& display_I, int& exitCode_O);
+    SFoundDisplay* FindListed(const std::string& display_I, int& exitCode_O);
     std::optional<SProfile> ReadProfile(const std::string& file_I);
     bool LoadKept(CKeptProfiles& kept_O);
     // A report's lines: drift on the output, failures on errors; the exit code it stands for.
-    int PrintReport(SCliDisplay& found_I, const SProfileReport& report_I, bool json_I);
-    nlohmann::json ReportJson(SCliDisplay& found_I, const SProfileReport& report_I);
-    std::string ShownValue(SCliDisplay& found_I, const std::string& name_I, int32_t value_I);
+    int PrintReport(SFoundDisplay& found_I, const SProfileReport& report_I, bool json_I);
+    nlohmann::json ReportJson(SFoundDisplay& found_I, const SProfileReport& report_I);
+    std::string ShownValue(SFoundDisplay& found_I, const std::string& name_I, int32_t value_I);
     // What kept the search from displays, on standard error so that scripts' output stays clean.
     void PrintNotes() {
         for (const std::string& note : mSource.Notes()) {
             mErr << note << "\n";
         }
     }
-    bool Ready(SCliDisplay& display_I);
+    bool Ready(SFoundDisplay& display_I);
     std::optional<STarget> Target(UiDisplayDelegate& display_I, const std::string& name_I);
     // Checks the value against what the display offers; the message when it does not.
     std::string Refusal(UiDisplayDelegate& display_I, const STarget& target_I, int32_t value_I);
@@ -111,11 +111,11 @@ private:
     // consequence_I: what the user loses when the notes cannot be written.
     void StoreChanges(const nlohmann::json& changes_I, const char* consequence_I) const;
     // Notes the code's value before a write, unless an earlier unsaved change noted it already.
-    void Remember(const SCliDisplay& display_I, uint8_t code_I);
-    void Forget(const SCliDisplay& display_I);
+    void Remember(const SFoundDisplay& display_I, uint8_t code_I);
+    void Forget(const SFoundDisplay& display_I);
 
     // The displays found, the search going as the command line asked.
-    std::vector<SCliDisplay>& Displays();
+    std::vector<SFoundDisplay>& Displays();
 
     IDisplaySource& mSource;
     bool mSourceSet = false;

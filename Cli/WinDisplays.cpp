@@ -3,7 +3,7 @@
 #include "DisplayLock.h"
 #include "WinStrings.h"
 
-std::vector<SCliDisplay>& CWinDisplays::Displays() {
+std::vector<SFoundDisplay>& CWinDisplays::Displays() {
     if (mDiscovery) {
         return mDisplays;
     }
@@ -21,13 +21,8 @@ std::vector<SCliDisplay>& CWinDisplays::Displays() {
         if (!display) {
             continue;
         }
-        // Discovery has initialised it. Named as on Linux, without the maker's name the dialog
-        // puts in front.
-        std::string model = Narrow(info.ModelName());
-        if (model.rfind("Velor ", 0) == 0) {
-            model.erase(0, 6);
-        }
-        mDisplays.push_back({model, Narrow(info.serialNumber),
+        // Discovery has initialised it.
+        mDisplays.push_back({DisplayModelName(Narrow(info.ModelName())), Narrow(info.serialNumber),
                              ConnectorTypeName(display->GetConnector()->GetType()), display, true,
                              display->Identity()});
     }

@@ -6,9 +6,9 @@
 
 class CWinDisplays : public IDisplaySource {
 public:
-    std::vector<SCliDisplay>& Displays() override;
+    std::vector<SFoundDisplay>& Displays() override;
 
 private:
     std::shared_ptr<CWinDisplayConfigInterface> mDiscovery;
-    std::vector<SCliDisplay> mDisplays;
+    std::vector<SFoundDisplay> mDisplays;
 };

@@ -26,7 +26,7 @@
 
 using nlohmann::json;
 
-int CTool::Set(SCliDisplay& found_I, const std::vector<std::string>& assignments_I, bool save_I) {
+int CTool::Set(SFoundDisplay& found_I, const std::vector<std::string>& assignments_I, bool save_I) {
     UiDisplayDelegate& display = *found_I.display;
     // Everything is checked before anything is written.
     std::vector<std::pair<STarget, int32_t>> writes;
@@ -90,7 +90,7 @@ int CTool::Set(SCliDisplay& found_I, const std::vector<std::string>& assignments
     return CliExit::kDone;
 }
 
-int CTool::Save(SCliDisplay& found_I) {
+int CTool::Save(SFoundDisplay& found_I) {
     // Saving stores the display's current values, whoever set them.
     if (!found_I.display->GetConnector()->SaveSettingsToScalar()) {
         return Failed(*found_I.display, "save");
@@ -99,7 +99,7 @@ int CTool::Save(SCliDisplay& found_I) {
     return CliExit::kDone;
 }
 
-int CTool::Revert(SCliDisplay& found_I) {
+int CTool::Revert(SFoundDisplay& found_I) {
     const json changes = LoadChanges();
     if (!changes.contains(found_I.serial) || changes[found_I.serial].empty()) {
         mOut << "nothing to revert: no unsaved changes made with this tool\n";
@@ -133,7 +133,7 @@ int CTool::Revert(SCliDisplay& found_I) {
     return result;
 }
 
-int CTool::Reset(SCliDisplay& found_I, const std::string& what_I, bool yes_I) {
+int CTool::Reset(SFoundDisplay& found_I, const std::string& what_I, bool yes_I) {
     if (what_I == "factory") {
         if (!yes_I) {
             mErr << "reset factory puts every setting of the display back to its factory value; add --yes\n";

@@ -44,8 +44,8 @@ struct SSerialCandidate {
 
 }  // namespace
 
-std::vector<SLinuxDisplay> CLinuxDisplayDiscovery::Find() {
-    std::vector<SLinuxDisplay> displays;
+std::vector<SFoundDisplay> CLinuxDisplayDiscovery::Find() {
+    std::vector<SFoundDisplay> displays;
 
     // The maker's HID control interfaces, as discovery on Windows finds them.
     std::vector<SHidCandidate> hid;
@@ -121,10 +121,11 @@ std::vector<SLinuxDisplay> CLinuxDisplayDiscovery::Find() {
         auto display = std::make_shared<UiDisplayDelegate>(connector, productCode);
         const std::string name = Edid::DescriptorText(drm.edid, 0xFC);
         displays.push_back(
-            {name.empty() ? drm.name : name,
+            {DisplayModelName(name.empty() ? drm.name : name),
              serial,
              route,
              display,
+             false,
              {Edid::ManufacturerId(drm.edid), productCode, serial, ConnectorTypeName(connector->GetType())}});
     }
     return displays;

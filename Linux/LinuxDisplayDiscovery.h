@@ -8,16 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "FoundDisplay.h"
 #include "LinuxSystem.h"
-#include "UiDisplayDelegate.h"
-
-struct SLinuxDisplay {
-    std::string model;   // the EDID's monitor name, or the connector's name
-    std::string serial;  // the EDID's serial number
-    std::string route;   // the device node it is reached by
-    std::shared_ptr<UiDisplayDelegate> display;
-    SDisplayIdentity identity;  // what its capabilities are cached under
-};
 
 class CLinuxDisplayDiscovery {
 public:
@@ -30,7 +22,7 @@ public:
           mSysfsTty(std::move(sysfsTty_I)) {}
 
     // Searches the system once; the displays found, in the DRM connectors' order.
-    std::vector<SLinuxDisplay> Find();
+    std::vector<SFoundDisplay> Find();
     // What the user can do about nodes that did not open.
     const std::vector<std::string>& Notes() const { return mNotes; }
 

@@ -91,7 +91,7 @@ void Print(const char* name_I, const SFigure& figure_I) {
 double SlowestIdentityRead() {
     CDemoDisplays displays("");
     double slowest = 0;
-    for (SCliDisplay& display : displays.Displays()) {
+    for (SFoundDisplay& display : displays.Displays()) {
         const auto start = std::chrono::steady_clock::now();
         display.display->ReadFirmwareVersion();
         slowest = std::max(slowest,

@@ -124,12 +124,16 @@ class CSoakDesk : public IKeeperDesk {
 public:
     explicit CSoakDesk(std::vector<SDeskDisplay>& displays_I) : mDisplays(displays_I) {}
 
-    std::vector<SKeeperDisplay> Search() override {
+    std::vector<SFoundDisplay> Search() override {
         const std::unique_ptr<CDisplayLock> every = HoldInRealTime(kEveryDisplay);
-        std::vector<SKeeperDisplay> found;
+        std::vector<SFoundDisplay> found;
         for (auto& [display, connector] : Connect()) {
-            found.push_back({display->model, display->serial,
-                             std::make_shared<UiDisplayDelegate>(connector, display->productCode)});
+            found.push_back({display->model,
+                             display->serial,
+                             "graphics driver",
+                             std::make_shared<UiDisplayDelegate>(connector, display->productCode),
+                             false,
+                             {}});
         }
         return found;
     }
@@ -192,7 +196,7 @@ private:
 class CSoakToolSource : public IDisplaySource {
 public:
     explicit CSoakToolSource(CSoakDesk& desk_I) : mDesk(desk_I) {}
-    std::vector<SCliDisplay>& Displays() override {
+    std::vector<SFoundDisplay>& Displays() override {
         if (!mSearched) {
             mSearched = true;
             for (auto& [display, connector] : mDesk.Connect()) {
@@ -212,7 +216,7 @@ public:
 private:
     CSoakDesk& mDesk;
     bool mSearched = false;
-    std::vector<SCliDisplay> mDisplays;
+    std::vector<SFoundDisplay> mDisplays;
 };
 
 class CDeskSoak {

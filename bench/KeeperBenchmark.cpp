@@ -25,11 +25,15 @@ namespace {
 class CBenchDesk : public IKeeperDesk {
 public:
     explicit CBenchDesk(std::shared_ptr<CVirtualDisplay> display_I) : mDisplay(std::move(display_I)) {}
-    std::vector<SKeeperDisplay> Search() override {
+    std::vector<SFoundDisplay> Search() override {
         auto connector = std::make_shared<CVirtualDisplayConnector>(mDisplay);
         connector->Open(0);
-        return {{"Canvas 22 Pro", "S1",
-                 std::make_shared<UiDisplayDelegate>(connector, mDisplay->Model().edidProductCode)}};
+        return {{"Canvas 22 Pro",
+                 "S1",
+                 "HID",
+                 std::make_shared<UiDisplayDelegate>(connector, mDisplay->Model().edidProductCode),
+                 false,
+                 {}}};
     }
     std::shared_ptr<void> TryHold(const std::string&) override { return std::make_shared<int>(0); }
     void Notify(const std::vector<SKeeperResult>& results_I) override { restored = results_I; }

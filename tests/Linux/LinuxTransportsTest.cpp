@@ -39,7 +39,7 @@ struct SI2cBench {
         system.devices["/dev/i2c-5"] = std::make_shared<CVirtualI2CBus>(canvas);
     }
     std::shared_ptr<UiDisplayDelegate> Found() {
-        std::vector<SLinuxDisplay> found = CLinuxDisplayDiscovery(system).Find();
+        std::vector<SFoundDisplay> found = CLinuxDisplayDiscovery(system).Find();
         return found.size() == 1 ? found[0].display : nullptr;
     }
 };

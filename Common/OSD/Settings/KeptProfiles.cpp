@@ -1,5 +1,6 @@
 #include "KeptProfiles.h"
 
+#include "FoundDisplay.h"
 #include "ProgramFolders.h"
 #include "TextFile.h"
 
@@ -16,7 +17,8 @@ namespace {
 using nlohmann::json;
 
 bool SameDisplay(const SKeptProfile& kept_I, const std::string& model_I, const std::string& serial_I) {
-    return kept_I.model == model_I && kept_I.serial == serial_I;
+    // Entries kept by the tray keeper of earlier versions name the model with the maker's name.
+    return DisplayModelName(kept_I.model) == DisplayModelName(model_I) && kept_I.serial == serial_I;
 }
 
 }  // namespace

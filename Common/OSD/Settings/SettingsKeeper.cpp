@@ -83,7 +83,7 @@ void CSettingsKeeper::ForegroundChanged(const std::string& executable_I) {
     mForegroundDue = Now() + kForegroundSettle;
 }
 
-std::vector<SKeeperDisplay>& CSettingsKeeper::Displays() {
+std::vector<SFoundDisplay>& CSettingsKeeper::Displays() {
     if (mSearchNeeded) {
         mDisplays = mDesk.Search();
         mSearchNeeded = false;
@@ -91,14 +91,14 @@ std::vector<SKeeperDisplay>& CSettingsKeeper::Displays() {
     return mDisplays;
 }
 
-bool CSettingsKeeper::Ready(SKeeperDisplay& display_I) {
+bool CSettingsKeeper::Ready(SFoundDisplay& display_I) {
     if (!display_I.ready && display_I.display) {
         display_I.ready = display_I.display->Initialize();
     }
     return display_I.ready;
 }
 
-bool CSettingsKeeper::Apply(SKeeperDisplay& display_I, const SProfile& profile_I, SKeeperResult& result_O) {
+bool CSettingsKeeper::Apply(SFoundDisplay& display_I, const SProfile& profile_I, SKeeperResult& result_O) {
     result_O.model = display_I.model;
     result_O.serial = display_I.serial;
     if (!Ready(display_I)) {
@@ -131,7 +131,7 @@ void CSettingsKeeper::RestoreRound() {
     std::vector<SKeeperResult> done;
     bool again = false;
     size_t keptFound = 0;
-    for (SKeeperDisplay& display : Displays()) {
+    for (SFoundDisplay& display : Displays()) {
         const std::optional<SKeptProfile> entry = kept.Of(display.model, display.serial);
         if (!entry) {
             continue;
@@ -186,7 +186,7 @@ void CSettingsKeeper::RestoreRound() {
     }
 }
 
-void CSettingsKeeper::LeaveRule(SKeeperDisplay& display_I, const CKeptProfiles& kept_I) {
+void CSettingsKeeper::LeaveRule(SFoundDisplay& display_I, const CKeptProfiles& kept_I) {
     SKeeperResult ignored;
     const std::optional<SKeptProfile> entry = kept_I.Of(display_I.model, display_I.serial);
     std::string problem;
@@ -217,7 +217,7 @@ void CSettingsKeeper::FollowForeground() {
              wanted.empty() ? "no profile of its own" : wanted.c_str());
         mRuleProfile = wanted;
         mRulePending.clear();
-        for (const SKeeperDisplay& display : Displays()) {
+        for (const SFoundDisplay& display : Displays()) {
             mRulePending.insert(display.serial);
         }
     }
@@ -233,7 +233,7 @@ void CSettingsKeeper::FollowForeground() {
     }
     CKeptProfiles kept(mKeptFile);
     kept.Load(problem);
-    for (SKeeperDisplay& display : Displays()) {
+    for (SFoundDisplay& display : Displays()) {
         if (mRulePending.count(display.serial) == 0) {
             continue;
         }
@@ -261,7 +261,7 @@ std::vector<SKeeperResult> CSettingsKeeper::ApplyNow(const std::string& profile_
     std::vector<SKeeperResult> results;
     std::string problem;
     const std::optional<SProfile> profile = ReadProfileFile(profile_I, problem);
-    for (SKeeperDisplay& display : Displays()) {
+    for (SFoundDisplay& display : Displays()) {
         SKeeperResult result;
         result.model = display.model;
         result.serial = display.serial;
@@ -289,7 +289,7 @@ std::vector<SKeeperResult> CSettingsKeeper::KeepCurrent(const std::string& profi
     }
     std::error_code error;
     std::filesystem::create_directories(Utf8Path(profilesFolder_I), error);
-    for (SKeeperDisplay& display : Displays()) {
+    for (SFoundDisplay& display : Displays()) {
         SKeeperResult result;
         result.model = display.model;
         result.serial = display.serial;

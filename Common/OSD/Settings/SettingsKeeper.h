@@ -16,15 +16,9 @@
 #include <string>
 #include <vector>
 
+#include "FoundDisplay.h"
 #include "KeptProfiles.h"
 #include "Profile.h"
-
-struct SKeeperDisplay {
-    std::string model;
-    std::string serial;
-    std::shared_ptr<UiDisplayDelegate> display;  // found; initialised by the keeper when needed
-    bool ready = false;
-};
 
 // What one round did on one display, for the notification.
 struct SKeeperResult {
@@ -41,7 +35,7 @@ class IKeeperDesk {
 public:
     virtual ~IKeeperDesk() = default;
     // Searches afresh; the displays found (their connectors from an earlier search are closed).
-    virtual std::vector<SKeeperDisplay> Search() = 0;
+    virtual std::vector<SFoundDisplay> Search() = 0;
     // The display's lock, held until the returned object goes; null while the settings dialog
     // or the command-line tool holds the display.
     virtual std::shared_ptr<void> TryHold(const std::string& serial_I) = 0;
@@ -92,13 +86,13 @@ private:
     Duration Now() const;
     void RestoreRound();
     void FollowForeground();
-    bool Ready(SKeeperDisplay& display_I);
-    std::vector<SKeeperDisplay>& Displays();
+    bool Ready(SFoundDisplay& display_I);
+    std::vector<SFoundDisplay>& Displays();
     // Applies a profile file to one display; false when it could not (result_O says why).
-    bool Apply(SKeeperDisplay& display_I, const SProfile& profile_I, SKeeperResult& result_O);
+    bool Apply(SFoundDisplay& display_I, const SProfile& profile_I, SKeeperResult& result_O);
     // Puts a display back from a profile per application: its kept profile, else the values it
     // had before.
-    void LeaveRule(SKeeperDisplay& display_I, const CKeptProfiles& kept_I);
+    void LeaveRule(SFoundDisplay& display_I, const CKeptProfiles& kept_I);
 
     IKeeperDesk& mDesk;
     std::function<Duration()> mNow;
@@ -106,7 +100,7 @@ private:
     std::string mRulesFile;
     bool mKeeping = true;
 
-    std::vector<SKeeperDisplay> mDisplays;
+    std::vector<SFoundDisplay> mDisplays;
     bool mSearchNeeded = true;
     std::optional<Duration> mRestoreDue;
     int mAttempt = 0;

@@ -16,16 +16,18 @@ CWinKeeperDesk::CWinKeeperDesk(const SStartupOptions& options_I, LANGID language
     }
 }
 
-std::vector<SKeeperDisplay> CWinKeeperDesk::Search() {
+std::vector<SFoundDisplay> CWinKeeperDesk::Search() {
     // The connectors of the last search close before the new one opens the devices.
     mDiscovery->Clear();
     mDiscovery->Init();
-    std::vector<SKeeperDisplay> found;
+    std::vector<SFoundDisplay> found;
     for (const SDisplayInfo& info : mDiscovery->DisplayInfos()) {
         auto display = std::dynamic_pointer_cast<UiDisplayDelegate>(info.display);
         if (display) {
             // Discovery has initialised it.
-            found.push_back({Narrow(info.ModelName()), Narrow(info.serialNumber), display, true});
+            found.push_back({DisplayModelName(Narrow(info.ModelName())), Narrow(info.serialNumber),
+                             ConnectorTypeName(display->GetConnector()->GetType()), display, true,
+                             display->Identity()});
         }
     }
     return found;

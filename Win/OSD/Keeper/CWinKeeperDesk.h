@@ -17,7 +17,7 @@ public:
     using Notifier = std::function<void(const std::vector<SKeeperResult>&)>;
     CWinKeeperDesk(const SStartupOptions& options_I, LANGID language_I, Notifier notify_I);
 
-    std::vector<SKeeperDisplay> Search() override;
+    std::vector<SFoundDisplay> Search() override;
     std::shared_ptr<void> TryHold(const std::string& serial_I) override;
     void Notify(const std::vector<SKeeperResult>& results_I) override { mNotify(results_I); }
 

@@ -3,9 +3,10 @@
 // functions by default, a simulation in tests and in the demo.
 
 #include <windows.h>
-// windows.h first: the HID headers need its types.
-#include <hidpi.h>
+// windows.h first: the HID headers need its types; hidsdi.h before hidpi.h, which needs its.
 #include <hidsdi.h>
+
+#include <hidpi.h>
 
 struct SHidApi {
     HANDLE(WINAPI* CreateFileA)(LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE);

@@ -38,14 +38,18 @@ public:
         const SVirtualDisplayModel& model = *FindVirtualDisplayPreset(preset);
         desk.push_back({model.key, serial, std::make_shared<CVirtualDisplay>(model), model.edidProductCode});
     }
-    std::vector<SKeeperDisplay> Search() override {
+    std::vector<SFoundDisplay> Search() override {
         ++searches;
-        std::vector<SKeeperDisplay> found;
+        std::vector<SFoundDisplay> found;
         for (const SDesked& entry : desk) {
             auto connector = std::make_shared<CVirtualDisplayConnector>(entry.display);
             connector->Open(0);
-            found.push_back({entry.model, entry.serial,
-                             std::make_shared<UiDisplayDelegate>(connector, entry.productCode)});
+            found.push_back({entry.model,
+                             entry.serial,
+                             "HID",
+                             std::make_shared<UiDisplayDelegate>(connector, entry.productCode),
+                             false,
+                             {}});
         }
         return found;
     }
@@ -253,4 +257,28 @@ TEST(SettingsKeeper, ADisplayThatAnswersButDoesNotTakeAValueIsNeverCalledRestore
     EXPECT_EQ(bench.Display(0).Value(0x12), 45);
     ASSERT_EQ(bench.desk.notified.size(), 2u);
     EXPECT_EQ(bench.desk.notified[1][0].kind, SKeeperResult::EKind::Restored);
+}
+
+TEST(SettingsKeeper, AProfileKeptUnderTheModelsNameWithOrWithoutTheMakersIsOneEntryAndComesBack) {
+    EXPECT_EQ(DisplayModelName("Velor Canvas 22 Pro"), "Canvas 22 Pro");
+    EXPECT_EQ(DisplayModelName("Canvas 22 Pro"), "Canvas 22 Pro");
+    EXPECT_EQ(DisplayModelName("Velor "), "Velor ");  // nothing left to name: as it is
+
+    SKeeperBench bench("vlr-keeper-names");
+    bench.desk.Add("canvas-22-pro", "S22");
+    bench.desk.desk[0].model = "Canvas 22 Pro";  // as every search names it now
+    // Kept by a keeper of an earlier version, then again by the tool: one entry, the newer.
+    bench.Keep("Velor Canvas 22 Pro", "S22", bench.Write("old.json", R"({"settings": {"brightness": 20}})"));
+    bench.Keep("Canvas 22 Pro", "S22", bench.Write("new.json", R"({"settings": {"brightness": 33}})"));
+    CKeptProfiles kept((bench.folder / "kept.json").string());
+    std::string problem;
+    ASSERT_TRUE(kept.Load(problem)) << problem;
+    ASSERT_EQ(kept.All().size(), 1u);
+    EXPECT_EQ(kept.Of("Velor Canvas 22 Pro", "S22").value_or(SKeptProfile{}).profile,
+              (bench.folder / "new.json").string());
+
+    bench.Display(0).PowerCycle();
+    bench.keeper->DesktopChanged();
+    bench.RunFor(5s);
+    EXPECT_EQ(bench.Display(0).Value(0x10), 33);
 }

@@ -110,7 +110,8 @@ TEST(TrayKeeper, ADisplaySwitchedOffAndOnGetsItsKeptProfileBackReadThenOnlyWhatD
     auto canvas = DisplayOf(machine, 0x1060);
     ASSERT_TRUE(canvas);
     SFiles files("vlr-tray-cycle");
-    files.Keep("Velor Canvas 22 Pro", kCanvasSerial,
+    // Kept as the command-line tool keeps it: by the model's name without the maker's.
+    files.Keep("Canvas 22 Pro", kCanvasSerial,
                files.Write("canvas.json", R"({"settings": {"brightness": 40, "contrast": 45}})"));
 
     STray tray(files.Keeper());
@@ -120,7 +121,7 @@ TEST(TrayKeeper, ADisplaySwitchedOffAndOnGetsItsKeptProfileBackReadThenOnlyWhatD
     ASSERT_TRUE(WaitFor([&] { return canvas->Value(vcpC_Luminance) == 40; }, kRoundMs));
     EXPECT_TRUE(WaitFor([&] {
         return CTrayKeeper::LastNotification() ==
-               L"Settings restored\nVelor Canvas 22 Pro:\nBrightness, Contrast restored.";
+               L"Settings restored\nCanvas 22 Pro:\nBrightness, Contrast restored.";
     }));
 
     canvas->ClearTransactions();
@@ -156,6 +157,7 @@ TEST(TrayKeeper, TheDisplayTheSettingsDialogShowsIsLeftAloneUntilTheDialogCloses
     auto studio = DisplayOf(program->machine, 0x1070);
     ASSERT_TRUE(studio);
     SFiles files("vlr-tray-held");
+    // Kept by a keeper of an earlier version, with the maker's name: still found.
     files.Keep("Velor Studio 24", kStudioSerial,
                files.Write("studio.json", R"({"settings": {"contrast": 31}})"));
     studio->ClearTransactions();
