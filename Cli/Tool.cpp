@@ -245,8 +245,7 @@ std::string CTool::Refusal(UiDisplayDelegate& display_I, const STarget& target_I
             return where + ": this setting cannot be changed on this display";
         }
         if (!state.entries.empty()) {
-            const bool offered = std::any_of(state.entries.begin(), state.entries.end(),
-                                             [&](const SEntry& entry_I) { return entry_I.value == value_I; });
+            const bool offered = state.Offers(value_I);
             std::string choices;
             for (const SEntry& entry : state.entries) {
                 const std::string name = ChoiceName(entry.stringId);
@@ -269,7 +268,7 @@ std::string CTool::Refusal(UiDisplayDelegate& display_I, const STarget& target_I
                        ? std::string()
                        : where + ": not one of the values this display offers (" + values + ")";
         }
-        if (value_I < state.range.minimum || value_I > state.range.maximum) {
+        if (!state.Offers(value_I)) {
             return where + ": outside " + std::to_string(state.range.minimum) + " to " +
                    std::to_string(state.range.maximum);
         }

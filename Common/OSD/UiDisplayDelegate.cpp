@@ -263,6 +263,14 @@ bool UiDisplayDelegate::SetAspectRatio(int32_t value_I) {
 
 // ---- what the dialogs show ----
 
+bool SSettingState::Offers(int32_t value_I) const {
+    if (!entries.empty()) {
+        return std::any_of(entries.begin(), entries.end(),
+                           [&](const SEntry& entry_I) { return entry_I.value == value_I; });
+    }
+    return value_I >= range.minimum && value_I <= range.maximum;
+}
+
 SSettingState UiDisplayDelegate::ContinuousState(uint8_t vcpCode_I) {
     SSettingState state;
     VCPOptionPtr option = vcpCode_I != 0 ? Option(vcpCode_I) : nullptr;

@@ -29,6 +29,9 @@ struct SSettingState {
     SRange range;                 // continuous settings
     std::vector<SEntry> entries;  // the choices the display offers, in dialog order
     int32_t value = 0;            // current value; for choices the value of an entry (-1: none)
+
+    // Whether the display offers the value: one of the choices, or within the range.
+    bool Offers(int32_t value_I) const;
 };
 
 class UiDisplayDelegate : public CDisplay {

@@ -96,14 +96,6 @@ std::optional<int32_t> ReadNow(UiDisplayDelegate& display_I, const SPlanned& pla
     return state.value;
 }
 
-bool Offers(const SSettingState& state_I, int32_t value_I) {
-    if (!state_I.entries.empty()) {
-        return std::any_of(state_I.entries.begin(), state_I.entries.end(),
-                           [&](const SEntry& entry_I) { return entry_I.value == value_I; });
-    }
-    return value_I >= state_I.range.minimum && value_I <= state_I.range.maximum;
-}
-
 // What the display will read and write of the profile, in the order it is written, and what
 // it cannot take.
 std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile_I,
@@ -170,7 +162,7 @@ std::vector<SPlanned> Plan(UiDisplayDelegate& display_I, const SProfile& profile
                              : "\" is not one of its choices here"));
             continue;
         }
-        item.offered = Offers(state, *wanted);
+        item.offered = state.Offers(*wanted);
         item.wanted = *wanted;
         if (*setting == ESetting::ColorSettingMode) {
             item.rank = profile_I.undo ? 3 : 0;
@@ -229,7 +221,7 @@ SProfileReport Run(UiDisplayDelegate& display_I, const SProfile& profile_I, bool
         } else if (*result.actual != item.wanted && !write_I) {
             result.outcome = EProfileOutcome::Drifted;
         } else if (*result.actual != item.wanted && !item.offered &&
-                   !(item.setting && Offers(display_I.GetSetting(*item.setting), item.wanted))) {
+                   !(item.setting && display_I.GetSetting(*item.setting).Offers(item.wanted))) {
             // (Asked again: a plan made while a read failed knew no range yet.)
             result.outcome = EProfileOutcome::Invalid;  // refused as a set of it would be
             result.detail = "\"" + std::to_string(item.wanted) + "\" is not a value this display offers";
@@ -383,7 +375,7 @@ SProfile CaptureProfile(UiDisplayDelegate& display_I, const std::string& model_I
         const SSettingState state = display_I.GetSetting(row.setting);
         // Only what the display can be given back: the battery models report 0 ("on mains")
         // for Battery Mode, a state no choice of the setting writes.
-        if (state.supported && state.writable && state.valid && Offers(state, state.value)) {
+        if (state.supported && state.writable && state.valid && state.Offers(state.value)) {
             // A choice by its name: another family may reach the same choice with another number.
             const std::string choice =
                 NameOfValue(display_I, STarget{row.setting, code, row.name}, state.value);
