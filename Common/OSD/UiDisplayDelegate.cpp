@@ -111,23 +111,24 @@ bool UiDisplayDelegate::SetBrightness(int32_t value_I) {
     return Write(CodeOf(ESetting::Brightness), value_I);
 }
 bool UiDisplayDelegate::SetContrast(int32_t value_I) {
-    return Write(vcpC_Contrast, value_I);
+    return Write(CodeOf(ESetting::Contrast), value_I);
 }
 
 bool UiDisplayDelegate::SetGammaValue(int32_t value_I) {
     if (mTraits.gammaScale != EGammaScale::FineScale) {
         return false;
     }
-    return Write(vcpC_Gamma, value_I);
+    return Write(CodeOf(ESetting::Gamma), value_I);
 }
 
 bool UiDisplayDelegate::SetGamma(int32_t choice_I) {
     switch (mTraits.gammaScale) {
-        case EGammaScale::TwoChoices: return (choice_I == 1 || choice_I == 2) && Write(vcpC_Gamma, choice_I);
+        case EGammaScale::TwoChoices:
+            return (choice_I == 1 || choice_I == 2) && Write(CodeOf(ESetting::Gamma), choice_I);
         // The fine scale takes the value as it is.
-        case EGammaScale::FineScale: return Write(vcpC_Gamma, choice_I);
+        case EGammaScale::FineScale: return Write(CodeOf(ESetting::Gamma), choice_I);
         case EGammaScale::ThreeChoices:
-            return choice_I >= 0 && choice_I <= 2 && Write(vcpC_Gamma, choice_I + 1);
+            return choice_I >= 0 && choice_I <= 2 && Write(CodeOf(ESetting::Gamma), choice_I + 1);
         case EGammaScale::None: break;
     }
     return false;
@@ -313,7 +314,7 @@ SSettingState UiDisplayDelegate::GammaState() {
     if (scale == EGammaScale::None) {
         return {};
     }
-    SSettingState state = ContinuousState(vcpC_Gamma);
+    SSettingState state = ContinuousState(CodeOf(ESetting::Gamma));
     if (!state.supported) {
         return state;
     }
@@ -332,7 +333,7 @@ SSettingState UiDisplayDelegate::GammaState() {
             break;
         case EGammaScale::ThreeChoices:
             state.entries = {{StringId::kGamma1_9, 0}, {StringId::kGamma2_2, 1}, {StringId::kGamma2_4, 2}};
-            state.value -= 1;  // 0x72 = choice + 1
+            state.value -= 1;  // the code holds choice + 1
             break;
         case EGammaScale::None: break;
     }
