@@ -32,6 +32,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "CVirtualDisplay.h"
@@ -212,21 +213,18 @@ private:
     }
 
     EOperation Pick() {
+        // Out of a thousand: the operation below each bound, the rest factory resets.
+        static constexpr std::pair<int, EOperation> kBounds[] = {
+            {700, EOperation::Setter},      {780, EOperation::Save},    {860, EOperation::Revert},
+            {900, EOperation::CustomColor}, {940, EOperation::Refresh}, {960, EOperation::PowerCycle},
+            {985, EOperation::ResetColor},
+        };
         const int roll = static_cast<int>(mRandom() % 1000);
-        if (roll < 700)
-            return EOperation::Setter;
-        if (roll < 780)
-            return EOperation::Save;
-        if (roll < 860)
-            return EOperation::Revert;
-        if (roll < 900)
-            return EOperation::CustomColor;
-        if (roll < 940)
-            return EOperation::Refresh;
-        if (roll < 960)
-            return EOperation::PowerCycle;
-        if (roll < 985)
-            return EOperation::ResetColor;
+        for (const auto& [bound, operation] : kBounds) {
+            if (roll < bound) {
+                return operation;
+            }
+        }
         return EOperation::FactoryReset;
     }
 
