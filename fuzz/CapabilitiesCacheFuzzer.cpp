@@ -5,13 +5,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "CapabilitiesCache.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data_I, size_t size_I) {
-    static const std::string file = "/tmp/vlr-fuzz-capabilities-" + std::to_string(getpid()) + ".json";
+    // In the temporary folder scripts/fuzz gives the run (TMPDIR), which it removes.
+    static const std::string file = (std::filesystem::temp_directory_path() /
+                                     ("vlr-fuzz-capabilities-" + std::to_string(getpid()) + ".json"))
+                                        .string();
     {
         std::ofstream out(file, std::ios::binary | std::ios::trunc);
         out.write(reinterpret_cast<const char*>(data_I), static_cast<std::streamsize>(size_I));

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -16,7 +17,10 @@
 #include "VirtualClock.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data_I, size_t size_I) {
-    static const std::string changes = "/tmp/vlr-fuzz-changes-" + std::to_string(getpid()) + ".json";
+    // In the temporary folder scripts/fuzz gives the run (TMPDIR), which it removes.
+    static const std::string changes =
+        (std::filesystem::temp_directory_path() / ("vlr-fuzz-changes-" + std::to_string(getpid()) + ".json"))
+            .string();
     const std::string input(reinterpret_cast<const char*>(data_I), size_I);
     const size_t end = input.find('\0');
     {
