@@ -21,9 +21,12 @@ SMCCSVersion SMCCSVersion::Parse(const std::string& text_I) {
 }
 
 CDisplay::CDisplay(std::shared_ptr<Connector> connector_I, uint16_t edidNumber_I)
-    : mConnector(std::move(connector_I)),
-      mEDIDNumber(edidNumber_I),
-      mTraits(DisplayTraitsFor(edidNumber_I)) {}
+    : mConnector(std::move(connector_I)), mEDIDNumber(edidNumber_I), mTraits(DisplayTraitsFor(edidNumber_I)) {
+    if (mConnector) {
+        // The shared connector commands (save, reset, firmware) wait as this display's family needs.
+        mConnector->UseWaits(mTraits.waits);
+    }
+}
 
 CDisplay::~CDisplay() {
     ClearData();
@@ -129,7 +132,7 @@ bool CDisplay::InitializeFrom(const std::string& capsStr, bool (*fail)(const cha
     }
 
     if (valueOf("mccs_ver").empty()) {
-        if (!mTraits.acceptsMissingMccsVersion) {
+        if (!mTraits.AcceptsMissingMccsVersion()) {
             return fail("mccs_ver missing");
         }
         mCapabilities["mccs_ver"] = "2.2";
@@ -219,8 +222,8 @@ bool CDisplay::ReadVCPValue_(const VCPOptionPtr& option_I) {
         ByteBuffer inBuffer;
         if (mConnector) {
             const auto exclusive = mConnector->Exclusive();
-            inBuffer =
-                mConnector->SendRequest(BuildGetVCPRequest(code), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
+            inBuffer = mConnector->SendRequest(BuildGetVCPRequest(code), Seconds(mTraits.waits.writeToRead),
+                                               Ddc::kReplySize, 0);
         }
         StripReplyChecksum(inBuffer);
         SGetReplyValue reply;
@@ -288,7 +291,7 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
             const uint16_t value = static_cast<uint16_t>(option_I->GetValue() & 0xFFFF);
             const auto exclusive = mConnector->Exclusive();
             ByteBuffer inBuffer = mConnector->SendRequest(
-                BuildSetVCPRequest(code, value), Ddc::SetRequestWaitSeconds(code), Ddc::kReplySize, 0);
+                BuildSetVCPRequest(code, value), Seconds(mTraits.waits.SetToReply(code)), Ddc::kReplySize, 0);
             StripReplyChecksum(inBuffer);
             if (CheckSetReply(inBuffer) != EReplyError::None) {
                 // A transport answers nothing both when the display is silent and when the
@@ -302,17 +305,17 @@ bool CDisplay::WriteVCPValue_(const VCPOptionPtr& option_I) {
                 option_I->SetError(EReplyError::DeviceNotOpen);
             }
             // The firmware needs time to act on every set, answered or not.
-            Clock::PauseMs(50);
+            Clock::Pause(mTraits.waits.afterWrite);
             switch (code) {
                 case vcpC_DisplayPresets:
                     // Two pauses, not one of 2 s: the firmware's timing was measured as these
                     // two steps, and the clock's log shows them so.
-                    Clock::PauseMs(700);
-                    Clock::PauseMs(1300);
+                    Clock::Pause(mTraits.waits.afterPresetChangeFirst);
+                    Clock::Pause(mTraits.waits.afterPresetChangeSecond);
                     break;
-                case vcpC_UniformityCompensation: Clock::PauseMs(1000); break;
+                case vcpC_UniformityCompensation: Clock::Pause(mTraits.waits.afterUniformityChange); break;
                 case vcpC_RestoreFactoryDefaults:
-                case vcpC_RestoreFactoryColorDefaults: Clock::PauseMs(5000); break;
+                case vcpC_RestoreFactoryColorDefaults: Clock::Pause(mTraits.waits.afterFactoryReset); break;
                 case vcpC_DisplayScaling:
                     // A scaling change often goes unanswered while the picture is rebuilt; but
                     // on a connector that closed the display is gone and never got it.
@@ -338,7 +341,7 @@ bool CDisplay::WriteWithRetry(const VCPOptionPtr& option_I, const char* firstFai
         if (firstFailureAssert_I != nullptr) {
             VLR_ASSERT_FAIL(firstFailureAssert_I);
         }
-        Clock::PauseMs(60);
+        Clock::Pause(mTraits.waits.beforeRetry);
         option_I->ClearError();
         WriteVCPValue_(option_I);
     }
@@ -427,7 +430,7 @@ bool CDisplay::RestoreOriginal(uint32_t vcpCode_I) {
     }
     if (!ReadVCPValue_(option)) {
         // Some panels need a second to settle before they read back a restored preset.
-        Clock::PauseMs(mTraits.fixedColorPresets ? 1000 : 60);
+        Clock::Pause(mTraits.waits.restoredPresetSettles);
         option->ClearError();
         if (!ReadVCPValue_(option)) {
             return false;

@@ -57,7 +57,7 @@ std::string Connector::TrimCapabilitiesString(const ByteBuffer& capsStr_I) {
 
 ByteBuffer Connector::SendFixedCommand(const SFixedCommand& command_I) {
     DLogHex(command_I.writeTitle, command_I.request);
-    ByteBuffer inBuffer = SendRequest(command_I.request, command_I.waitSeconds, Ddc::kReplySize, 0);
+    ByteBuffer inBuffer = SendRequest(command_I.request, Seconds(command_I.wait), Ddc::kReplySize, 0);
     if (inBuffer.size() < command_I.minimumReplySize) {
         DebugLog::Write(command_I.failureLevel, "Send request failed\n");
         return {};
@@ -72,8 +72,8 @@ ByteBuffer Connector::SendFixedCommand(const SFixedCommand& command_I) {
 }
 
 SFirmwareVersion Connector::ReadFirmwareVersionByGet(const char* className_I) {
-    ByteBuffer reply =
-        SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Ddc::kGetWaitSeconds, Ddc::kReplySize, 0);
+    ByteBuffer reply = SendRequest(BuildGetVCPRequest(vcpC_DisplayFirmwareLevel), Seconds(mWaits.writeToRead),
+                                   Ddc::kReplySize, 0);
     StripReplyChecksum(reply);
     SGetReplyValue value;
     if (CheckGetReply(reply, vcpC_DisplayFirmwareLevel, false, value) != EReplyError::None) {
@@ -84,7 +84,7 @@ SFirmwareVersion Connector::ReadFirmwareVersionByGet(const char* className_I) {
 }
 
 bool Connector::ScalarReset() {
-    const ByteBuffer inBuffer = SendFixedCommand({BuildScalerResetMessage(), Ddc::kScalerResetWaitSeconds,
+    const ByteBuffer inBuffer = SendFixedCommand({BuildScalerResetMessage(), mWaits.resetToReply,
                                                   "ScalarReset", "Reset w", "Reset r", 4, ELogLevel::Info});
     if (inBuffer.empty()) {
         return false;
@@ -109,7 +109,7 @@ bool Connector::ScalarReset() {
 
 bool Connector::SaveSettingsToScalar() {
     const ByteBuffer inBuffer =
-        SendFixedCommand({BuildSaveCurrentSettingsRequest(), Ddc::kSaveWaitSeconds, "SaveSettingsToScalar",
+        SendFixedCommand({BuildSaveCurrentSettingsRequest(), mWaits.saveToReply, "SaveSettingsToScalar",
                           "Save w", "Save r", 3, ELogLevel::Verbose});
     // Closed under the request (a route that reads an unsent request as answered): the
     // display is gone and stored nothing.
@@ -118,7 +118,7 @@ bool Connector::SaveSettingsToScalar() {
     }
     // The null message 6E 80 BE, or a rotation of it.
     if (IsNullMessageByte(inBuffer[0]) && IsNullMessageByte(inBuffer[1])) {
-        Clock::PauseMs(200);
+        Clock::Pause(mWaits.afterSave);
         return true;
     }
     DLog("response was one we don't recognize\n");

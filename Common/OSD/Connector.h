@@ -14,6 +14,7 @@
 
 #include "ByteBuffer.h"
 #include "DebugLog.h"
+#include "DisplayWaits.h"
 #include "FirmwareVersion.h"
 
 enum EConnectorType : unsigned {
@@ -65,6 +66,11 @@ public:
         return std::unique_lock<std::recursive_mutex>(mAccess);
     }
 
+    // The waits of the display this connector serves (its family's row); the standard ones
+    // until a display object says otherwise.
+    void UseWaits(const SDisplayWaits& waits_I) { mWaits = waits_I; }
+    const SDisplayWaits& Waits() const { return mWaits; }
+
     // Restores factory defaults through the maker's fixed reset message.
     bool ScalarReset();
     // Makes the display store its current settings.
@@ -82,9 +88,10 @@ protected:
 
 private:
     std::recursive_mutex mAccess;
+    SDisplayWaits mWaits;
     struct SFixedCommand {
         ByteBuffer request;
-        double waitSeconds;
+        std::chrono::microseconds wait;
         const char* name;
         const char* writeTitle;
         const char* readTitle;

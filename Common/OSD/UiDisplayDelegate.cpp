@@ -80,7 +80,7 @@ bool UiDisplayDelegate::FactoryReset() {
         return false;
     }
     if (mTraits.restartsAfterFactoryReset) {
-        Clock::PauseMs(10000);
+        Clock::Pause(mTraits.waits.scalerRestart);
     }
     ResetData(true);
     return true;
@@ -115,14 +115,14 @@ bool UiDisplayDelegate::SetContrast(int32_t value_I) {
 }
 
 bool UiDisplayDelegate::SetGammaValue(int32_t value_I) {
-    if (mTraits.gammaScale != EGammaScale::FineScale) {
+    if (mTraits.gamma != EGammaScale::FineScale) {
         return false;
     }
     return Write(CodeOf(ESetting::Gamma), value_I);
 }
 
 bool UiDisplayDelegate::SetGamma(int32_t choice_I) {
-    switch (mTraits.gammaScale) {
+    switch (mTraits.gamma) {
         case EGammaScale::TwoChoices:
             return (choice_I == 1 || choice_I == 2) && Write(CodeOf(ESetting::Gamma), choice_I);
         // The fine scale takes the value as it is.
@@ -162,7 +162,7 @@ bool UiDisplayDelegate::SetAutoPowerDown(int32_t on_I) {
 }
 
 bool UiDisplayDelegate::SetPowerLEDBrightness(int32_t value_I) {
-    if (!mTraits.powerLedDimmable) {
+    if (mTraits.fixedPowerLed) {
         return false;
     }
     return Write(vcpC_LedBrightness, value_I);
@@ -310,7 +310,7 @@ SSettingState UiDisplayDelegate::ChoiceState(uint8_t vcpCode_I, const std::vecto
 }
 
 SSettingState UiDisplayDelegate::GammaState() {
-    const EGammaScale scale = mTraits.gammaScale;
+    const EGammaScale scale = mTraits.gamma;
     if (scale == EGammaScale::None) {
         return {};
     }
@@ -368,7 +368,7 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
         case ESetting::AspectRatio:
             return ChoiceState(CodeOf(setting_I), AspectRatioLabels(CodeOf(setting_I)));
         case ESetting::PowerLedBrightness:
-            if (!mTraits.powerLedDimmable) {
+            if (mTraits.fixedPowerLed) {
                 return {};
             }
             return ChoiceState(CodeOf(setting_I), PowerLedLabels());
@@ -404,7 +404,7 @@ bool UiDisplayDelegate::SetSetting(ESetting setting_I, int32_t value_I) {
         case ESetting::ColorTemperature: return SetColorTemperature(value_I);
         case ESetting::ColorSpace: return SetColorSpace(value_I);
         case ESetting::Gamma:
-            return mTraits.gammaScale == EGammaScale::FineScale ? SetGammaValue(value_I) : SetGamma(value_I);
+            return mTraits.gamma == EGammaScale::FineScale ? SetGammaValue(value_I) : SetGamma(value_I);
         case ESetting::PowerLedBrightness: return SetPowerLEDBrightness(value_I);
         case ESetting::DynamicContrast: return SetDynamicContrast(value_I);
         case ESetting::FanSpeed: return SetFanSpeed(value_I);
@@ -478,7 +478,7 @@ bool UiDisplayDelegate::IsPictureTooDark(int32_t brightness_I, int32_t contrast_
         level *= std::clamp(2.0 * contrast_I / contrast.range.maximum, 0.0, 1.0);
     }
     const uint8_t white = static_cast<uint8_t>(std::lround(255.0 * level));
-    return ::IsColorTooDark(CColor::FromRGB(white, white, white), eColorModGain, mTraits.tooDarkTest);
+    return ::IsColorTooDark(CColor::FromRGB(white, white, white), eColorModGain, mTraits.tooDark);
 }
 
 // ---- custom colour ----
@@ -534,5 +534,5 @@ bool UiDisplayDelegate::SetCustomRGBColorMod(uint32_t type_I, const CColor& colo
 }
 
 bool UiDisplayDelegate::IsColorTooDark(const CColor& color_I, uint32_t type_I) const {
-    return ::IsColorTooDark(color_I, type_I, mTraits.tooDarkTest);
+    return ::IsColorTooDark(color_I, type_I, mTraits.tooDark);
 }

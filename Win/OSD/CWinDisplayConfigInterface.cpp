@@ -14,7 +14,7 @@
 #include "DiscoverySystemApi.h"
 #include "EdidText.h"
 #include "LanguageProvider.h"
-#include "ModelGroups.h"
+#include "ProductFamilies.h"
 #include "ParallelWork.h"
 #include "ResourceUtils.h"
 #include "ScopedTimer.h"
@@ -701,7 +701,7 @@ std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplayNow(
     const uint16_t productCode = info_I.productCode;
     DLog("Matched display %s\n", Narrow(info_I.monitorName).c_str());
     const bool makersComputer =
-        IsInModelGroup(EModelGroup::PenComputerScreen, productCode) && IsMakersOwnComputer();
+        FamilyRowOf(productCode).penComputerScreen && IsMakersOwnComputer();
     const bool overGraphicsDriver = connector_I->GetType() == eConnectorDisplayPort;
     const std::string serial = Narrow(info_I.serialNumber);
     SDisplayIdentity identity{Edid::ManufacturerId(info_I.edid), productCode,

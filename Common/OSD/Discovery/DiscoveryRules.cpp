@@ -4,7 +4,7 @@
 #include <cctype>
 
 #include "DebugLog.h"
-#include "ModelGroups.h"
+#include "ProductFamilies.h"
 #include "StringUtilities.h"
 
 namespace Discovery {
@@ -52,22 +52,17 @@ bool TriesLegacy(uint32_t mode_I, bool displayPortFailed_I) {
 }
 
 bool HidServesByModel(uint16_t productCode_I) {
-    return IsInModelGroup(EModelGroup::HidPairedByModel, productCode_I);
+    return FamilyRowOf(productCode_I).hidPairedByModel;
 }
 
 unsigned ExpectedLegacyConnectorType(uint16_t productCode_I) {
-    unsigned expected = kNoConnectorType;
-    if (IsInModelGroup(EModelGroup::LegacySerialPort, productCode_I)) {
-        expected = eConnectorSerial;
+    switch (FamilyRowOf(productCode_I).legacyRoute) {
+        case ELegacyRoute::SerialPort: return eConnectorSerial;
+        case ELegacyRoute::FtdiBridge: return eConnectorFTDI;
+        case ELegacyRoute::TiBridge: return eConnectorTI;
+        case ELegacyRoute::None: break;
     }
-    if (expected == kNoConnectorType && IsInModelGroup(EModelGroup::LegacyFtdiBridge, productCode_I)) {
-        expected = eConnectorFTDI;
-    }
-    // Whatever was decided before, the TI families end on the TI bridge.
-    if (IsInModelGroup(EModelGroup::LegacyTiBridge, productCode_I)) {
-        expected = eConnectorTI;
-    }
-    return expected;
+    return kNoConnectorType;
 }
 
 bool SameSerialNumber(const std::string& connector_I, const std::string& record_I) {

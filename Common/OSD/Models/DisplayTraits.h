@@ -1,9 +1,8 @@
 #pragma once
 // What one display does differently from the others, worked out once from its EDID product
-// code when the display object is made: the variants of its code table, the corrections its
-// capabilities need, the VCP code behind each setting, its gamma scale, its too-dark test and
-// the rules of its settings. The display, the settings delegate and the colour model read
-// this record instead of asking the model groups on every query.
+// code when the display object is made: its family's row (traits and waits), the variants of
+// its code table that the row implies, and the VCP code behind each setting. The display, the
+// settings delegate and the colour model read this record.
 
 #include <array>
 #include <cstdint>
@@ -12,30 +11,17 @@
 #include "SettingCodes.h"
 #include "VcpCodeTable.h"
 
-struct SDisplayTraits {
+struct SDisplayTraits : SProductFamily {
+    SDisplayTraits() : SProductFamily(UnknownFamily()) {}
+
     uint16_t edidProductCode = 0;
-
-    // Capabilities and options.
     SCodeVariants codeVariants;
-    bool acceptsMissingMccsVersion = false;
-    bool fixedColorPresets = false;
-    bool extendedDisplayPresets = false;
-    bool noFan = false;
-    bool batteryModeMissingZero = false;
-
-    // Settings.
     std::array<uint8_t, kSettingCount> settingCodes{};
-    EGammaScale gammaScale = EGammaScale::None;
-    ETooDarkTest tooDarkTest = ETooDarkTest::None;
-    bool powerLedDimmable = true;
-    bool restartsAfterFactoryReset = false;
-    bool dynamicContrastExcludesUniformity = false;
-    bool customColorExcludesUniformity = false;
-    bool osdLanguageSetByHost = false;
-    const char* helpPage = "index";
 
     // The VCP code of the setting; 0 when the family has none.
     uint8_t SettingCode(ESetting setting_I) const { return settingCodes[static_cast<size_t>(setting_I)]; }
+    // The fine-scale models were released before they reported mccs_ver.
+    bool AcceptsMissingMccsVersion() const { return gamma == EGammaScale::FineScale; }
 };
 
 SDisplayTraits DisplayTraitsFor(uint16_t edidProductCode_I);

@@ -35,6 +35,7 @@ SProductFamily Plain(uint16_t productId_I, const char* series_I, const char* hel
         .hidPairedByModel = false,
         .legacyRoute = R::None,
         .penComputerScreen = false,
+        .waits = SDisplayWaits{},
     };
 }
 
@@ -48,11 +49,13 @@ SProductFamily EarlySerial(uint16_t productId_I, const char* helpPage_I) {
     return family;
 }
 
-// These panels list more colour presets than they can show and settle slowly after a preset
-// change; earlier firmware starts its menu in English whatever the computer's language.
+// These panels list more colour presets than they can show and need a second before a restored
+// preset reads back; earlier firmware starts its menu in English whatever the computer's
+// language.
 SProductFamily Hd(uint16_t productId_I, const char* helpPage_I) {
     SProductFamily family = Plain(productId_I, "HD", helpPage_I);
     family.fixedColorPresets = true;
+    family.waits.restoredPresetSettles = std::chrono::seconds(1);
     family.aspect = A::DisplayScaling;
     family.gamma = G::TwoChoices;
     family.tooDark = T::BlackFrom60;
@@ -167,4 +170,14 @@ const SProductFamily* ProductFamilyOf(uint16_t edidProductCode_I) {
         }
     }
     return nullptr;
+}
+
+const SProductFamily& UnknownFamily() {
+    static const SProductFamily unknown = Plain(0, "unknown", "index");
+    return unknown;
+}
+
+const SProductFamily& FamilyRowOf(uint16_t edidProductCode_I) {
+    const SProductFamily* family = ProductFamilyOf(edidProductCode_I);
+    return family != nullptr ? *family : UnknownFamily();
 }

@@ -2,11 +2,14 @@
 // One row per product family: everything a family does differently, as named traits. A
 // family is named by the USB product id of the pen tablet built into its displays; a display
 // belongs to it when its EDID product code is in the tablet's family (CEdidBuilder). The
-// model groups, the setting codes, the display traits and the help pages are all read from
-// these rows: a new family with known quirks is one row (plus its EDID and name entries).
+// setting codes, the display traits, the waits, discovery's pairing and the help pages are all
+// read from these rows: a new family with known quirks is one row (plus its EDID and name
+// entries).
 
 #include <cstdint>
 #include <vector>
+
+#include "DisplayWaits.h"
 
 // Which control dims the backlight (the brightness slider).
 enum class EBrightnessControl { Luminance, BacklightControl, WhiteBacklightLevel };
@@ -44,7 +47,7 @@ struct SProductFamily {
 
     // Capabilities and options.
     EColorPresetCode colorPresets;
-    bool fixedColorPresets;       // 0x14 offers 5000, 6500, 9300 and 5700 K, and settles slowly
+    bool fixedColorPresets;       // 0x14 offers 5000, 6500, 9300 and 5700 K
     bool extendedDisplayPresets;  // 0xF0 offers 00 05 06 07 08 09 0A 0B 0C 0D
     bool noFan;                   // Fan Speed (0xF3) is dropped although the firmware lists it
     bool batteryModeMissingZero;  // Battery Mode is listed as "F4(02 03)" but 0 is reported too
@@ -65,9 +68,16 @@ struct SProductFamily {
     bool hidPairedByModel;  // any HID control interface may serve it when none reports its serial
     ELegacyRoute legacyRoute;
     bool penComputerScreen;  // the built-in screen of the maker's pen computer
+
+    // How long its firmware is given after each kind of request.
+    SDisplayWaits waits;
 };
 
 // Every family, one row each.
 const std::vector<SProductFamily>& ProductFamilies();
 // The family of the display with this EDID product code; null for a display of no known family.
 const SProductFamily* ProductFamilyOf(uint16_t edidProductCode_I);
+// The row of a display of no known family: the standard codes and waits, no quirks.
+const SProductFamily& UnknownFamily();
+// The family's row, or the unknown family's.
+const SProductFamily& FamilyRowOf(uint16_t edidProductCode_I);

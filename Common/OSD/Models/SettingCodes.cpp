@@ -2,41 +2,55 @@
 
 #include <algorithm>
 
-#include "ModelGroups.h"
 #include "StringIds.h"
 #include "codes.h"
 
 namespace {
 
-// The families that carry a setting on another code than its row's, as rules by model group.
-// The first rule of a setting whose group the display is in decides; a display in none of
-// them uses the row's code. Colour mode, aspect ratio and scan mode have no code of their own.
+// The families that carry a setting on another code than its row's, as questions to the family
+// row. The first rule of a setting that the family answers decides; a family that answers none
+// uses the row's code. Colour mode, aspect ratio and scan mode have no code of their own.
 struct SCodeRule {
     ESetting setting;
-    EModelGroup group;
+    bool (*applies)(const SProductFamily&);
     uint8_t vcpCode;
 };
 
 constexpr SCodeRule kCodeRules[] = {
-    {ESetting::Brightness, EModelGroup::BrightnessByBacklightControl, vcpC_BacklightControl},
-    {ESetting::Brightness, EModelGroup::BrightnessByWhiteBacklightLevel, vcpC_BacklightLevelWhite},
-    {ESetting::ColorSettingMode, EModelGroup::ColorModeByDisplayPresets, vcpC_DisplayPresets},
-    {ESetting::ColorTemperature, EModelGroup::ColorOffsetRedIsColorPreset, vcpC_ColorOffsetRed},
-    {ESetting::AspectRatio, EModelGroup::AspectRatioByMakerCode, vcpC_AspectRatio},
-    {ESetting::AspectRatio, EModelGroup::AspectRatioByDisplayScaling, vcpC_DisplayScaling},
-    {ESetting::AspectRatio, EModelGroup::ScanModeFitsPicture, vcpC_ScanMode},
-    {ESetting::ScanMode, EModelGroup::ScanModeFitsPicture, vcpC_ScanMode},
+    {ESetting::Brightness,
+     [](const SProductFamily& f) { return f.brightness == EBrightnessControl::BacklightControl; },
+     vcpC_BacklightControl},
+    {ESetting::Brightness,
+     [](const SProductFamily& f) { return f.brightness == EBrightnessControl::WhiteBacklightLevel; },
+     vcpC_BacklightLevelWhite},
+    {ESetting::ColorSettingMode, [](const SProductFamily& f) { return f.colorModeByDisplayPresets; },
+     vcpC_DisplayPresets},
+    {ESetting::ColorTemperature,
+     [](const SProductFamily& f) { return f.colorPresets == EColorPresetCode::ColorOffsetRed; },
+     vcpC_ColorOffsetRed},
+    {ESetting::AspectRatio, [](const SProductFamily& f) { return f.aspect == EAspectControl::MakerCode; },
+     vcpC_AspectRatio},
+    {ESetting::AspectRatio,
+     [](const SProductFamily& f) { return f.aspect == EAspectControl::DisplayScaling; }, vcpC_DisplayScaling},
+    {ESetting::AspectRatio, [](const SProductFamily& f) { return f.aspect == EAspectControl::ScanMode; },
+     vcpC_ScanMode},
+    {ESetting::ScanMode, [](const SProductFamily& f) { return f.aspect == EAspectControl::ScanMode; },
+     vcpC_ScanMode},
 };
 
 }  // namespace
 
-uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I) {
+uint8_t SettingCode(ESetting setting_I, const SProductFamily& family_I) {
     for (const SCodeRule& rule : kCodeRules) {
-        if (rule.setting == setting_I && IsInModelGroup(rule.group, edidProductCode_I)) {
+        if (rule.setting == setting_I && rule.applies(family_I)) {
             return rule.vcpCode;
         }
     }
     return SettingRowOf(setting_I).code;
+}
+
+uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I) {
+    return SettingCode(setting_I, FamilyRowOf(edidProductCode_I));
 }
 
 // What the dialogs call the values of each enumerated setting, in the order they list them.

@@ -1,17 +1,19 @@
 #pragma once
-// Which VCP code carries each setting on each product family (its row's code, unless the
-// family's model group carries it on another), and the labels of the values of enumerated
+// Which VCP code carries each setting on each product family (the setting row's code, unless
+// the family's row says it carries it on another), and the labels of the values of enumerated
 // settings. Display traits are made from it.
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "ProductFamilies.h"
 #include "SettingTable.h"
 
 // The VCP code of the setting on the display with this EDID product code; 0 when the family
 // has no code for it. Displays keep the answer in their traits.
 uint8_t SettingCode(ESetting setting_I, uint16_t edidProductCode_I);
+uint8_t SettingCode(ESetting setting_I, const SProductFamily& family_I);
 
 // One choice of a combo: the string id of its label and the value behind it.
 struct SEntry {

@@ -3,18 +3,6 @@
 #include "Assert.h"
 #include "codes.h"
 
-namespace Ddc {
-
-double SetRequestWaitSeconds(uint8_t vcpCode_I) {
-    switch (vcpCode_I) {
-        case vcpC_Luminance: return kSetLuminanceWaitSeconds;
-        case vcpC_DisplayScaling: return kSetDisplayScalingWaitSeconds;
-        default: return kSetWaitSeconds;
-    }
-}
-
-}  // namespace Ddc
-
 uint8_t Checksum(const ByteBuffer& buffer_I, uint8_t seed_I) {
     uint8_t sum = seed_I;
     for (uint8_t byte : buffer_I) {

@@ -38,16 +38,6 @@ constexpr size_t kValueLowByte = 6;
 // Reply capacity every caller asks the connector for.
 constexpr unsigned kReplySize = 38;
 
-// Waits between writing a request and reading its reply, fitted to the display firmware.
-constexpr double kGetWaitSeconds = 0.07;
-constexpr double kSetWaitSeconds = 0.07;
-constexpr double kSetLuminanceWaitSeconds = 0.13;
-constexpr double kSetDisplayScalingWaitSeconds = 0.25;
-constexpr double kSaveWaitSeconds = 0.22;
-constexpr double kScalerResetWaitSeconds = 0.07;
-
-// The wait after a set request of this code.
-double SetRequestWaitSeconds(uint8_t vcpCode_I);
 
 // The maker's vendor commands: opcode C0 with a command byte.
 constexpr uint8_t kVendorOpcode = 0xC0;

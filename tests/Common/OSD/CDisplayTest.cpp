@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <cstring>
 #include <random>
 
 #include "CEdidBuilder.h"
 #include "DdcPackets.h"
 #include "LogCapture.h"
-#include "ModelGroups.h"
+#include "ProductFamilies.h"
 #include "VirtualBench.h"
 
 using namespace std::chrono_literals;
@@ -44,26 +46,32 @@ TEST(CDisplayInitialize, EveryFamilyPresetInitialisesWithItsCorrections) {
         EXPECT_FALSE(display.HasOption(vcpC_DisplayInfo));  // a table: no option
 
         const uint16_t code = model.edidProductCode;
-        const bool touch = IsInAnyFamily({0x0390, 0x0396, 0x0391}, code);
-        const bool studioOrBattery = IsInAnyFamily({0x03A6, 0x03BD, 0x03AE, 0x03B0}, code);
+        auto inAny = [code](std::initializer_list<uint16_t> tablets_I) {
+            return std::any_of(tablets_I.begin(), tablets_I.end(), [code](uint16_t tablet) {
+                return CEdidBuilder::Instance()->IsInProductFamily(tablet, code);
+            });
+        };
+        const bool touch = inAny({0x0390, 0x0396, 0x0391});
+        const bool studioOrBattery = inAny({0x03A6, 0x03BD, 0x03AE, 0x03B0});
+        const SProductFamily& family = FamilyRowOf(code);
         EXPECT_TRUE(display.HasOption(touch             ? vcpC_BacklightControl
                                       : studioOrBattery ? vcpC_BacklightLevelWhite
                                                         : vcpC_Luminance));
-        if (IsInModelGroup(EModelGroup::FixedColorPresets, code)) {
+        if (family.fixedColorPresets) {
             EXPECT_EQ(OptionSetOf<colorPresetCode>(display, 0x14), (std::vector<uint32_t>{4, 5, 8, 11}));
         }
-        if (IsInModelGroup(EModelGroup::ExtendedDisplayPresets, code)) {
+        if (family.extendedDisplayPresets) {
             EXPECT_EQ(OptionSetOf<colorPresetCode>(display, 0xF0),
                       (std::vector<uint32_t>{0, 5, 6, 7, 8, 9, 10, 11, 12, 13}));
         }
-        if (IsInModelGroup(EModelGroup::NoFan, code)) {
+        if (family.noFan) {
             EXPECT_FALSE(display.HasOption(vcpC_FanSpeed));
             EXPECT_NE(bench.display->CapabilitiesString().find(" F3("), std::string::npos);
         }
         if (display.HasOption(vcpC_BatteryMode)) {
             EXPECT_EQ(OptionSetOf<uint32_t>(display, 0xF4), (std::vector<uint32_t>{0, 2, 3}));
         }
-        if (IsInModelGroup(EModelGroup::ContinuousGammaDefaultMccs, code)) {
+        if (family.gamma == EGammaScale::FineScale) {
             EXPECT_EQ(bench.display->CapabilitiesString().find("mccs_ver"), std::string::npos);
             EXPECT_EQ(display.Capabilities().at("mccs_ver"), "2.2");
             EXPECT_NE(std::dynamic_pointer_cast<VCPOptionSingleCode>(display.Option(vcpC_Gamma)), nullptr);

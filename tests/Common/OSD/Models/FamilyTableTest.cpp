@@ -6,7 +6,6 @@
 
 #include "CEdidBuilder.h"
 #include "DisplayTraits.h"
-#include "ModelGroups.h"
 
 namespace {
 
@@ -85,15 +84,15 @@ TEST(FamilyTable, EveryFamilyHasTheTraitsItsRulesGiveIt) {
         EXPECT_EQ(traits.SettingCode(ESetting::Gamma), 0x72);
         EXPECT_EQ(traits.SettingCode(ESetting::ColorSpace), 0xE3);
         EXPECT_EQ(traits.SettingCode(ESetting::OsdLanguage), 0xCC);
-        EXPECT_EQ(traits.gammaScale, row.gamma);
-        EXPECT_EQ(traits.tooDarkTest, row.tooDark);
-        EXPECT_EQ(traits.powerLedDimmable, row.ledDimmable);
+        EXPECT_EQ(traits.gamma, row.gamma);
+        EXPECT_EQ(traits.tooDark, row.tooDark);
+        EXPECT_EQ(!traits.fixedPowerLed, row.ledDimmable);
         EXPECT_EQ(traits.SettingCode(ESetting::ScanMode), row.scanMode ? 0xDA : 0);
         EXPECT_EQ(traits.restartsAfterFactoryReset, row.restartsAfterReset);
         EXPECT_EQ(traits.dynamicContrastExcludesUniformity, row.dynamicContrastExcludesUniformity);
         EXPECT_EQ(traits.noFan, row.noFan);
         EXPECT_EQ(traits.codeVariants.fineScaleGamma, row.fineGamma);
-        EXPECT_EQ(traits.acceptsMissingMccsVersion, row.fineGamma);
+        EXPECT_EQ(traits.AcceptsMissingMccsVersion(), row.fineGamma);
         EXPECT_EQ(traits.customColorExcludesUniformity, row.fineGamma);  // the pro models
     }
 }
@@ -148,7 +147,7 @@ const SFamilyGroups kFamilyGroups[] = {
 
 }  // namespace
 
-TEST(FamilyTable, EveryFamilyIsInTheGroupsOfItsOptionsSettingsAndDiscovery) {
+TEST(FamilyTable, EveryFamilyHasTheTraitsOfItsOptionsSettingsAndDiscovery) {
     CEdidBuilder* builder = CEdidBuilder::Instance();
     builder->Add(MakeTabletId(0x034F), kTestCode034F);
     builder->Add(MakeTabletId(0x0350), kTestCode0350);
@@ -165,10 +164,10 @@ TEST(FamilyTable, EveryFamilyIsInTheGroupsOfItsOptionsSettingsAndDiscovery) {
         EXPECT_EQ(traits.batteryModeMissingZero, row.batteryMissingZero);
         EXPECT_EQ(traits.osdLanguageSetByHost, row.osdLanguageByHost);
         EXPECT_STREQ(traits.helpPage, row.helpPage);
-        EXPECT_EQ(IsInModelGroup(EModelGroup::LegacySerialPort, row.edid), row.legacy == Lg::Serial);
-        EXPECT_EQ(IsInModelGroup(EModelGroup::LegacyFtdiBridge, row.edid), row.legacy == Lg::Ftdi);
-        EXPECT_EQ(IsInModelGroup(EModelGroup::LegacyTiBridge, row.edid), row.legacy == Lg::Ti);
-        EXPECT_EQ(IsInModelGroup(EModelGroup::HidPairedByModel, row.edid), row.hidPairedByModel);
-        EXPECT_EQ(IsInModelGroup(EModelGroup::PenComputerScreen, row.edid), row.penComputer);
+        EXPECT_EQ(traits.legacyRoute == ELegacyRoute::SerialPort, row.legacy == Lg::Serial);
+        EXPECT_EQ(traits.legacyRoute == ELegacyRoute::FtdiBridge, row.legacy == Lg::Ftdi);
+        EXPECT_EQ(traits.legacyRoute == ELegacyRoute::TiBridge, row.legacy == Lg::Ti);
+        EXPECT_EQ(traits.hidPairedByModel, row.hidPairedByModel);
+        EXPECT_EQ(traits.penComputerScreen, row.penComputer);
     }
 }

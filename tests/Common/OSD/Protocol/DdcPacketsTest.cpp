@@ -46,15 +46,6 @@ TEST(DdcPackets, RequestsAreFramedByteForByte) {
     }
 }
 
-TEST(DdcPackets, WaitsBelongToTheFirmwareTiming) {
-    EXPECT_DOUBLE_EQ(Ddc::SetRequestWaitSeconds(vcpC_Luminance), 0.13);
-    EXPECT_DOUBLE_EQ(Ddc::SetRequestWaitSeconds(vcpC_DisplayScaling), 0.25);
-    EXPECT_DOUBLE_EQ(Ddc::SetRequestWaitSeconds(vcpC_Contrast), 0.07);
-    EXPECT_DOUBLE_EQ(Ddc::SetRequestWaitSeconds(vcpC_BacklightControl), 0.07);
-    EXPECT_DOUBLE_EQ(Ddc::kGetWaitSeconds, 0.07);
-    EXPECT_EQ(Ddc::kReplySize, 38u);
-}
-
 TEST(DdcPackets, StripReplyChecksumRemovesTheLastByteAndChecksTheRest) {
     ByteBuffer reply = GetReply(0x10, 100, 50);
     const uint8_t sent = reply.back();

@@ -5,7 +5,7 @@
 namespace {
 // The too-dark test of the display with this EDID product code.
 bool TooDarkOn(const CColor& color, uint32_t type, uint16_t edid) {
-    return IsColorTooDark(color, type, DisplayTraitsFor(edid).tooDarkTest);
+    return IsColorTooDark(color, type, DisplayTraitsFor(edid).tooDark);
 }
 }  // namespace
 
