@@ -12,6 +12,7 @@
 #include "EdidText.h"
 #include "HidrawDevices.h"
 #include "PosixSerialPort.h"
+#include "RoutePlan.h"
 #include "UsbSerialPorts.h"
 #include "WinUSBConnector.h"
 
@@ -36,13 +37,20 @@ struct SHidCandidate {
     bool taken = false;
 };
 
-struct SSerialCandidate {
-    std::string node;
-    std::shared_ptr<CWinUSBConnector> connector;  // opened when a display first needs the ports
-    bool taken = false;
-};
-
 }  // namespace
+
+void CLinuxDisplayDiscovery::OpenSerialPorts(std::vector<SSerialCandidate>& ports_IO) {
+    for (SSerialCandidate& port : ports_IO) {
+        if (!port.connector) {
+            auto posix = std::make_unique<CPosixSerialPort>();
+            CPosixSerialPort* line = posix.get();
+            port.connector = std::make_shared<CWinUSBConnector>(std::move(posix));
+            if (!port.connector->Open(port.node)) {
+                mNotes.push_back(OpenNote(port.node, static_cast<int>(line->LastError())));
+            }
+        }
+    }
+}
 
 std::vector<SFoundDisplay> CLinuxDisplayDiscovery::Find() {
     std::vector<SFoundDisplay> displays;
@@ -71,49 +79,59 @@ std::vector<SFoundDisplay> CLinuxDisplayDiscovery::Find() {
         const std::string serial = Edid::DescriptorText(drm.edid, 0xFF);
         std::shared_ptr<Connector> connector;
         std::string route;
-        // HID first: by the display's own serial number, then, for the models any control
-        // interface serves, by model; then DDC/CI over the connector's bus.
-        if (const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
-                hid.size(), [&](size_t i_I) { return !hid[i_I].taken; },
-                [&](size_t i_I) { return hid[i_I].connector->SerialNumber(-1); }, serial,
-                Discovery::HidServesByModel(productCode))) {
-            hid[*chosen].taken = true;
-            connector = hid[*chosen].connector;
-            route = hid[*chosen].node;
-        }
-        // The models reached over a serial line: the port that reads the display's serial number
-        // from it, then, as on Windows, any free port by model.
-        if (!connector && Discovery::ExpectedLegacyConnectorType(productCode) == eConnectorSerial) {
-            for (SSerialCandidate& port : serialPorts) {
-                if (!port.connector) {
-                    auto posix = std::make_unique<CPosixSerialPort>();
-                    CPosixSerialPort* line = posix.get();
-                    port.connector = std::make_shared<CWinUSBConnector>(std::move(posix));
-                    if (!port.connector->Open(port.node)) {
-                        mNotes.push_back(OpenNote(port.node, static_cast<int>(line->LastError())));
+        auto serve = [&](std::shared_ptr<Connector> connector_I, const std::string& route_I) {
+            connector = std::move(connector_I);
+            route = route_I;
+            return ERouteResult::Served;
+        };
+        const SRoutePlan plan = Discovery::PlanRoutes(eConnectionAll, true, productCode, false);
+        Discovery::RunRoutePlan(plan, [&](ERoute route_I) {
+            switch (route_I) {
+                case ERoute::Hid:
+                    // By the display's own serial number, then, for the models any control
+                    // interface serves, by model.
+                    if (const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
+                            hid.size(), [&](size_t i_I) { return !hid[i_I].taken; },
+                            [&](size_t i_I) { return hid[i_I].connector->SerialNumber(-1); }, serial,
+                            plan.hidByModel)) {
+                        hid[*chosen].taken = true;
+                        return serve(hid[*chosen].connector, hid[*chosen].node);
                     }
-                }
+                    break;
+                case ERoute::Legacy:
+                    // This system reaches the legacy models over their serial line only: the
+                    // port that reads the display's serial number, then, as on Windows, any
+                    // free port by model.
+                    if (plan.expectedLegacyType != eConnectorSerial) {
+                        break;
+                    }
+                    OpenSerialPorts(serialPorts);
+                    if (const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
+                            serialPorts.size(),
+                            [&](size_t i_I) {
+                                return !serialPorts[i_I].taken && serialPorts[i_I].connector->IsOpen();
+                            },
+                            [&](size_t i_I) { return serialPorts[i_I].connector->SerialNumber(-1); }, serial,
+                            true)) {
+                        serialPorts[*chosen].taken = true;
+                        return serve(serialPorts[*chosen].connector, serialPorts[*chosen].node);
+                    }
+                    break;
+                case ERoute::GraphicsDriver:
+                    // DDC/CI over the connector's own bus.
+                    if (drm.i2cDevice.empty()) {
+                        break;
+                    }
+                    if (auto i2c = std::make_shared<CI2cDevConnector>(mSystem);
+                        i2c->Open(std::stoi(drm.i2cDevice.substr(drm.i2cDevice.rfind('-') + 1)))) {
+                        return serve(i2c, drm.i2cDevice);
+                    } else {
+                        mNotes.push_back(drm.name + ": " + OpenNote(drm.i2cDevice, i2c->OpenError()));
+                    }
+                    break;
             }
-            if (const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
-                    serialPorts.size(),
-                    [&](size_t i_I) {
-                        return !serialPorts[i_I].taken && serialPorts[i_I].connector->IsOpen();
-                    },
-                    [&](size_t i_I) { return serialPorts[i_I].connector->SerialNumber(-1); }, serial, true)) {
-                serialPorts[*chosen].taken = true;
-                connector = serialPorts[*chosen].connector;
-                route = serialPorts[*chosen].node;
-            }
-        }
-        if (!connector && !drm.i2cDevice.empty()) {
-            auto i2c = std::make_shared<CI2cDevConnector>(mSystem);
-            if (i2c->Open(std::stoi(drm.i2cDevice.substr(drm.i2cDevice.rfind('-') + 1)))) {
-                connector = i2c;
-                route = drm.i2cDevice;
-            } else {
-                mNotes.push_back(drm.name + ": " + OpenNote(drm.i2cDevice, i2c->OpenError()));
-            }
-        }
+            return ERouteResult::NotServed;
+        });
         if (!connector) {
             DLog("CLinuxDisplays: no way to reach %s (%s)\n", drm.name.c_str(), serial.c_str());
             continue;

@@ -2,7 +2,7 @@
 // The displays of this Linux system: each DRM connector whose EDID names the maker, reached over
 // the maker's HID control interface (/dev/hidrawN) when one pairs with it, as on Windows, over a
 // USB serial port for the models reached that way, or else by DDC/CI over the connector's DDC
-// bus (/dev/i2c-N). Pairing follows the portable discovery rules.
+// bus (/dev/i2c-N). The routes are tried as the portable route plan orders them.
 
 #include <memory>
 #include <string>
@@ -10,6 +10,8 @@
 
 #include "FoundDisplay.h"
 #include "LinuxSystem.h"
+
+class CWinUSBConnector;
 
 class CLinuxDisplayDiscovery {
 public:
@@ -27,6 +29,14 @@ public:
     const std::vector<std::string>& Notes() const { return mNotes; }
 
 private:
+    struct SSerialCandidate {
+        std::string node;
+        std::shared_ptr<CWinUSBConnector> connector;  // opened when a display first needs the ports
+        bool taken = false;
+    };
+    // Opens the ports not opened yet; a port that does not open leaves a note.
+    void OpenSerialPorts(std::vector<SSerialCandidate>& ports_IO);
+
     ILinuxSystem& mSystem;
     std::string mSysfsDrm;
     std::string mSysfsHidraw;

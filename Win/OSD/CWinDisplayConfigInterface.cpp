@@ -14,8 +14,8 @@
 #include "DiscoverySystemApi.h"
 #include "EdidText.h"
 #include "LanguageProvider.h"
-#include "ProductFamilies.h"
 #include "ParallelWork.h"
+#include "ProductFamilies.h"
 #include "ResourceUtils.h"
 #include "ScopedTimer.h"
 #include "SerialPort.h"
@@ -176,24 +176,29 @@ bool CWinDisplayConfigInterface::Init() {
         SDisplayInfo& info = mDisplayInfos[index];
         DLog("CWinDisplayConfigInterface::Init: - displayInfo %s\n", Narrow(info.monitorName).c_str());
 
-        if (Discovery::TriesHid(mConnectionMode)) {
-            ServeByHid(info);
-        }
-        bool displayPortFailed = false;
-        if (Discovery::TriesDisplayPort(mConnectionMode, info.display != nullptr)) {
-            std::string error;
-            if (!ServeByDisplayPort(info, displayPortFailed, error)) {
-                mErrorText =
-                    Discovery::DisplayPortErrorText(info.productCode, Narrow(info.supportedName), error);
-                ReleaseUnusedConnectors();
-                ForgetAhead();
-                return false;
+        const SRoutePlan plan = PlanFor(info);
+        const ERouteResult result = Discovery::RunRoutePlan(plan, [&](ERoute route_I) {
+            switch (route_I) {
+                case ERoute::Hid: ServeByHid(info, plan); break;
+                case ERoute::GraphicsDriver: {
+                    bool failed = false;
+                    std::string error;
+                    if (!ServeByDisplayPort(info, failed, error)) {
+                        mErrorText = Discovery::DisplayPortErrorText(info.productCode,
+                                                                     Narrow(info.supportedName), error);
+                        return ERouteResult::EndSearch;
+                    }
+                    break;
+                }
+                case ERoute::Legacy: ServeByLegacyPairing(info, plan, portsSearched); break;
             }
+            return info.display ? ERouteResult::Served : ERouteResult::NotServed;
+        });
+        if (result == ERouteResult::EndSearch) {
+            ReleaseUnusedConnectors();
+            ForgetAhead();
+            return false;
         }
-        if (Discovery::TriesLegacy(mConnectionMode, displayPortFailed)) {
-            ServeByLegacyPairing(info, portsSearched);
-        }
-
         if (!info.display) {
             DLog("Erasing display %s\n", Narrow(info.monitorName).c_str());
             mDisplayInfos.erase(mDisplayInfos.begin() + static_cast<std::ptrdiff_t>(index));
@@ -232,10 +237,14 @@ bool CWinDisplayConfigInterface::IsTaken(const std::shared_ptr<Connector>& conne
     });
 }
 
-void CWinDisplayConfigInterface::ServeByHid(SDisplayInfo& info_I) {
+SRoutePlan CWinDisplayConfigInterface::PlanFor(const SDisplayInfo& info_I) const {
+    return Discovery::PlanRoutes(mConnectionMode, mMatchByModel, info_I.productCode, true);
+}
+
+void CWinDisplayConfigInterface::ServeByHid(SDisplayInfo& info_I, const SRoutePlan& plan_I) {
     DLog("CWinDisplayConfigInterface::Init: - trying to create a Vcp HID supported tablet...\n");
     const std::string serial = Narrow(info_I.serialNumber);
-    const bool byModel = mMatchByModel && Discovery::HidServesByModel(info_I.productCode);
+    const bool byModel = plan_I.hidByModel;
     // The interface that reports the display's own serial number first, so that two displays
     // of one family each get their own; only then any interface by model.
     const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
@@ -290,7 +299,8 @@ bool CWinDisplayConfigInterface::ServeByDisplayPort(SDisplayInfo& info_I, bool& 
     return !(mStopOnDisplayPortError && !error_O.empty());
 }
 
-void CWinDisplayConfigInterface::ServeByLegacyPairing(SDisplayInfo& info_I, bool& portsSearched_IO) {
+void CWinDisplayConfigInterface::ServeByLegacyPairing(SDisplayInfo& info_I, const SRoutePlan& plan_I,
+                                                      bool& portsSearched_IO) {
     DLog("CWinDisplayConfigInterface::Init: - Process non-DP supported tablets...\n");
     if (!portsSearched_IO) {
         portsSearched_IO = true;
@@ -308,8 +318,7 @@ void CWinDisplayConfigInterface::ServeByLegacyPairing(SDisplayInfo& info_I, bool
     DLog("CWinDisplayConfigInterface::Init: - mConnectorList.size: %u\n",
          static_cast<unsigned>(mConnectorList.size()));
     DLog("CWinDisplayConfigInterface::Init: - trolling for serial numbers...\n");
-    const unsigned expectedType = mMatchByModel ? Discovery::ExpectedLegacyConnectorType(info_I.productCode)
-                                                : Discovery::kNoConnectorType;
+    const unsigned expectedType = plan_I.expectedLegacyType;
     const std::string monitorName = Narrow(info_I.monitorName);
     for (const std::shared_ptr<Connector>& connector : mConnectorList) {
         if (IsTaken(connector)) {
@@ -700,8 +709,7 @@ std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplayNow(
     CScopedTimer timer("CWinDisplayConfigInterface::CreateDisplay");
     const uint16_t productCode = info_I.productCode;
     DLog("Matched display %s\n", Narrow(info_I.monitorName).c_str());
-    const bool makersComputer =
-        FamilyRowOf(productCode).penComputerScreen && IsMakersOwnComputer();
+    const bool makersComputer = FamilyRowOf(productCode).penComputerScreen && IsMakersOwnComputer();
     const bool overGraphicsDriver = connector_I->GetType() == eConnectorDisplayPort;
     const std::string serial = Narrow(info_I.serialNumber);
     SDisplayIdentity identity{Edid::ManufacturerId(info_I.edid), productCode,
@@ -740,21 +748,23 @@ void CWinDisplayConfigInterface::InitializeAhead() {
     // records try one interface. The first read of an interface's serial number is the search's
     // own: its lines are written where the search reads it.
     std::vector<std::shared_ptr<Connector>> hidOf(mDisplayInfos.size());
-    if (Discovery::TriesHid(mConnectionMode)) {
-        for (size_t record = 0; record < mDisplayInfos.size(); ++record) {
-            const SDisplayInfo& info = mDisplayInfos[record];
-            const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
-                mConnectorList.size(),
-                [&](size_t i_I) {
-                    return mConnectorList[i_I]->GetType() == eConnectorHID &&
-                           mAheadClaimed.count(mConnectorList[i_I].get()) == 0;
-                },
-                [&](size_t i_I) { return SerialAhead(*mConnectorList[i_I], false); },
-                Narrow(info.serialNumber), mMatchByModel && Discovery::HidServesByModel(info.productCode));
-            if (chosen) {
-                hidOf[record] = mConnectorList[*chosen];
-                mAheadClaimed.insert(hidOf[record].get());
-            }
+    for (size_t record = 0; record < mDisplayInfos.size(); ++record) {
+        const SDisplayInfo& info = mDisplayInfos[record];
+        const SRoutePlan plan = PlanFor(info);
+        if (std::find(plan.order.begin(), plan.order.end(), ERoute::Hid) == plan.order.end()) {
+            continue;
+        }
+        const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
+            mConnectorList.size(),
+            [&](size_t i_I) {
+                return mConnectorList[i_I]->GetType() == eConnectorHID &&
+                       mAheadClaimed.count(mConnectorList[i_I].get()) == 0;
+            },
+            [&](size_t i_I) { return SerialAhead(*mConnectorList[i_I], false); }, Narrow(info.serialNumber),
+            plan.hidByModel);
+        if (chosen) {
+            hidOf[record] = mConnectorList[*chosen];
+            mAheadClaimed.insert(hidOf[record].get());
         }
     }
     RunForEach(mDisplayInfos.size(), true,
@@ -765,38 +775,51 @@ void CWinDisplayConfigInterface::InitializeRecordAhead(const SDisplayInfo& info_
                                                        const std::shared_ptr<Connector>& hid_I) {
     // What is written here outside the steps kept below is not the search's.
     DebugLog::CHeldLines stray;
-    if (hid_I && CreateAhead(info_I, hid_I)) {
-        return;
+    // The search's own plan, run the way the search runs it: each route the search would try,
+    // on the channel it would choose.
+    Discovery::RunRoutePlan(PlanFor(info_I), [&](ERoute route_I) {
+        switch (route_I) {
+            case ERoute::Hid:
+                return hid_I && CreateAhead(info_I, hid_I) ? ERouteResult::Served : ERouteResult::NotServed;
+            case ERoute::GraphicsDriver: return DisplayPortAhead(info_I);
+            case ERoute::Legacy: return LegacyAhead(info_I);
+        }
+        return ERouteResult::NotServed;
+    });
+}
+
+ERouteResult CWinDisplayConfigInterface::DisplayPortAhead(const SDisplayInfo& info_I) {
+    if (info_I.monitor == nullptr) {
+        // Nothing more is tried ahead for this record: the search looks for its monitor once
+        // more, and whether the driver then serves it is not known here.
+        return ERouteResult::EndSearch;
     }
-    bool displayPortFailed = false;
-    if (Discovery::TriesDisplayPort(mConnectionMode, false) && info_I.monitor != nullptr) {
-        SDisplayInfo record = info_I;
-        record.owner = mRecordOwner;
-        SAheadDisplayPort ahead;
-        ahead.connector = std::make_shared<CWinI2CConnectorDP>();
-        ahead.monitor = info_I.monitor;
-        {
-            DebugLog::CHeldLines held;
-            ahead.opened = ahead.connector->Open(record);
-            ahead.lines = held.Take();
-        }
-        const std::shared_ptr<CWinI2CConnectorDP> connector = ahead.connector;
-        const bool opened = ahead.opened;
-        {
-            std::lock_guard<std::mutex> lock(mAheadMutex);
-            mAheadDisplayPort[info_I.deviceID] = std::move(ahead);
-        }
-        if (opened && CreateAhead(info_I, connector)) {
-            return;
-        }
-        displayPortFailed = true;
-        if (mStopOnDisplayPortError && !connector->LastCapabilitiesError().empty()) {
-            return;  // the search ends at this record
-        }
+    SDisplayInfo record = info_I;
+    record.owner = mRecordOwner;
+    SAheadDisplayPort ahead;
+    ahead.connector = std::make_shared<CWinI2CConnectorDP>();
+    ahead.monitor = info_I.monitor;
+    {
+        DebugLog::CHeldLines held;
+        ahead.opened = ahead.connector->Open(record);
+        ahead.lines = held.Take();
     }
-    if (!Discovery::TriesLegacy(mConnectionMode, displayPortFailed)) {
-        return;
+    const std::shared_ptr<CWinI2CConnectorDP> connector = ahead.connector;
+    const bool opened = ahead.opened;
+    {
+        std::lock_guard<std::mutex> lock(mAheadMutex);
+        mAheadDisplayPort[info_I.deviceID] = std::move(ahead);
     }
+    if (opened && CreateAhead(info_I, connector)) {
+        return ERouteResult::Served;
+    }
+    if (mStopOnDisplayPortError && !connector->LastCapabilitiesError().empty()) {
+        return ERouteResult::EndSearch;  // the search ends at this record
+    }
+    return ERouteResult::NotServed;
+}
+
+ERouteResult CWinDisplayConfigInterface::LegacyAhead(const SDisplayInfo& info_I) {
     SearchPortsAhead();
     std::shared_ptr<Connector> port;
     {
@@ -811,9 +834,7 @@ void CWinDisplayConfigInterface::InitializeRecordAhead(const SDisplayInfo& info_
             }
         }
     }
-    if (port) {
-        CreateAhead(info_I, port);
-    }
+    return port && CreateAhead(info_I, port) ? ERouteResult::Served : ERouteResult::NotServed;
 }
 
 bool CWinDisplayConfigInterface::CreateAhead(const SDisplayInfo& info_I,

@@ -28,6 +28,7 @@
 #include "DebugLog.h"
 #include "DiscoveryRules.h"
 #include "DisplayInfo.h"
+#include "RoutePlan.h"
 
 class CWinI2CConnectorDP;
 
@@ -123,6 +124,9 @@ private:
     };
     void InitializeAhead();
     void InitializeRecordAhead(const SDisplayInfo& info_I, const std::shared_ptr<Connector>& hid_I);
+    // The search's graphics-driver and legacy routes, tried ahead.
+    ERouteResult DisplayPortAhead(const SDisplayInfo& info_I);
+    ERouteResult LegacyAhead(const SDisplayInfo& info_I);
     // Tries the display on the connector ahead; true when it answered.
     bool CreateAhead(const SDisplayInfo& info_I, const std::shared_ptr<Connector>& connector_I);
     // The port and bridge search and each one's serial number, once, for every record ahead.
@@ -145,11 +149,13 @@ private:
     std::map<const Connector*, std::string> mAheadPortSerials;
     size_t mReady = 0;
 
-    // Steps 6 to 8 for one record.
-    void ServeByHid(SDisplayInfo& info_I);
+    // The record's route plan, the same for the search and for initialising ahead.
+    SRoutePlan PlanFor(const SDisplayInfo& info_I) const;
+    // The routes for one record.
+    void ServeByHid(SDisplayInfo& info_I, const SRoutePlan& plan_I);
     // False when the connector's error text ends the search.
     bool ServeByDisplayPort(SDisplayInfo& info_I, bool& failed_O, std::string& error_O);
-    void ServeByLegacyPairing(SDisplayInfo& info_I, bool& portsSearched_IO);
+    void ServeByLegacyPairing(SDisplayInfo& info_I, const SRoutePlan& plan_I, bool& portsSearched_IO);
     // Closes and drops the connectors no display took.
     void ReleaseUnusedConnectors();
     bool IsTaken(const std::shared_ptr<Connector>& connector_I) const;

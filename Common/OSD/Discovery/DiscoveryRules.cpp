@@ -39,18 +39,6 @@ constexpr SOsdLanguage kOsdLanguages[] = {
 
 }  // namespace
 
-bool TriesHid(uint32_t mode_I) {
-    return mode_I == eConnectionHidOnly || mode_I == eConnectionAll;
-}
-
-bool TriesDisplayPort(uint32_t mode_I, bool servedByHid_I) {
-    return mode_I == eConnectionDisplayPortOnly || (mode_I == eConnectionAll && !servedByHid_I);
-}
-
-bool TriesLegacy(uint32_t mode_I, bool displayPortFailed_I) {
-    return mode_I == eConnectionLegacyOnly || (mode_I == eConnectionAll && displayPortFailed_I);
-}
-
 bool HidServesByModel(uint16_t productCode_I) {
     return FamilyRowOf(productCode_I).hidPairedByModel;
 }

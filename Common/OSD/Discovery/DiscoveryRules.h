@@ -1,6 +1,6 @@
 #pragma once
-// The decisions of display discovery that need no operating system: which routes a
-// connection mode tries, which connector a model is expected on when no serial number pairs
+// The decisions of display discovery that need no operating system (with the route plan,
+// RoutePlan.h): which connector a model is expected on when no serial number pairs
 // it, how ids read from the system are taken apart, the on-screen-menu language values, and
 // the text shown when the graphics driver cannot reach a display. The Windows discovery asks
 // these; tests check them natively.
@@ -25,12 +25,6 @@ namespace Discovery {
 
 // "No connector type": the value the legacy rule starts from.
 constexpr unsigned kNoConnectorType = 5;
-
-bool TriesHid(uint32_t mode_I);
-// Mode 1 always; mode 3 only when HID did not serve the display.
-bool TriesDisplayPort(uint32_t mode_I, bool servedByHid_I);
-// Mode 2 always; mode 3 only when the graphics driver failed.
-bool TriesLegacy(uint32_t mode_I, bool displayPortFailed_I);
 
 // With matching by model: any HID control interface serves these models.
 bool HidServesByModel(uint16_t productCode_I);

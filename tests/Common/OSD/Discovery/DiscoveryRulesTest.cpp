@@ -2,24 +2,50 @@
 
 #include "DiscoveryRules.h"
 #include "LogCapture.h"
+#include "RoutePlan.h"
 
 using namespace Discovery;
 
-TEST(DiscoveryRules, ModesChooseTheirRoutes) {
-    EXPECT_TRUE(TriesHid(eConnectionHidOnly));
-    EXPECT_TRUE(TriesHid(eConnectionAll));
-    EXPECT_FALSE(TriesHid(eConnectionDisplayPortOnly));
-    EXPECT_FALSE(TriesHid(eConnectionLegacyOnly));
+TEST(RoutePlan, ModesChooseTheirRoutesAndEachRouteRunsOnlyWhileNoneServed) {
+    using R = ERoute;
+    using V = std::vector<ERoute>;
+    constexpr uint16_t kPro = 0x1060, kStudio = 0x1075, kEarlySerial = 0x1040;
+    EXPECT_EQ(PlanRoutes(eConnectionHidOnly, true, kPro, true).order, V{R::Hid});
+    EXPECT_EQ(PlanRoutes(eConnectionDisplayPortOnly, true, kPro, true).order, V{R::GraphicsDriver});
+    EXPECT_EQ(PlanRoutes(eConnectionLegacyOnly, true, kPro, true).order, V{R::Legacy});
+    EXPECT_EQ(PlanRoutes(eConnectionAll, true, kPro, true).order, (V{R::Hid, R::GraphicsDriver, R::Legacy}));
+    EXPECT_TRUE(PlanRoutes(7, true, kPro, true).order.empty());
+    // A search that does not initialise cannot see the driver's channel lead nowhere: the
+    // serial-line models try their line before it.
+    EXPECT_EQ(PlanRoutes(eConnectionAll, true, kEarlySerial, true).order,
+              (V{R::Hid, R::GraphicsDriver, R::Legacy}));
+    EXPECT_EQ(PlanRoutes(eConnectionAll, true, kEarlySerial, false).order,
+              (V{R::Hid, R::Legacy, R::GraphicsDriver}));
+    EXPECT_EQ(PlanRoutes(eConnectionAll, true, kPro, false).order, (V{R::Hid, R::GraphicsDriver, R::Legacy}));
 
-    EXPECT_TRUE(TriesDisplayPort(eConnectionDisplayPortOnly, false));
-    EXPECT_TRUE(TriesDisplayPort(eConnectionAll, false));
-    EXPECT_FALSE(TriesDisplayPort(eConnectionAll, true));  // HID served it
-    EXPECT_FALSE(TriesDisplayPort(eConnectionHidOnly, false));
+    // Pairing by model only with matching by model.
+    EXPECT_TRUE(PlanRoutes(eConnectionAll, true, kStudio, true).hidByModel);
+    EXPECT_FALSE(PlanRoutes(eConnectionAll, false, kStudio, true).hidByModel);
+    EXPECT_FALSE(PlanRoutes(eConnectionAll, true, kPro, true).hidByModel);
+    EXPECT_EQ(PlanRoutes(eConnectionAll, true, kPro, true).expectedLegacyType, eConnectorFTDI);
+    EXPECT_EQ(PlanRoutes(eConnectionAll, false, kPro, true).expectedLegacyType, kNoConnectorType);
 
-    EXPECT_TRUE(TriesLegacy(eConnectionLegacyOnly, false));
-    EXPECT_TRUE(TriesLegacy(eConnectionAll, true));
-    EXPECT_FALSE(TriesLegacy(eConnectionAll, false));  // served by HID or the driver
-    EXPECT_FALSE(TriesLegacy(eConnectionDisplayPortOnly, true));
+    // The run: the first route that serves ends it; a route that ends the search ends it.
+    const SRoutePlan all = PlanRoutes(eConnectionAll, true, kPro, true);
+    V tried;
+    auto servedBy = [&](ERoute serving_I, ERouteResult result_I) {
+        tried.clear();
+        return RunRoutePlan(all, [&](ERoute route_I) {
+            tried.push_back(route_I);
+            return route_I == serving_I ? result_I : ERouteResult::NotServed;
+        });
+    };
+    EXPECT_EQ(servedBy(R::Hid, ERouteResult::Served), ERouteResult::Served);
+    EXPECT_EQ(tried, V{R::Hid});
+    EXPECT_EQ(servedBy(R::GraphicsDriver, ERouteResult::EndSearch), ERouteResult::EndSearch);
+    EXPECT_EQ(tried, (V{R::Hid, R::GraphicsDriver}));
+    EXPECT_EQ(servedBy(R::Legacy, ERouteResult::NotServed), ERouteResult::NotServed);
+    EXPECT_EQ(tried, (V{R::Hid, R::GraphicsDriver, R::Legacy}));
 }
 
 TEST(DiscoveryRules, TheExpectedConnectorFollowsTheFamily) {
