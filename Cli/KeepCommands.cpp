@@ -16,6 +16,7 @@
 #include "DisplayLock.h"
 #include "DisplayNames.h"
 #include "KeptProfiles.h"
+#include "KeptRestore.h"
 #include "ParallelWork.h"
 #include "Profile.h"
 #include "SettingNames.h"
@@ -106,35 +107,43 @@ int CTool::Restore(const std::string& display_I, bool json_I, int waitSeconds_I)
         if (!json_I) {
             mOut << display->model << " (serial " << display->serial << "):\n";
         }
-        std::string problem;
-        const std::optional<SProfile> profile = ReadProfileFile(entry.profile, problem);
-        if (!profile) {
-            mErr << problem << "\n";
-            result = std::max(result, CliExit::kBadUsage);
-            shown["problem"] = problem;
-            all.push_back(shown);
-            continue;
-        }
-        int held = CliExit::kDone;
-        if (!Hold(*display, held)) {
-            result = held;
-            shown["problem"] = "in use";
-            all.push_back(shown);
-            continue;
-        }
         // A display just switched on answers after a few seconds: ask again once a second.
-        for (int waited = 0; !Ready(*display) && waited < waitSeconds_I; ++waited) {
-            Clock::PauseMs(1000);
+        int held = CliExit::kDone;
+        // The tool keeps the lock it took until it takes the next one.
+        const SRestoreWays ways{[this, &held](const SFoundDisplay& display_I) -> std::shared_ptr<void> {
+                                    return Hold(display_I, held) ? std::make_shared<bool>(true) : nullptr;
+                                },
+                                [this, waitSeconds_I](SFoundDisplay& display_I) {
+                                    for (int waited = 0; !Ready(display_I) && waited < waitSeconds_I;
+                                         ++waited) {
+                                        Clock::PauseMs(1000);
+                                    }
+                                    return display_I.ready;
+                                }};
+        const SKeptRestore restore = RestoreKept(*display, kept, ways);
+        switch (restore.outcome) {
+            case SKeptRestore::EOutcome::NotKept:
+            case SKeptRestore::EOutcome::Applied: break;
+            case SKeptRestore::EOutcome::ProfileUnreadable:
+                mErr << restore.problem << "\n";
+                result = std::max(result, CliExit::kBadUsage);
+                shown["problem"] = restore.problem;
+                break;
+            case SKeptRestore::EOutcome::Held:
+                result = held;
+                shown["problem"] = "in use";
+                break;
+            case SKeptRestore::EOutcome::NotAnswering:
+                mErr << display->model << " (serial " << display->serial << ") does not answer\n";
+                result = CliExit::kCommunicationFailure;
+                shown["problem"] = "does not answer";
+                break;
         }
-        if (!display->ready) {
-            mErr << display->model << " (serial " << display->serial << ") does not answer\n";
-            result = CliExit::kCommunicationFailure;
-            shown["problem"] = "does not answer";
+        if (restore.outcome != SKeptRestore::EOutcome::Applied) {
             all.push_back(shown);
             continue;
         }
-        // Checked first: a display that kept its settings is only read.
-        const SProfileReport report = ApplyProfile(*display->display, *profile);
+        const SProfileReport& report = restore.report;
         if (json_I) {
             shown.update(ReportJson(*display, report));
         } else if (!report.Any(EProfileOutcome::Restored) && report.Matches()) {

@@ -8,6 +8,7 @@
 #include "ApplicationRules.h"
 #include "Clock.h"
 #include "DebugLog.h"
+#include "KeptRestore.h"
 #include "TextFile.h"
 
 namespace {
@@ -99,22 +100,30 @@ bool CSettingsKeeper::Ready(SFoundDisplay& display_I) {
 }
 
 bool CSettingsKeeper::Apply(SFoundDisplay& display_I, const SProfile& profile_I, SKeeperResult& result_O) {
+    if (!Ready(display_I)) {
+        return Judge(display_I, nullptr, result_O);
+    }
+    const SProfileReport report = ApplyProfile(*display_I.display, profile_I);
+    return Judge(display_I, &report, result_O);
+}
+
+bool CSettingsKeeper::Judge(SFoundDisplay& display_I, const SProfileReport* report_I,
+                            SKeeperResult& result_O) {
     result_O.model = display_I.model;
     result_O.serial = display_I.serial;
-    if (!Ready(display_I)) {
+    if (report_I == nullptr) {
         result_O.kind = SKeeperResult::EKind::NotAnswering;
         return false;
     }
-    const SProfileReport report = ApplyProfile(*display_I.display, profile_I);
-    if (report.Any(EProfileOutcome::Failed)) {
+    if (report_I->Any(EProfileOutcome::Failed)) {
         result_O.kind = SKeeperResult::EKind::Failed;
-        result_O.settings = NamesWith(report, EProfileOutcome::Failed);
+        result_O.settings = NamesWith(*report_I, EProfileOutcome::Failed);
         // Not answering at all: search again before the next try.
         display_I.ready = false;
         return false;
     }
     result_O.kind = SKeeperResult::EKind::Restored;
-    result_O.settings = NamesWith(report, EProfileOutcome::Restored);
+    result_O.settings = NamesWith(*report_I, EProfileOutcome::Restored);
     return true;
 }
 
@@ -131,14 +140,16 @@ void CSettingsKeeper::RestoreRound() {
     std::vector<SKeeperResult> done;
     bool again = false;
     size_t keptFound = 0;
+    const SRestoreWays ways{
+        [this](const SFoundDisplay& display_I) { return mDesk.TryHold(display_I.serial); },
+        [this](SFoundDisplay& display_I) { return Ready(display_I); }};
     for (SFoundDisplay& display : Displays()) {
-        const std::optional<SKeptProfile> entry = kept.Of(display.model, display.serial);
-        if (!entry) {
+        const SKeptRestore restore = RestoreKept(display, kept, ways);
+        if (restore.outcome == SKeptRestore::EOutcome::NotKept) {
             continue;
         }
         ++keptFound;
-        std::shared_ptr<void> hold = mDesk.TryHold(display.serial);
-        if (!hold) {
+        if (restore.outcome == SKeptRestore::EOutcome::Held) {
             DLog("Keeper: %s %s is held; trying again\n", display.model.c_str(), display.serial.c_str());
             again = true;
             continue;
@@ -146,15 +157,14 @@ void CSettingsKeeper::RestoreRound() {
         SKeeperResult result;
         result.model = display.model;
         result.serial = display.serial;
-        std::string unreadable;
-        std::optional<SProfile> profile = ReadProfileFile(entry->profile, unreadable);
-        if (!profile) {
+        if (restore.outcome == SKeptRestore::EOutcome::ProfileUnreadable) {
             result.kind = SKeeperResult::EKind::ProfileUnreadable;
-            result.problem = unreadable;
+            result.problem = restore.problem;
             done.push_back(result);
             continue;
         }
-        if (!Apply(display, *profile, result)) {
+        const bool applied = restore.outcome == SKeptRestore::EOutcome::Applied;
+        if (!Judge(display, applied ? &restore.report : nullptr, result)) {
             DLog("Keeper: %s %s not restored yet (attempt %d)\n", display.model.c_str(),
                  display.serial.c_str(), mAttempt + 1);
             again = true;
@@ -165,6 +175,7 @@ void CSettingsKeeper::RestoreRound() {
         }
         // A profile per application in effect goes on top of the kept one.
         if (!mRuleProfile.empty()) {
+            std::string unreadable;
             if (std::optional<SProfile> rule = ReadProfileFile(mRuleProfile, unreadable)) {
                 SKeeperResult ignored;
                 Apply(display, *rule, ignored);

@@ -90,6 +90,9 @@ private:
     std::vector<SFoundDisplay>& Displays();
     // Applies a profile file to one display; false when it could not (result_O says why).
     bool Apply(SFoundDisplay& display_I, const SProfile& profile_I, SKeeperResult& result_O);
+    // The result of a profile applied (its report) or of a display that did not answer (null);
+    // false when it is to be tried again.
+    bool Judge(SFoundDisplay& display_I, const SProfileReport* report_I, SKeeperResult& result_O);
     // Puts a display back from a profile per application: its kept profile, else the values it
     // had before.
     void LeaveRule(SFoundDisplay& display_I, const CKeptProfiles& kept_I);
