@@ -6,16 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "CapabilitiesCache.h"
 #include "FoundDisplay.h"
-
-// How a search goes, as the command line asks: displays on different channels initialised at
-// the same time (--serial-init: one after another), capabilities from the cache (--no-cache:
-// none).
-struct SSearchOptions {
-    bool atOnce = true;
-    std::shared_ptr<CCapabilitiesCache> cache;
-};
+#include "SearchOptions.h"
 
 class IDisplaySource {
 public:

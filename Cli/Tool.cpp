@@ -96,7 +96,10 @@ std::vector<SFoundDisplay>& CTool::Displays() {
                 mCache = std::make_shared<CCapabilitiesCache>(mCacheFile);
             }
         }
-        mSource.SetSearchOptions({!mSerialInit, mCache});
+        SSearchOptions options;
+        options.atOnce = !mSerialInit;
+        options.cache = mCache;
+        mSource.SetSearchOptions(options);
         // The same order on every system, by route, so that an index means the same display
         // on Windows and on Linux.
         std::vector<SFoundDisplay>& found = mSource.Displays();

@@ -2,8 +2,8 @@
 // The application window: the user picks one of the displays found and changes its
 // brightness, contrast, colour setting and gamma, saves or reverts. Every change goes to the
 // display at once through the selected display's settings delegate; Save makes the display
-// keep it. Long operations (discovery, factory and colour reset) run on worker threads behind
-// the wait window while this thread keeps pumping messages.
+// keep it. Long operations (discovery, factory and colour reset) run behind the wait window
+// (CLongOperation).
 
 #include <windows.h>
 
@@ -25,9 +25,12 @@
 #include "DialogImpl.h"
 #include "DialogLayout.h"
 #include "DisplayLock.h"
-#include "SignalThread.h"
+#include "LongOperation.h"
+#include "PictureSliders.h"
+#include "SearchSchedule.h"
 #include "StartupOptions.h"
 #include "UiDisplayDelegate.h"
+#include "WindowPlacement.h"
 
 class CMainDialog : public CDialogBase, public IDialogHost {
 public:
@@ -55,9 +58,8 @@ public:
     static DWORD WINAPI ResetColorThread(LPVOID pClass_I);
     static DWORD WINAPI ResetColorConfigThread(LPVOID pClass_I);
 
-    // While a slider is dragged, positions that a newer one of the same slider already follows
-    // in the queue are shown but not sent (on by default; off only to measure the difference).
-    static void SetSkipStaleDragPositions(bool on_I);
+    // While a slider is dragged, positions a newer one already follows are not sent.
+    static void SetSkipStaleDragPositions(bool on_I) { CPictureSliders::SetSkipStaleDragPositions(on_I); }
 
     // What the pages are given (IDialogHost).
     void UpdateButtons() override;
@@ -66,18 +68,14 @@ public:
     void FactoryReset() override;
     // A long operation (search, colour or factory reset) runs: the dialogs take no input
     // that could start another, and nothing else may use the displays meanwhile.
-    bool OperationRunning() const override { return mOperationRunning; }
+    bool OperationRunning() const override { return mOperation.Running(); }
     CAdvancedDialog& AdvancedDialog() { return *mAdvancedDialog; }
     // A failed write that ends the program (the advanced page's, or any with /exitOnError).
     void NoteFatalFailure() override { mOutcome = EOutcome::CommunicationFailure; }
     std::wstring ProgramOptions() const override { return ::ProgramOptions(mOptions); }
 
-    // The help page of the selected display: on the deployment's own site when the registry
-    // names one, otherwise the page shipped beside the program (Help\<page>.html).
+    // The help page of the selected display (HelpPages).
     std::wstring HelpAddress() const;
-    // Opens an address in the default browser; false when it could not. Tests replace it.
-    using HelpOpener = bool (*)(HWND owner_I, const std::wstring& address_I);
-    static void SetHelpOpener(HelpOpener opener_I);
 
     // Posted when the selected display's connector closed under a failure.
     static constexpr UINT kSearchAgainMessage = WM_APP + 7;
@@ -142,9 +140,6 @@ private:
                           LPTHREAD_START_ROUTINE second_I, const char* secondName_I);
     // After a factory reset: the display list afresh, or the end when it is empty.
     void Rebuild();
-    // After a search for a change on the desk: another search soon while the display the user
-    // chose is missing, a few times.
-    void LookAgainForTheChosenDisplay();
 
     void LoadCaptions();
     void FillDisplayList();
@@ -152,30 +147,11 @@ private:
     void HoldSelectedDisplay();
     // Every control from the selected display's settings.
     void InitControls();
-    // The two sliders, each with its caption and number box.
-    struct SSlider {
-        ESetting setting;
-        int label;
-        int edit;
-        int slider;
-    };
-    // The slider whose slider or number box this is; null for any other control.
-    static const SSlider* SliderOf(int controlId_I);
-    void InitSlider(const SSlider& slider_I);
-    // The value of the slider's setting that the user last accepted (asked about, if at all).
-    int32_t& Accepted(const SSlider& slider_I);
-    // Brightness and contrast as they would be with this value of the slider's setting.
-    std::pair<int32_t, int32_t> PictureWith(const SSlider& slider_I, int32_t value_I) const;
     void InitChoice(ESetting setting_I, int labelId_I, int comboId_I, bool visible_I);
     void ShowCustomColorText();
     void PlaceWindow();
     void ClearCombos();
 
-    // The live and commit paths of the two sliders.
-    void SendSliderValue(const SSlider& slider_I, int32_t value_I);
-    void CommitSliderValue(const SSlider& slider_I, int32_t value_I);
-    void ApplyTypedValue(int editId_I);
-    bool NewerPositionWaiting(HWND slider_I) const;
     // A write's outcome: a failure shows the error (and, when the display went away, a new
     // search follows); returns ok_I. The advanced page's ReportWrite ends the program instead.
     bool ReportWrite(bool ok_I);
@@ -186,28 +162,14 @@ private:
     std::unique_ptr<CPowerWarningDialog> mPowerWarning;
     std::unique_ptr<CAdvancedDialog> mAdvancedDialog;
     bool mAdvancedWasOpen = false;
-    WinUtils::CSignalThread mThread;
+    CLongOperation mOperation;
+    CPictureSliders mSliders;
     HWND mToolTip = nullptr;
-    HWND mWaitWindow = nullptr;
-    int32_t mAcceptedBrightness = 0;
-    int32_t mAcceptedContrast = 0;
-    bool mBusy = false;
-    bool mOperationRunning = false;
     bool mSearching = false;  // a search thread runs: the display list is being rebuilt
     bool mSearchAgainPending = false;
-    // Searches still to come for a display that did not answer after a change on the desk
-    // (counted down by the search thread too).
-    std::atomic<unsigned> mLookAgainLeft{0};
-    // How far the search under way has come, for the wait window.
-    std::atomic<size_t> mSearchReady{0};
-    std::atomic<size_t> mSearchFound{0};
-    size_t mShownReady = 0;
-    // Writes that progress into the wait window when it changed.
-    void ShowSearchProgress();
+    CSearchSchedule mSearchSchedule{kSearchAgainMessage};
     bool mIgnorePowerWarning = false;
-    std::optional<SWindowPosition> mRememberedPosition;
-    RECT mWindowRect{};
-    MONITORINFO mMonitorInfo{};
+    CWindowPlacement mPlacement;
     std::wstring mErrorText;
     bool mHasErrorText = false;
     std::map<int, std::vector<int32_t>> mValues;
@@ -217,7 +179,6 @@ private:
     CDeskChangeRegistration mDeskChanges;
     // The chosen display's lock, while the dialog shows it.
     std::unique_ptr<CDisplayLock> mHeldDisplay;
-    int mScrollPosition = 1;
     CRowLayout mRows;
     EOutcome mOutcome = EOutcome::Closed;
 };

@@ -108,6 +108,29 @@ void CWinDisplayConfigInterface::SetInterfaceLanguage(LANGID languageId_I) {
     mInterfaceLanguage = static_cast<int>(CLanguageProvider().LanguageFromId(languageId_I));
 }
 
+void CWinDisplayConfigInterface::Configure(const SSearchOptions& options_I) {
+    SetConnectionMode(options_I.connectionMode);
+    SetMatchByModel(options_I.matchByModel);
+    SetStopOnDisplayPortError(options_I.stopOnGraphicsDriverError);
+    SetInitializeAtOnce(options_I.atOnce);
+    SetCapabilitiesCache(options_I.cache);
+    if (options_I.interfaceLanguage != 0) {
+        SetInterfaceLanguage(options_I.interfaceLanguage);
+    }
+}
+
+std::vector<SFoundDisplay> CWinDisplayConfigInterface::Found() const {
+    std::vector<SFoundDisplay> found;
+    for (const SDisplayInfo& info : mDisplayInfos) {
+        if (auto display = std::dynamic_pointer_cast<UiDisplayDelegate>(info.display)) {
+            found.push_back({DisplayModelName(Narrow(info.ModelName())), Narrow(info.serialNumber),
+                             ConnectorTypeName(display->GetConnector()->GetType()), display, true,
+                             display->Identity()});
+        }
+    }
+    return found;
+}
+
 std::vector<std::shared_ptr<CDisplay>> CWinDisplayConfigInterface::Displays() const {
     std::vector<std::shared_ptr<CDisplay>> displays;
     for (const SDisplayInfo& info : mDisplayInfos) {

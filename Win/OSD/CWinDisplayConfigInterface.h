@@ -28,7 +28,9 @@
 #include "DebugLog.h"
 #include "DiscoveryRules.h"
 #include "DisplayInfo.h"
+#include "FoundDisplay.h"
 #include "RoutePlan.h"
+#include "SearchOptions.h"
 
 class CWinI2CConnectorDP;
 
@@ -38,6 +40,9 @@ public:
     static const std::shared_ptr<CWinDisplayConfigInterface>& Instance();
     // A separate one (tests, benchmarks).
     static std::shared_ptr<CWinDisplayConfigInterface> Create();
+
+    // Every option of the search at once, as a program's options ask for it.
+    void Configure(const SSearchOptions& options_I);
 
     void SetConnectionMode(uint32_t mode_I) { mConnectionMode = mode_I; }
     uint32_t ConnectionMode() const { return mConnectionMode; }
@@ -65,6 +70,8 @@ public:
     bool Init();
 
     const std::vector<SDisplayInfo>& DisplayInfos() const { return mDisplayInfos; }
+    // The displays found, as every program keeps them (discovery has initialised each).
+    std::vector<SFoundDisplay> Found() const;
     std::vector<std::shared_ptr<CDisplay>> Displays() const;
     const std::vector<std::shared_ptr<Connector>>& Connectors() const { return mConnectorList; }
     // Empty after a normal search; otherwise what the interface shows.

@@ -4,6 +4,20 @@
 
 #include "WinStrings.h"
 
+SSearchOptions SearchOptionsFrom(const SStartupOptions& options_I, uint16_t language_I) {
+    SSearchOptions search;
+    search.connectionMode = options_I.connectionMode;
+    search.matchByModel = options_I.skipSerialMatch;
+    search.stopOnGraphicsDriverError = options_I.exitOnError;
+    search.atOnce = !options_I.serialInit;
+    if (!options_I.noCache) {
+        search.cache = std::make_shared<CCapabilitiesCache>(
+            CCapabilitiesCache::DefaultFile(!options_I.demoScenario.empty()));
+    }
+    search.interfaceLanguage = language_I;
+    return search;
+}
+
 namespace {
 
 bool Has(const std::wstring& text_I, const wchar_t* option_I) {

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "SearchOptions.h"
+
 struct SStartupOptions {
     std::string languageName = "userUI";
     bool skipSerialMatch = false;
@@ -20,6 +22,9 @@ struct SStartupOptions {
     // The simulated machine to run on instead of the real one; empty: the real one.
     std::string demoScenario;
 };
+
+// How the settings window's and the keeper's searches go by these options.
+SSearchOptions SearchOptionsFrom(const SStartupOptions& options_I, uint16_t language_I);
 
 // Options are searched for anywhere in the text, case-sensitively, in any order.
 // debugDefault_I is the trace switch's built-in default.

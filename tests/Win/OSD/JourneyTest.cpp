@@ -18,6 +18,7 @@
 #include "CMainDialog.h"
 #include "DialogIds.h"
 #include "DialogLayout.h"
+#include "HelpPages.h"
 #include "ProgramDriver.h"
 #include "codes.h"
 
@@ -333,7 +334,7 @@ std::wstring TestProgramFolder() {
 
 TEST(Journey, HelpOpensTheDisplaysPageOrTheDeploymentsSiteAndSaysWhenItCannot) {
     gOpened.clear();
-    CMainDialog::SetHelpOpener(&RecordAddress);
+    HelpPages::SetOpener(&RecordAddress);
     const std::wstring help = TestProgramFolder() + L"Help";
     CreateDirectoryW(help.c_str(), nullptr);
     const std::wstring page = help + L"\\canvas-22-pro.html";
@@ -373,7 +374,7 @@ TEST(Journey, HelpOpensTheDisplaysPageOrTheDeploymentsSiteAndSaysWhenItCannot) {
         EXPECT_EQ(gOpened.size(), 2u);
     }
     RemoveDirectoryW(help.c_str());
-    CMainDialog::SetHelpOpener(nullptr);
+    HelpPages::SetOpener(nullptr);
 }
 
 TEST(DialogLayout, TheAdvancedPageGoesBesideTheMainDialogNeverOverIt) {
