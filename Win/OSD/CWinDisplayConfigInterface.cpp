@@ -5,8 +5,6 @@
 
 #include "Assert.h"
 #include "CEdidBuilder.h"
-#include "CI2CConnectorFTDI.h"
-#include "CI2CConnectorTI.h"
 #include "CWinI2CConnectorDP.h"
 #include "CWinVcpHIDConnector.h"
 #include "Clock.h"
@@ -18,76 +16,22 @@
 #include "ProductFamilies.h"
 #include "ResourceUtils.h"
 #include "ScopedTimer.h"
-#include "SerialPort.h"
+#include "SetupApiReads.h"
 #include "UiDisplayDelegate.h"
+#include "WinLegacyPorts.h"
 #include "WinStrings.h"
-#include "WinUSBConnector.h"
 #include "codes.h"
 
 namespace {
 
-constexpr size_t kPropertyBufferSize = 1024;
 constexpr size_t kRegistryEdidSize = 512;
 constexpr int kInitializeAttempts = 3;
 constexpr uint32_t kRetryPauseMs = 1000;
-constexpr char kNotSupported[] = "Not Supported";
 constexpr char kInvalidSerialNumber[] = "Invalid SN";
 constexpr char kMakersManufacturerKey[] = "HARDWARE\\DESCRIPTION\\System\\BIOS";
 
 const SDiscoverySystemApi& Api() {
     return DiscoverySystemApi();
-}
-
-// A SetupAPI text property into a zeroed 1024-byte buffer; false on failure.
-bool ReadTextProperty(HDEVINFO devices_I, SP_DEVINFO_DATA& device_I, DWORD property_I, std::string& text_O) {
-    char buffer[kPropertyBufferSize] = {};
-    if (!Api().SetupDiGetDeviceRegistryPropertyA(devices_I, &device_I, property_I, nullptr,
-                                                 reinterpret_cast<PBYTE>(buffer), sizeof(buffer) - 1,
-                                                 nullptr)) {
-        return false;
-    }
-    // A multi-string hardware id: the first string is the most specific one.
-    text_O.assign(buffer, strnlen(buffer, sizeof(buffer)));
-    return true;
-}
-
-// A registry value of at most size_I bytes; false when the value is missing or too large.
-bool ReadRegistryValue(HKEY key_I, const char* name_I, ByteBuffer& value_O, size_t size_I) {
-    value_O.assign(size_I, 0x00);
-    DWORD length = static_cast<DWORD>(size_I);
-    DWORD type = 0;
-    if (Api().RegQueryValueExA(key_I, name_I, nullptr, &type, value_O.data(), &length) != ERROR_SUCCESS) {
-        return false;
-    }
-    return true;
-}
-
-std::string RegistryText(const ByteBuffer& value_I) {
-    const auto end = std::find(value_I.begin(), value_I.end(), 0x00);
-    return std::string(value_I.begin(), end);
-}
-
-enum class EDetail { Read, NoData, Failed };
-
-// The device path of an interface (and its device, when asked for): the size first, then the
-// detail record.
-EDetail ReadInterfacePath(HDEVINFO devices_I, SP_DEVICE_INTERFACE_DATA& interface_I,
-                          SP_DEVINFO_DATA* device_O, std::string& path_O) {
-    DWORD required = 0;
-    Api().SetupDiGetDeviceInterfaceDetailA(devices_I, &interface_I, nullptr, 0, &required, nullptr);
-    if (required == 0) {
-        return EDetail::NoData;
-    }
-    std::vector<uint8_t> storage(std::max<size_t>(required, sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A)), 0);
-    auto* detail = reinterpret_cast<PSP_DEVICE_INTERFACE_DETAIL_DATA_A>(storage.data());
-    detail->cbSize = sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A);
-    if (!Api().SetupDiGetDeviceInterfaceDetailA(devices_I, &interface_I, detail,
-                                                static_cast<DWORD>(storage.size()), nullptr, device_O)) {
-        return EDetail::Failed;
-    }
-    const size_t pathSpace = storage.size() - offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_A, DevicePath);
-    path_O.assign(detail->DevicePath, strnlen(detail->DevicePath, pathSpace));
-    return EDetail::Read;
 }
 
 }  // namespace
@@ -150,20 +94,7 @@ void CWinDisplayConfigInterface::Clear() {
 }
 
 void CWinDisplayConfigInterface::ForgetAhead() {
-    // A display port opened ahead for a record the search served otherwise is let go.
-    for (auto& entry : mAheadDisplayPort) {
-        if (entry.second.connector) {
-            entry.second.connector->Close();
-        }
-    }
-    mAheadDisplayPort.clear();
-    mAhead.clear();
-    mAheadClaimed.clear();
-    mAheadSerialLines.clear();
-    mAheadPortSearchLines.clear();
-    mAheadPorts.clear();
-    mAheadPortSerials.clear();
-    mPortsSearchedAhead = false;
+    mAhead.Forget();
     mReady = 0;
 }
 
@@ -191,7 +122,7 @@ bool CWinDisplayConfigInterface::Init() {
     DLog("CWinDisplayConfigInterface::Init - looking for Vcp HID devices...\n");
     FindVcpHIDDevices();
     if (mInitializeAtOnce && mDisplayInfos.size() > 1) {
-        InitializeAhead();
+        mAhead.Run();
     }
 
     bool portsSearched = false;
@@ -227,7 +158,7 @@ bool CWinDisplayConfigInterface::Init() {
             mDisplayInfos.erase(mDisplayInfos.begin() + static_cast<std::ptrdiff_t>(index));
             continue;  // the next record moved into this place
         }
-        if (!mInitializeAtOnce || mAhead.empty()) {
+        if (!mInitializeAtOnce || !mAhead.Tried()) {
             NoteReady();
         }
         ++index;
@@ -276,7 +207,7 @@ void CWinDisplayConfigInterface::ServeByHid(SDisplayInfo& info_I, const SRoutePl
             return mConnectorList[i_I]->GetType() == eConnectorHID && !IsTaken(mConnectorList[i_I]);
         },
         [&](size_t i_I) {
-            EmitAheadSerialLines(*mConnectorList[i_I]);
+            mAhead.EmitSerialLines(*mConnectorList[i_I]);
             return mConnectorList[i_I]->SerialNumber(-1);
         },
         serial, byModel);
@@ -296,13 +227,7 @@ bool CWinDisplayConfigInterface::ServeByDisplayPort(SDisplayInfo& info_I, bool& 
     }
     std::shared_ptr<CWinI2CConnectorDP> connector;
     bool opened = false;
-    if (auto ahead = mAheadDisplayPort.find(info_I.deviceID);
-        ahead != mAheadDisplayPort.end() && ahead->second.monitor == info_I.monitor) {
-        connector = ahead->second.connector;
-        opened = ahead->second.opened;
-        DebugLog::CHeldLines::Emit(ahead->second.lines);
-        mAheadDisplayPort.erase(ahead);
-    } else {
+    if (!mAhead.TakeDisplayPort(info_I, connector, opened)) {
         connector = std::make_shared<CWinI2CConnectorDP>();
         opened = connector->Open(info_I);
     }
@@ -327,9 +252,7 @@ void CWinDisplayConfigInterface::ServeByLegacyPairing(SDisplayInfo& info_I, cons
     DLog("CWinDisplayConfigInterface::Init: - Process non-DP supported tablets...\n");
     if (!portsSearched_IO) {
         portsSearched_IO = true;
-        if (mPortsSearchedAhead) {
-            DebugLog::CHeldLines::Emit(mAheadPortSearchLines);
-        } else {
+        if (!mAhead.EmitPortSearch()) {
             FindSerialPorts();
         }
         DLog("CWinDisplayConfigInterface::Init - mConnectorList has %d items\n",
@@ -347,7 +270,7 @@ void CWinDisplayConfigInterface::ServeByLegacyPairing(SDisplayInfo& info_I, cons
         if (IsTaken(connector)) {
             continue;
         }
-        EmitAheadSerialLines(*connector);
+        mAhead.EmitSerialLines(*connector);
         const std::string connectorSerial = connector->SerialNumber(-1);
         DLog("CWinDisplayConfigInterface::Init conn->S/N %s\n",
              connectorSerial.empty() ? "WARNING: SERIAL NUMBER NOT FOUND!" : connectorSerial.c_str());
@@ -588,120 +511,7 @@ bool CWinDisplayConfigInterface::OpenDevice(const std::string& devicePath_I) {
 }
 
 void CWinDisplayConfigInterface::FindSerialPorts() {
-    CScopedTimer timer("CWinDisplayConfigInterface::FindSerialPorts");
-    DLog("CWinDisplayConfigInterface::FindSerialPorts\n");
-    DLog("CWinDisplayConfigInterface::FindSerialPorts - looking for COMPORT devices...\n");
-    HDEVINFO ports = Api().SetupDiGetClassDevsA(&kComPortInterfaceClassGuid, nullptr, nullptr,
-                                                DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
-    if (ports != INVALID_HANDLE_VALUE) {
-        for (DWORD index = 0;; ++index) {
-            DLog("CWinDisplayConfigInterface::FindSerialPorts - looking for device %i ...\n",
-                 static_cast<int>(index));
-            SP_DEVINFO_DATA device{};
-            device.cbSize = sizeof(device);
-            const std::string deviceId = GetNextDeviceID(ports, index, device);
-            if (deviceId.empty()) {
-                DLog("CWinDisplayConfigInterface::FindSerialPorts: no device found\n");
-                break;
-            }
-            if (deviceId == kNotSupported) {
-                continue;
-            }
-            DLog("CWinDisplayConfigInterface::FindSerialPorts: deviceid: %s\n", deviceId.c_str());
-            GetPortNum(ports, device);
-        }
-        Api().SetupDiDestroyDeviceInfoList(ports);
-    }
-
-    AddBridges<CI2CConnectorFTDI>(
-        "FTDI", "CWinDisplayConfigInterface::FindSerialPorts - looking for I2C-FTDI devices...\n");
-    AddBridges<CI2CConnectorTI>(
-        "TI", "CWinDisplayConfigInterface::FindSerialPorts - looking for  I2C-TI devices...\n");
-    DLog("CWinDisplayConfigInterface::FindSerialPorts: ports found: %d\n",
-         static_cast<int>(mConnectorList.size()));
-}
-
-template <typename Bridge>
-void CWinDisplayConfigInterface::AddBridges(const char* kind_I, const char* lookingFor_I) {
-    DLog("%s", lookingFor_I);
-    const int count = Bridge::DeviceCount();
-    DLog("CWinDisplayConfigInterface::FindSerialPorts: %i %s devices found...\n", count, kind_I);
-    for (int index = 0; index < count; ++index) {
-        auto connector = std::make_shared<Bridge>();
-        if (connector->Open(static_cast<int32_t>(index))) {
-            DLog("CWinDisplayConfigInterface::FindSerialPorts: opened connection (%s) for deviceIdx: %i\n",
-                 kind_I, index);
-            mConnectorList.push_back(std::move(connector));
-        } else {
-            DLog(
-                "CWinDisplayConfigInterface::FindSerialPorts: connection failed for deviceIdx: %i, not "
-                "adding (%s)\n",
-                index, kind_I);
-        }
-    }
-}
-
-std::string CWinDisplayConfigInterface::GetNextDeviceID(HDEVINFO ports_I, DWORD index_I,
-                                                        SP_DEVINFO_DATA& device_O) {
-    CScopedTimer timer("CWinDisplayConfigInterface::GetNextDeviceID");
-    SP_DEVICE_INTERFACE_DATA interfaceData{};
-    interfaceData.cbSize = sizeof(interfaceData);
-    if (!Api().SetupDiEnumDeviceInterfaces(ports_I, nullptr, &kComPortInterfaceClassGuid, index_I,
-                                           &interfaceData)) {
-        DLog("GetNextDeviceID SetupDiEnumDeviceInterfaces failed 0x%X\n",
-             static_cast<unsigned>(GetLastError()));
-        return {};
-    }
-    std::string path;
-    switch (ReadInterfacePath(ports_I, interfaceData, &device_O, path)) {
-        case EDetail::NoData: DLog("GetNextDeviceID no functionClassDeviceData\n"); return kNotSupported;
-        case EDetail::Failed:
-            DLog("GetNextDeviceID SetupDiGetDeviceInterfaceDetailA failed 0x%X\n",
-                 static_cast<unsigned>(GetLastError()));
-            return kNotSupported;
-        case EDetail::Read: break;
-    }
-    std::string hardwareId;
-    if (!ReadTextProperty(ports_I, device_O, SPDRP_HARDWAREID, hardwareId)) {
-        DLog("GetNextDeviceID SetupDiGetDeviceRegistryPropertyA failed 0x%X\n",
-             static_cast<unsigned>(GetLastError()));
-        return kNotSupported;
-    }
-    DLog("GetNextDeviceID deviceName: %s\n", hardwareId.c_str());
-    switch (Discovery::ClassifyPortHardwareId(hardwareId)) {
-        case Discovery::EPortKind::FtdiVirtualComPort:
-            DLog("GetNextDeviceID found FTDI\\\\COMPORT&VID_0403&PID_6014 (case-insensitive)\n");
-            return hardwareId;
-        case Discovery::EPortKind::SiliconLabsBridge: return hardwareId;
-        case Discovery::EPortKind::NotSupported: break;
-    }
-    DLog("GetNextDeviceID couldn't find USB\\\\\\\\VID_10C4&PID_EA60 (case-insensitive)\n");
-    return kNotSupported;
-}
-
-void CWinDisplayConfigInterface::GetPortNum(HDEVINFO ports_I, SP_DEVINFO_DATA& device_I) {
-    CScopedTimer timer("CWinDisplayConfigInterface::GetPortNum");
-    HKEY key = Api().SetupDiOpenDevRegKey(ports_I, &device_I, DICS_FLAG_GLOBAL, 0, DIREG_DEV, KEY_READ);
-    if (key == INVALID_HANDLE_VALUE || key == nullptr) {
-        DLog("SetupDiOpenDevRegKey failed 0x%X\n", static_cast<unsigned>(GetLastError()));
-        return;
-    }
-    ByteBuffer value;
-    const bool read = ReadRegistryValue(key, "PortName", value, 256);
-    Api().RegCloseKey(key);
-    const std::string portName = read ? RegistryText(value) : std::string();
-    if (portName.empty()) {
-        DLog("CWinDisplayConfigInterface::GetPortNum: no PortName value\n");
-        return;
-    }
-    DLog("CWinDisplayConfigInterface::GetPortNum: adding comport: %s\n", portName.c_str());
-    auto connector = std::make_shared<CWinUSBConnector>(Api().CreateSerialPort());
-    if (connector->Open(portName)) {
-        DLog("CWinDisplayConfigInterface::GetPortNum: adding connection\n");
-        mConnectorList.push_back(std::move(connector));
-    } else {
-        DLog("CWinDisplayConfigInterface::GetPortNum: connection failed, not adding\n");
-    }
+    WinLegacyPorts::Find(mConnectorList);
 }
 
 bool CWinDisplayConfigInterface::IsMakersOwnComputer() const {
@@ -718,11 +528,8 @@ bool CWinDisplayConfigInterface::IsMakersOwnComputer() const {
 
 std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplay(const SDisplayInfo& info_I,
                                                                     std::shared_ptr<Connector> connector_I) {
-    const auto ahead = mAhead.find(connector_I.get());
-    if (ahead != mAhead.end() && !ahead->second.used && ahead->second.deviceID == info_I.deviceID) {
-        ahead->second.used = true;
-        DebugLog::CHeldLines::Emit(ahead->second.lines);
-        return ahead->second.display;
+    if (std::optional<std::shared_ptr<CDisplay>> ahead = mAhead.TakeDisplay(info_I, *connector_I)) {
+        return *ahead;
     }
     return CreateDisplayNow(info_I, std::move(connector_I));
 }
@@ -764,178 +571,11 @@ std::shared_ptr<CDisplay> CWinDisplayConfigInterface::CreateDisplayNow(
     return display;
 }
 
-// ---- Initialising ahead ----
-
-void CWinDisplayConfigInterface::InitializeAhead() {
-    // The channel the search would choose for each record by HID, claimed so that no two
-    // records try one interface. The first read of an interface's serial number is the search's
-    // own: its lines are written where the search reads it.
-    std::vector<std::shared_ptr<Connector>> hidOf(mDisplayInfos.size());
-    for (size_t record = 0; record < mDisplayInfos.size(); ++record) {
-        const SDisplayInfo& info = mDisplayInfos[record];
-        const SRoutePlan plan = PlanFor(info);
-        if (std::find(plan.order.begin(), plan.order.end(), ERoute::Hid) == plan.order.end()) {
-            continue;
-        }
-        const std::optional<size_t> chosen = Discovery::PairBySerialThenByModel(
-            mConnectorList.size(),
-            [&](size_t i_I) {
-                return mConnectorList[i_I]->GetType() == eConnectorHID &&
-                       mAheadClaimed.count(mConnectorList[i_I].get()) == 0;
-            },
-            [&](size_t i_I) { return SerialAhead(*mConnectorList[i_I], false); }, Narrow(info.serialNumber),
-            plan.hidByModel);
-        if (chosen) {
-            hidOf[record] = mConnectorList[*chosen];
-            mAheadClaimed.insert(hidOf[record].get());
-        }
-    }
-    RunForEach(mDisplayInfos.size(), true,
-               [&](size_t record_I) { InitializeRecordAhead(mDisplayInfos[record_I], hidOf[record_I]); });
-}
-
-void CWinDisplayConfigInterface::InitializeRecordAhead(const SDisplayInfo& info_I,
-                                                       const std::shared_ptr<Connector>& hid_I) {
-    // What is written here outside the steps kept below is not the search's.
-    DebugLog::CHeldLines stray;
-    // The search's own plan, run the way the search runs it: each route the search would try,
-    // on the channel it would choose.
-    Discovery::RunRoutePlan(PlanFor(info_I), [&](ERoute route_I) {
-        switch (route_I) {
-            case ERoute::Hid:
-                return hid_I && CreateAhead(info_I, hid_I) ? ERouteResult::Served : ERouteResult::NotServed;
-            case ERoute::GraphicsDriver: return DisplayPortAhead(info_I);
-            case ERoute::Legacy: return LegacyAhead(info_I);
-        }
-        return ERouteResult::NotServed;
-    });
-}
-
-ERouteResult CWinDisplayConfigInterface::DisplayPortAhead(const SDisplayInfo& info_I) {
-    if (info_I.monitor == nullptr) {
-        // Nothing more is tried ahead for this record: the search looks for its monitor once
-        // more, and whether the driver then serves it is not known here.
-        return ERouteResult::EndSearch;
-    }
-    SDisplayInfo record = info_I;
-    record.owner = mRecordOwner;
-    SAheadDisplayPort ahead;
-    ahead.connector = std::make_shared<CWinI2CConnectorDP>();
-    ahead.monitor = info_I.monitor;
-    {
-        DebugLog::CHeldLines held;
-        ahead.opened = ahead.connector->Open(record);
-        ahead.lines = held.Take();
-    }
-    const std::shared_ptr<CWinI2CConnectorDP> connector = ahead.connector;
-    const bool opened = ahead.opened;
-    {
-        std::lock_guard<std::mutex> lock(mAheadMutex);
-        mAheadDisplayPort[info_I.deviceID] = std::move(ahead);
-    }
-    if (opened && CreateAhead(info_I, connector)) {
-        return ERouteResult::Served;
-    }
-    if (mStopOnDisplayPortError && !connector->LastCapabilitiesError().empty()) {
-        return ERouteResult::EndSearch;  // the search ends at this record
-    }
-    return ERouteResult::NotServed;
-}
-
-ERouteResult CWinDisplayConfigInterface::LegacyAhead(const SDisplayInfo& info_I) {
-    SearchPortsAhead();
-    std::shared_ptr<Connector> port;
-    {
-        std::lock_guard<std::mutex> lock(mAheadMutex);
-        for (const std::shared_ptr<Connector>& candidate : mAheadPorts) {
-            if (mAheadClaimed.count(candidate.get()) == 0 &&
-                Discovery::SameSerialNumber(mAheadPortSerials[candidate.get()],
-                                            Narrow(info_I.serialNumber))) {
-                port = candidate;
-                mAheadClaimed.insert(candidate.get());
-                break;
-            }
-        }
-    }
-    return port && CreateAhead(info_I, port) ? ERouteResult::Served : ERouteResult::NotServed;
-}
-
-bool CWinDisplayConfigInterface::CreateAhead(const SDisplayInfo& info_I,
-                                             const std::shared_ptr<Connector>& connector_I) {
-    SAhead ahead;
-    ahead.deviceID = info_I.deviceID;
-    {
-        DebugLog::CHeldLines held;
-        ahead.display = CreateDisplayNow(info_I, connector_I);
-        ahead.lines = held.Take();
-    }
-    const bool answered = ahead.display != nullptr;
-    {
-        std::lock_guard<std::mutex> lock(mAheadMutex);
-        mAhead[connector_I.get()] = std::move(ahead);
-    }
-    if (answered) {
-        NoteReady();
-    }
-    return answered;
-}
-
-void CWinDisplayConfigInterface::SearchPortsAhead() {
-    std::lock_guard<std::mutex> lock(mPortsMutex);
-    if (mPortsSearchedAhead) {
-        return;
-    }
-    {
-        DebugLog::CHeldLines held;
-        const size_t before = mConnectorList.size();
-        FindSerialPorts();
-        mAheadPortSearchLines = held.Take();
-        mAheadPorts.assign(mConnectorList.begin() + static_cast<std::ptrdiff_t>(before),
-                           mConnectorList.end());
-    }
-    // Each one's serial number from its display's EDID, all at the same time. A port with no
-    // display of ours is asked too, where the search might have found its display first.
-    std::vector<std::string> serials(mAheadPorts.size());
-    RunForEach(mAheadPorts.size(), true,
-               [&](size_t i_I) { serials[i_I] = SerialAhead(*mAheadPorts[i_I], true); });
-    std::lock_guard<std::mutex> aheadLock(mAheadMutex);
-    for (size_t i = 0; i < mAheadPorts.size(); ++i) {
-        mAheadPortSerials[mAheadPorts[i].get()] = serials[i];
-    }
-    mPortsSearchedAhead = true;
-}
-
-std::string CWinDisplayConfigInterface::SerialAhead(Connector& connector_I, bool fromEdid_I) {
-    DebugLog::CHeldLines held;
-    if (fromEdid_I) {
-        // SerialNumber writes its lines at every call: only the read itself is held for the search.
-        connector_I.LoadEDID();
-    }
-    HeldLines firstRead = held.Take();
-    std::string serial = connector_I.SerialNumber(-1);
-    if (!fromEdid_I) {
-        firstRead = held.Take();  // the interface writes its lines at the first read only
-    }
-    std::lock_guard<std::mutex> lock(mAheadMutex);
-    if (!firstRead.empty()) {
-        mAheadSerialLines[&connector_I] = std::move(firstRead);
-    }
-    return serial;
-}
-
-void CWinDisplayConfigInterface::EmitAheadSerialLines(const Connector& connector_I) {
-    const auto held = mAheadSerialLines.find(&connector_I);
-    if (held != mAheadSerialLines.end()) {
-        DebugLog::CHeldLines::Emit(held->second);
-        mAheadSerialLines.erase(held);
-    }
-}
-
 void CWinDisplayConfigInterface::NoteReady() {
     std::function<void(size_t, size_t)> progress;
     size_t ready = 0;
     {
-        std::lock_guard<std::mutex> lock(mAheadMutex);
+        std::lock_guard<std::mutex> lock(mReadyMutex);
         ready = ++mReady;
         progress = mProgress;
     }

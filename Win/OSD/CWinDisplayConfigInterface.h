@@ -29,6 +29,7 @@
 #include "DiscoveryRules.h"
 #include "DisplayInfo.h"
 #include "FoundDisplay.h"
+#include "InitializeAhead.h"
 #include "RoutePlan.h"
 #include "SearchOptions.h"
 
@@ -110,50 +111,14 @@ private:
     std::shared_ptr<CDisplay> CreateDisplayNow(const SDisplayInfo& info_I,
                                                std::shared_ptr<Connector> connector_I);
 
-    // Initialising ahead: each record's likely channel (its HID interface by serial number, its
-    // monitor through the graphics driver, the port or bridge that reads its serial number) is
-    // tried on a thread of its own, the way the search would try it, and what came of it is
-    // kept with its log lines. The search then runs one record after another as always, and
-    // where it creates a display on a channel tried ahead it takes that display and writes
-    // those lines there. A guess the search does not make is let go unused.
-    using HeldLines = std::vector<DebugLog::CHeldLines::SLine>;
-    struct SAhead {
-        std::wstring deviceID;              // the record it was tried for
-        std::shared_ptr<CDisplay> display;  // null: the initialisation failed
-        HeldLines lines;
-        bool used = false;
-    };
-    struct SAheadDisplayPort {
-        std::shared_ptr<CWinI2CConnectorDP> connector;
-        HMONITOR monitor = nullptr;
-        bool opened = false;
-        HeldLines lines;  // the connector's opening
-    };
-    void InitializeAhead();
-    void InitializeRecordAhead(const SDisplayInfo& info_I, const std::shared_ptr<Connector>& hid_I);
-    // The search's graphics-driver and legacy routes, tried ahead.
-    ERouteResult DisplayPortAhead(const SDisplayInfo& info_I);
-    ERouteResult LegacyAhead(const SDisplayInfo& info_I);
-    // Tries the display on the connector ahead; true when it answered.
-    bool CreateAhead(const SDisplayInfo& info_I, const std::shared_ptr<Connector>& connector_I);
-    // The port and bridge search and each one's serial number, once, for every record ahead.
-    void SearchPortsAhead();
-    // A connector's serial number, holding the lines of its first read for the search.
-    std::string SerialAhead(Connector& connector_I, bool fromEdid_I);
-    // Writes those lines where the search reads the serial number.
-    void EmitAheadSerialLines(const Connector& connector_I);
+    // Initialising at once runs each record's plan ahead (CInitializeAhead); the search takes
+    // what came of it where it would have tried the same.
+    friend class CInitializeAhead;
+    CInitializeAhead mAhead{*this};
     void ForgetAhead();
+    // One more display is ready: the progress callback is told.
     void NoteReady();
-    std::mutex mAheadMutex;
-    std::mutex mPortsMutex;
-    std::set<const Connector*> mAheadClaimed;
-    std::map<const Connector*, SAhead> mAhead;
-    std::map<std::wstring, SAheadDisplayPort> mAheadDisplayPort;  // by the record's device id
-    bool mPortsSearchedAhead = false;
-    HeldLines mAheadPortSearchLines;
-    std::map<const Connector*, HeldLines> mAheadSerialLines;
-    std::vector<std::shared_ptr<Connector>> mAheadPorts;
-    std::map<const Connector*, std::string> mAheadPortSerials;
+    std::mutex mReadyMutex;
     size_t mReady = 0;
 
     // The record's route plan, the same for the search and for initialising ahead.
@@ -166,13 +131,6 @@ private:
     // Closes and drops the connectors no display took.
     void ReleaseUnusedConnectors();
     bool IsTaken(const std::shared_ptr<Connector>& connector_I) const;
-
-    // One serial port by its place in the port interface list: its hardware id, "Not Supported"
-    // for a port that cannot lead to a display, empty past the end.
-    std::string GetNextDeviceID(HDEVINFO ports_I, DWORD index_I, SP_DEVINFO_DATA& device_O);
-    void GetPortNum(HDEVINFO ports_I, SP_DEVINFO_DATA& device_I);
-    template <typename Bridge>
-    void AddBridges(const char* kind_I, const char* lookingFor_I);
 
     std::wstring GroupString(const char* group_I, uint16_t productId_I) const;
     bool IsMakersOwnComputer() const;
