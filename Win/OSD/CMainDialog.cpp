@@ -14,6 +14,7 @@
 #include "ErrorAdvice.h"
 #include "HelpPages.h"
 #include "LanguageProvider.h"
+#include "MainDialogRows.h"
 #include "MessageWindows.h"
 #include "ScopedTimer.h"
 #include "SettingTable.h"
@@ -31,42 +32,6 @@ constexpr int kToolTipDelayMs = 1000;
 constexpr UINT kProductTitle = 2000;
 constexpr UINT kRgbPrefix = 2026;
 
-using MessageWindows::SCaption;
-
-// In the order access keys are handed out: the most used first.
-constexpr SCaption kCaptions[] = {
-    {IDC_BRIGHTNESS_LABEL, SettingCaptionId(ESetting::Brightness), true},
-    {IDC_CONTRAST_LABEL, SettingCaptionId(ESetting::Contrast), true},
-    {IDC_SAVE_BUTTON, 2032, true},
-    {IDC_DISPLAY_LABEL, 2001, true},
-    {IDC_COLOR_SETTING_LABEL, SettingCaptionId(ESetting::ColorSettingMode), true},
-    {IDC_COLOR_TEMPERATURE_LABEL, SettingCaptionId(ESetting::ColorTemperature), true},
-    {IDC_COLOR_SPACE_LABEL, SettingCaptionId(ESetting::ColorSpace), true},
-    {IDC_GAMMA_LABEL, SettingCaptionId(ESetting::Gamma), true},
-    {IDC_CUSTOM_COLOR_BUTTON, 2025, true},
-    {IDC_RESET_COLOR_BUTTON, 2036, true},
-    {IDC_ADVANCED_BUTTON, 2031, true},
-    {IDC_REVERT_BUTTON, 2033, true},
-    {IDC_CUSTOM_COLOR_LABEL, 2026},
-};
-
-// The main dialog's lists and the setting each sets.
-constexpr std::pair<int, ESetting> kSettingLists[] = {
-    {IDC_COLOR_SETTING_LIST, ESetting::ColorSettingMode},
-    {IDC_COLOR_TEMPERATURE_LIST, ESetting::ColorTemperature},
-    {IDC_COLOR_SPACE_LIST, ESetting::ColorSpace},
-    {IDC_GAMMA_LIST, ESetting::Gamma},
-};
-
-std::optional<ESetting> SettingOfList(int listId_I) {
-    for (const auto& [list, setting] : kSettingLists) {
-        if (list == listId_I) {
-            return setting;
-        }
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 CMainDialog::CMainDialog(const SStartupOptions& options_I, LANGID language_I)
@@ -75,16 +40,7 @@ CMainDialog::CMainDialog(const SStartupOptions& options_I, LANGID language_I)
       mLanguage(language_I),
       mOperation(language_I),
       mSliders(*this, language_I, [this](bool ok_I) { return ReportWrite(ok_I); }),
-      mRows({{{IDC_DISPLAY_LABEL, IDC_DISPLAY_LIST}},
-             {{IDC_BRIGHTNESS_LABEL, IDC_BRIGHTNESS_EDIT, IDC_BRIGHTNESS_SLIDER}},
-             {{IDC_CONTRAST_LABEL, IDC_CONTRAST_EDIT, IDC_CONTRAST_SLIDER}},
-             {{}, IDC_COLOR_GROUP, 3},
-             {{IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, IDC_CUSTOM_COLOR_BUTTON}},
-             {{IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LABEL,
-               IDC_COLOR_SPACE_LIST, IDC_CUSTOM_COLOR_LABEL}},
-             {{IDC_RESET_COLOR_BUTTON}},
-             {{IDC_GAMMA_LABEL, IDC_GAMMA_LIST}},
-             {{IDC_ADVANCED_BUTTON, IDC_SAVE_BUTTON, IDC_REVERT_BUTTON, IDC_HELP_BUTTON}}}) {}
+      mRows(MainDialogRows::Layout()) {}
 
 CMainDialog::~CMainDialog() {
     mOperation.Abandon();
@@ -287,7 +243,8 @@ LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
 }
 
 void CMainDialog::LoadCaptions() {
-    MessageWindows::SetCaptions(m_hWnd, kCaptions, mLanguage);
+    static const std::vector<MessageWindows::SCaption> captions = MainDialogRows::Captions();
+    MessageWindows::SetCaptions(m_hWnd, captions.data(), captions.size(), mLanguage);
     SetDlgItemTextW(m_hWnd, IDC_HELP_BUTTON, L"?");
 }
 
@@ -332,9 +289,9 @@ void CMainDialog::HoldSelectedDisplay() {
 }
 
 void CMainDialog::ClearCombos() {
-    for (const auto& list : kSettingLists) {
-        SendDlgItemMessageW(m_hWnd, list.first, CB_RESETCONTENT, 0, 0);
-        mValues.erase(list.first);
+    for (const MainDialogRows::SChoiceRow& row : MainDialogRows::Choices()) {
+        SendDlgItemMessageW(m_hWnd, row.list, CB_RESETCONTENT, 0, 0);
+        mValues.erase(row.list);
     }
 }
 
@@ -379,13 +336,11 @@ void CMainDialog::InitControls() {
     mSliders.Init();
 
     const SSettingState mode = delegate->GetSetting(ESetting::ColorSettingMode);
-    InitChoice(ESetting::ColorSettingMode, IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, true);
-    const bool temperature = mode.value == eColorModeTemperature;
-    const bool space = mode.value == eColorModeSpace;
+    for (const MainDialogRows::SChoiceRow& row : MainDialogRows::Choices()) {
+        InitChoice(row.setting, row.label, row.list,
+                   row.onlyInColorMode == 0 || mode.value == row.onlyInColorMode);
+    }
     const bool custom = mode.supported && mode.value == eColorModeCustom;
-    InitChoice(ESetting::ColorTemperature, IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST,
-               temperature);
-    InitChoice(ESetting::ColorSpace, IDC_COLOR_SPACE_LABEL, IDC_COLOR_SPACE_LIST, space);
     ShowControl(GetDlgItem(IDC_CUSTOM_COLOR_LABEL), custom);
     ShowControl(GetDlgItem(IDC_CUSTOM_COLOR_BUTTON), custom);
     if (custom) {
@@ -393,7 +348,6 @@ void CMainDialog::InitControls() {
     }
     ShowControl(GetDlgItem(IDC_COLOR_GROUP), mode.supported);
     ShowControl(GetDlgItem(IDC_RESET_COLOR_BUTTON), mode.supported);
-    InitChoice(ESetting::Gamma, IDC_GAMMA_LABEL, IDC_GAMMA_LIST, true);
     UpdateButtons();
     mRows.Apply(m_hWnd);  // no gaps where the display offers nothing
     PlaceWindow();
@@ -525,22 +479,22 @@ LRESULT CMainDialog::OnDisplayChanged(WORD, WORD, HWND, BOOL&) {
     return 0;
 }
 
-LRESULT CMainDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL&) {
+LRESULT CMainDialog::OnChoiceChanged(WORD, WORD id_I, HWND, BOOL& handled_O) {
+    const MainDialogRows::SChoiceRow* row = MainDialogRows::ChoiceOfList(id_I);
+    if (row == nullptr) {
+        handled_O = FALSE;  // not a setting's drop-down
+        return 0;
+    }
     UiDisplayDelegate* delegate = Delegate();
     int32_t value = 0;
     if (!SelectedComboValue(m_hWnd, id_I, mValues[id_I], value) || delegate == nullptr) {
         return 0;
     }
-    const std::optional<ESetting> setting = SettingOfList(id_I);
-    if (!setting) {
-        VLR_ASSERT_FAIL("a list of no setting");
-        return 0;
-    }
-    ReportWrite(delegate->SetSetting(*setting, value));
-    if (*setting == ESetting::Gamma) {
-        UpdateButtons();
-    } else {
+    ReportWrite(delegate->SetSetting(row->setting, value));
+    if (row->changesOthers) {
         InitControls();
+    } else {
+        UpdateButtons();
     }
     return 0;
 }

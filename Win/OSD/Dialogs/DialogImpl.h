@@ -83,6 +83,15 @@ bool SelectChoice(HWND combo_I, const std::vector<int32_t>& values_I, int32_t va
             return TRUE;                                                                          \
     }
 
+// Every control's notification of this code (after the handlers by id above it).
+#define COMMAND_CODE_HANDLER(code, func)                                                          \
+    if (uMsg == WM_COMMAND && HIWORD(wParam) == (code)) {                                         \
+        bHandled = TRUE;                                                                          \
+        lResult = func(HIWORD(wParam), LOWORD(wParam), reinterpret_cast<HWND>(lParam), bHandled); \
+        if (bHandled)                                                                             \
+            return TRUE;                                                                          \
+    }
+
 #define COMMAND_HANDLER(id, code, func)                                                           \
     if (uMsg == WM_COMMAND && LOWORD(wParam) == (id) && HIWORD(wParam) == (code)) {               \
         bHandled = TRUE;                                                                          \

@@ -1,0 +1,62 @@
+#include "MainDialogRows.h"
+
+#include "DialogIds.h"
+#include "SettingCodes.h"
+
+namespace MainDialogRows {
+
+const std::vector<SChoiceRow>& Choices() {
+    static const std::vector<SChoiceRow> rows = {
+        {ESetting::ColorSettingMode, IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, 0, true},
+        {ESetting::ColorTemperature, IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST,
+         eColorModeTemperature, true},
+        {ESetting::ColorSpace, IDC_COLOR_SPACE_LABEL, IDC_COLOR_SPACE_LIST, eColorModeSpace, true},
+        {ESetting::Gamma, IDC_GAMMA_LABEL, IDC_GAMMA_LIST, 0, false},
+    };
+    return rows;
+}
+
+const SChoiceRow* ChoiceOfList(int listId_I) {
+    for (const SChoiceRow& row : Choices()) {
+        if (row.list == listId_I) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<MessageWindows::SCaption> Captions() {
+    // The most used first; the drop-downs' captions after the display's.
+    std::vector<MessageWindows::SCaption> captions = {
+        {IDC_BRIGHTNESS_LABEL, SettingCaptionId(ESetting::Brightness), true},
+        {IDC_CONTRAST_LABEL, SettingCaptionId(ESetting::Contrast), true},
+        {IDC_SAVE_BUTTON, 2032, true},
+        {IDC_DISPLAY_LABEL, 2001, true},
+    };
+    for (const SChoiceRow& row : Choices()) {
+        captions.push_back({row.label, SettingCaptionId(row.setting), true});
+    }
+    captions.insert(captions.end(), {
+                                        {IDC_CUSTOM_COLOR_BUTTON, 2025, true},
+                                        {IDC_RESET_COLOR_BUTTON, 2036, true},
+                                        {IDC_ADVANCED_BUTTON, 2031, true},
+                                        {IDC_REVERT_BUTTON, 2033, true},
+                                        {IDC_CUSTOM_COLOR_LABEL, 2026},
+                                    });
+    return captions;
+}
+
+std::vector<CRowLayout::SRow> Layout() {
+    return {{{IDC_DISPLAY_LABEL, IDC_DISPLAY_LIST}},
+            {{IDC_BRIGHTNESS_LABEL, IDC_BRIGHTNESS_EDIT, IDC_BRIGHTNESS_SLIDER}},
+            {{IDC_CONTRAST_LABEL, IDC_CONTRAST_EDIT, IDC_CONTRAST_SLIDER}},
+            {{}, IDC_COLOR_GROUP, 3},
+            {{IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, IDC_CUSTOM_COLOR_BUTTON}},
+            {{IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LABEL,
+              IDC_COLOR_SPACE_LIST, IDC_CUSTOM_COLOR_LABEL}},
+            {{IDC_RESET_COLOR_BUTTON}},
+            {{IDC_GAMMA_LABEL, IDC_GAMMA_LIST}},
+            {{IDC_ADVANCED_BUTTON, IDC_SAVE_BUTTON, IDC_REVERT_BUTTON, IDC_HELP_BUTTON}}};
+}
+
+}  // namespace MainDialogRows
