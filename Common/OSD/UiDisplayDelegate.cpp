@@ -291,7 +291,7 @@ SSettingState UiDisplayDelegate::ContinuousState(uint8_t vcpCode_I) {
     return state;
 }
 
-SSettingState UiDisplayDelegate::ChoiceState(uint8_t vcpCode_I, const std::vector<SEntry>& labels_I) {
+SSettingState UiDisplayDelegate::ChoiceState(uint8_t vcpCode_I, std::span<const SEntry> labels_I) {
     SSettingState state = ContinuousState(vcpCode_I);
     if (!state.supported) {
         return state;
@@ -359,11 +359,9 @@ SSettingState UiDisplayDelegate::ColorModeState() {
 }
 
 SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
-    // The settings with rules of their own; the rest as their row's kind says.
+    // The settings with rules of their own; the rest as their row says.
     switch (setting_I) {
         case ESetting::ColorSettingMode: return ColorModeState();
-        case ESetting::ColorTemperature: return ChoiceState(CodeOf(setting_I), ColorTemperatureLabels());
-        case ESetting::ColorSpace: return ChoiceState(CodeOf(setting_I), ColorSpaceLabels());
         case ESetting::Gamma: return GammaState();
         case ESetting::AspectRatio:
             return ChoiceState(CodeOf(setting_I), AspectRatioLabels(CodeOf(setting_I)));
@@ -371,29 +369,27 @@ SSettingState UiDisplayDelegate::GetSetting(ESetting setting_I) {
             if (mTraits.fixedPowerLed) {
                 return {};
             }
-            return ChoiceState(CodeOf(setting_I), PowerLedLabels());
-        case ESetting::UniformityCompensation: return ChoiceState(CodeOf(setting_I), UniformityLabels());
-        case ESetting::ScanMode: return ChoiceState(CodeOf(setting_I), OffOnLabels());
-        case ESetting::FanSpeed: return ChoiceState(CodeOf(setting_I), FanSpeedLabels());
-        case ESetting::BatteryMode: {
-            SSettingState state = ContinuousState(CodeOf(setting_I));
-            if (state.supported) {
-                state.entries = BatteryModeLabels();
-                state.value = ChoiceOfWireValue(ESetting::BatteryMode, state.value).value_or(-1);
-            }
-            return state;
-        }
+            break;
         default: break;
     }
-    switch (SettingRowOf(setting_I).kind) {
-        case ESettingKind::OnOff: return ChoiceState(CodeOf(setting_I), OffOnLabels());
-        case ESettingKind::Slider:
-        case ESettingKind::Action:
-        case ESettingKind::Hidden: return ContinuousState(CodeOf(setting_I));
-        case ESettingKind::Choice: break;
+    const SSettingRow& row = SettingRowOf(setting_I);
+    if (!row.wireValues.empty()) {
+        // The display's values are not the choices: read as they are, shown as the choices.
+        SSettingState state = ContinuousState(CodeOf(setting_I));
+        if (state.supported) {
+            state.entries.assign(row.labels.begin(), row.labels.end());
+            state.value = ChoiceOfWireValue(setting_I, state.value).value_or(-1);
+        }
+        return state;
     }
-    VLR_ASSERT_FAIL("a choice without its labels");
-    return {};
+    if (!row.labels.empty()) {
+        return ChoiceState(CodeOf(setting_I), row.labels);
+    }
+    if (row.kind == ESettingKind::Choice) {
+        VLR_ASSERT_FAIL("a choice without its labels");
+        return {};
+    }
+    return ContinuousState(CodeOf(setting_I));
 }
 
 bool UiDisplayDelegate::SetSetting(ESetting setting_I, int32_t value_I) {

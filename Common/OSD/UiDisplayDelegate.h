@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -112,7 +113,7 @@ private:
     // On the families that switch colour modes with display presets, selects the mode's preset.
     bool SelectModePreset(int32_t mode_I);
     SSettingState ContinuousState(uint8_t vcpCode_I);
-    SSettingState ChoiceState(uint8_t vcpCode_I, const std::vector<SEntry>& labels_I);
+    SSettingState ChoiceState(uint8_t vcpCode_I, std::span<const SEntry> labels_I);
     SSettingState GammaState();
     SSettingState ColorModeState();
 

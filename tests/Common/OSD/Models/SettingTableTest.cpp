@@ -63,7 +63,9 @@ TEST(SettingTable, EachRowsKindIsWhatTheDelegateOffersForItOnEveryFamily) {
                     EXPECT_GT(state.range.maximum, state.range.minimum);
                     break;
                 case ESettingKind::Choice: EXPECT_FALSE(state.entries.empty()); break;
-                case ESettingKind::OnOff: EXPECT_EQ(state.entries, OffOnLabels()); break;
+                case ESettingKind::OnOff:
+                    EXPECT_EQ(state.entries, (std::vector<SEntry>{{StringId::kOff, 0}, {StringId::kOn, 1}}));
+                    break;
                 case ESettingKind::Action:
                 case ESettingKind::Hidden: break;
             }

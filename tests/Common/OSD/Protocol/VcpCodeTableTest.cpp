@@ -30,13 +30,22 @@ TEST(VcpCodeTable, OneRowPerCodeAndVariantsReplaceOnlyTheirCode) {
     EXPECT_EQ(FindVcpCodeRow(0x07), nullptr);
 }
 
+namespace {
+
+std::vector<SEntry> Labels(ESetting setting_I) {
+    const SSettingRow& row = SettingRowOf(setting_I);
+    return {row.labels.begin(), row.labels.end()};
+}
+
+}  // namespace
+
 TEST(VcpCodeTable, EveryValueTheDialogsLabelIsOneTheCodeNames) {
     const std::pair<EValueNames, std::vector<SEntry>> lists[] = {
-        {EValueNames::ColorPreset, ColorTemperatureLabels()},
-        {EValueNames::ColorSpace, ColorSpaceLabels()},
+        {EValueNames::ColorPreset, Labels(ESetting::ColorTemperature)},
+        {EValueNames::ColorSpace, Labels(ESetting::ColorSpace)},
         {EValueNames::DisplayScaling, AspectRatioLabels(0x86)},
-        {EValueNames::LedBrightness, PowerLedLabels()},
-        {EValueNames::UniformityComp, UniformityLabels()},
+        {EValueNames::LedBrightness, Labels(ESetting::PowerLedBrightness)},
+        {EValueNames::UniformityComp, Labels(ESetting::UniformityCompensation)},
     };
     for (const auto& [values, labels] : lists) {
         ASSERT_FALSE(labels.empty());
@@ -48,5 +57,5 @@ TEST(VcpCodeTable, EveryValueTheDialogsLabelIsOneTheCodeNames) {
         }
     }
     // The order the user reads: 5700 K second although its value is last.
-    EXPECT_EQ(ColorTemperatureLabels()[1], (SEntry{StringId::k5700K, 11}));
+    EXPECT_EQ(Labels(ESetting::ColorTemperature)[1], (SEntry{StringId::k5700K, 11}));
 }
