@@ -282,3 +282,23 @@ TEST(SettingsKeeper, AProfileKeptUnderTheModelsNameWithOrWithoutTheMakersIsOneEn
     bench.RunFor(5s);
     EXPECT_EQ(bench.Display(0).Value(0x10), 33);
 }
+
+TEST(SettingsKeeper, ADisplayThatStoppedAnsweringIsInitialisedAfreshBeforeTheMenuUsesItAgain) {
+    SKeeperBench bench("vlr-keeper-silent");
+    bench.desk.Add("canvas-22-pro", "S22");
+    const std::string profile = bench.Write("p.json", R"({"settings": {"contrast": 45}})");
+    ASSERT_EQ(bench.keeper->ApplyNow(profile).at(0).kind, SKeeperResult::EKind::Restored);
+    const size_t introductions = bench.Display(0).CountRequests(ddcCC_CapabilitiesRequest);
+    ASSERT_GT(introductions, 0u);
+
+    // Switched off meanwhile: nothing answers, and the tray menu's profile fails.
+    bench.Display(0).SetValueFromMenu(0x12, 50);
+    bench.Display(0).Faults().FailNext(EFault::NoReply, 100000);
+    EXPECT_EQ(bench.keeper->ApplyNow(profile).at(0).kind, SKeeperResult::EKind::Failed);
+
+    // Back on: the display is asked who it is again, not trusted from before it went silent.
+    bench.Display(0).Faults().Clear();
+    EXPECT_EQ(bench.keeper->ApplyNow(profile).at(0).kind, SKeeperResult::EKind::Restored);
+    EXPECT_GT(bench.Display(0).CountRequests(ddcCC_CapabilitiesRequest), introductions);
+    EXPECT_EQ(bench.Display(0).Value(0x12), 45);
+}
