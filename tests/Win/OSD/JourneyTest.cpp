@@ -202,6 +202,10 @@ TEST(Journey, TheCustomColourDialogAsksOncePerReleaseAndEnterAppliesATypedValue)
     PressKey(VK_END);
     PressKey(VK_RETURN);
     ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(program.Item(IDC_CUSTOM_COLOR_BUTTON)) != FALSE; }));
+    // The preset lists give way to the custom colour; gamma stays.
+    EXPECT_FALSE(IsWindowVisible(program.Item(IDC_COLOR_TEMPERATURE_LIST)));
+    EXPECT_FALSE(IsWindowVisible(program.Item(IDC_COLOR_SPACE_LIST)));
+    EXPECT_TRUE(IsWindowVisible(program.Item(IDC_GAMMA_LIST)));
     ClickOn(program.Item(IDC_CUSTOM_COLOR_BUTTON));
     HWND colours = nullptr;
     ASSERT_TRUE(WaitFor([&] { return (colours = FindDialog(L"Custom Color")) != nullptr; }));
