@@ -9,6 +9,7 @@
 #include "DebugLog.h"
 #include "KeeperProcess.h"
 #include "MessageWindows.h"
+#include "SettingRowControls.h"
 #include "SettingTable.h"
 #include "SystemLibrary.h"
 #include "UiDisplayDelegate.h"
@@ -63,6 +64,29 @@ LRESULT CALLBACK PageKeys(int code_I, WPARAM wParam_I, LPARAM lParam_I) {
 
 }  // namespace
 
+namespace {
+
+// Ids for the rows that leave theirs 0, past every id of the templates.
+constexpr int kFirstMadeId = 2000;
+
+std::vector<CAdvancedDialog::SSettingControls> WithIds(
+    std::vector<CAdvancedDialog::SSettingControls> rows_I) {
+    for (size_t index = 0; index < rows_I.size(); ++index) {
+        CAdvancedDialog::SSettingControls& row = rows_I[index];
+        if (row.label == 0) {
+            const int first = kFirstMadeId + 4 * static_cast<int>(index);
+            const ESettingKind kind = SettingRowOf(row.setting).kind;
+            row.label = first;
+            row.control = first + 1;
+            row.on = kind == ESettingKind::OnOff ? first + 2 : 0;
+            row.state = kind == ESettingKind::Action ? first + 3 : 0;
+        }
+    }
+    return rows_I;
+}
+
+}  // namespace
+
 // The layout's rows: one per setting, then the versions and the buttons.
 std::vector<CRowLayout::SRow> PageRows() {
     std::vector<CRowLayout::SRow> rows;
@@ -88,7 +112,9 @@ CAdvancedDialog::CAdvancedDialog(IDialogHost& host_I, LANGID language_I)
 const std::vector<CAdvancedDialog::SSettingControls>& CAdvancedDialog::SettingControls() {
     // Cancel puts back what it changed of the settings marked so; fan speed, auto power down
     // and LCD conditioning stay as set.
-    static const std::vector<SSettingControls> rows = {
+    // A row may leave its ids 0: its controls get ids of their own (the tests name the
+    // older rows' ids).
+    static const std::vector<SSettingControls> rows = WithIds({
         {ESetting::AspectRatio, IDC_ASPECT_LABEL, IDC_ASPECT_LIST, 0, 0, true},
         {ESetting::PowerLedBrightness, IDC_LED_LABEL, IDC_LED_LIST, 0, 0, true},
         {ESetting::Sharpness, IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER, 0, 0, true},
@@ -102,7 +128,7 @@ const std::vector<CAdvancedDialog::SSettingControls>& CAdvancedDialog::SettingCo
         {ESetting::LcdConditioning, IDC_LCD_CONDITIONING_LABEL, IDC_LCD_CONDITIONING_START, 0,
          IDC_LCD_CONDITIONING_STATE, false},
         {ESetting::BatteryMode, IDC_BATTERY_LABEL, IDC_BATTERY_LIST, 0, 0, true},
-    };
+    });
     return rows;
 }
 
@@ -208,6 +234,11 @@ LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
         SendMessageW(toolTip, TTM_ACTIVATE, TRUE, 0);
     }
     SetWindowTextW(m_hWnd, MessageWindows::Text(2000, mLanguage).c_str());
+    std::vector<SSettingRowIds> rows;
+    for (const SSettingControls& controls : SettingControls()) {
+        rows.push_back({controls.setting, controls.label, controls.control, controls.on, controls.state});
+    }
+    CreateSettingRows(m_hWnd, rows);
     // The settings' labels first (the access keys go to them first), in the page's order.
     std::vector<SCaption> captions;
     for (const SSettingControls& controls : SettingControls()) {

@@ -1,0 +1,24 @@
+#pragma once
+// Makes a page's setting rows in code, from the setting table: a label, then by the setting's
+// kind a drop-down, a slider, an Off/On pair, or a Start button with its state text. Rows are
+// a fixed pitch apart in dialog units, in tab order before the template's own controls, and
+// what the template holds below them moves down by as much as the rows take: a new row needs
+// no coordinates.
+
+#include <windows.h>
+
+#include <vector>
+
+#include "SettingTable.h"
+
+struct SSettingRowIds {
+    ESetting setting;
+    int label;
+    int control;  // the drop-down, slider or Start button; an Off/On pair's Off
+    int on;       // an Off/On pair's On; 0 for the others
+    int state;    // the text beside a Start button; 0 for the others
+};
+
+// Makes the rows at the top of the dialog and moves every control the template holds, and the
+// window's bottom, down by the height they take.
+void CreateSettingRows(HWND dialog_I, const std::vector<SSettingRowIds>& rows_I);
