@@ -238,7 +238,7 @@ LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     for (const SSettingControls& controls : SettingControls()) {
         rows.push_back({controls.setting, controls.label, controls.control, controls.on, controls.state});
     }
-    CreateSettingRows(m_hWnd, rows);
+    CreateSettingRows(m_hWnd, rows, SRowGeometry{});
     // The settings' labels first (the access keys go to them first), in the page's order.
     std::vector<SCaption> captions;
     for (const SSettingControls& controls : SettingControls()) {

@@ -175,6 +175,7 @@ bool CMainDialog::RunLongOperation(LPTHREAD_START_ROUTINE first_I, const char* f
 
 LRESULT CMainDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     CScopedTimer timer("CMainDialog::OnInitDialog");
+    MainDialogRows::CreateMadeRows(m_hWnd);
     // Discovery starts before any window is shown.
     mOperation.Start(
         {&CMainDialog::DisplayConfigThread, "(LPTHREAD_START_ROUTINE)CMainDialog::DisplayConfigThread"},

@@ -2,18 +2,49 @@
 
 #include "DialogIds.h"
 #include "SettingCodes.h"
+#include "SettingRowControls.h"
 
 namespace MainDialogRows {
 
+namespace {
+
+// The made rows' place, in dialog units: below the colour group, in the template's columns.
+constexpr SRowGeometry kMadeRows{
+    .top = 160, .pitch = 24, .labelLeft = 10, .labelWidth = 98, .controlLeft = 112, .controlWidth = 118};
+// Ids for made rows that leave theirs 0, past every id of the templates.
+constexpr int kFirstMadeId = 2100;
+
+std::vector<SChoiceRow> WithIds(std::vector<SChoiceRow> rows_I) {
+    for (size_t index = 0; index < rows_I.size(); ++index) {
+        if (rows_I[index].label == 0) {
+            rows_I[index].label = kFirstMadeId + 2 * static_cast<int>(index);
+            rows_I[index].list = rows_I[index].label + 1;
+        }
+    }
+    return rows_I;
+}
+
+}  // namespace
+
 const std::vector<SChoiceRow>& Choices() {
-    static const std::vector<SChoiceRow> rows = {
-        {ESetting::ColorSettingMode, IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, 0, true},
+    static const std::vector<SChoiceRow> rows = WithIds({
+        {ESetting::ColorSettingMode, IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, 0, true, false},
         {ESetting::ColorTemperature, IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST,
-         eColorModeTemperature, true},
-        {ESetting::ColorSpace, IDC_COLOR_SPACE_LABEL, IDC_COLOR_SPACE_LIST, eColorModeSpace, true},
-        {ESetting::Gamma, IDC_GAMMA_LABEL, IDC_GAMMA_LIST, 0, false},
-    };
+         eColorModeTemperature, true, false},
+        {ESetting::ColorSpace, IDC_COLOR_SPACE_LABEL, IDC_COLOR_SPACE_LIST, eColorModeSpace, true, false},
+        {ESetting::Gamma, IDC_GAMMA_LABEL, IDC_GAMMA_LIST, 0, false, true},
+    });
     return rows;
+}
+
+void CreateMadeRows(HWND dialog_I) {
+    std::vector<SSettingRowIds> made;
+    for (const SChoiceRow& row : Choices()) {
+        if (row.made) {
+            made.push_back({row.setting, row.label, row.list, 0, 0});
+        }
+    }
+    CreateSettingRows(dialog_I, made, kMadeRows);
 }
 
 const SChoiceRow* ChoiceOfList(int listId_I) {
@@ -47,16 +78,22 @@ std::vector<MessageWindows::SCaption> Captions() {
 }
 
 std::vector<CRowLayout::SRow> Layout() {
-    return {{{IDC_DISPLAY_LABEL, IDC_DISPLAY_LIST}},
-            {{IDC_BRIGHTNESS_LABEL, IDC_BRIGHTNESS_EDIT, IDC_BRIGHTNESS_SLIDER}},
-            {{IDC_CONTRAST_LABEL, IDC_CONTRAST_EDIT, IDC_CONTRAST_SLIDER}},
-            {{}, IDC_COLOR_GROUP, 3},
-            {{IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, IDC_CUSTOM_COLOR_BUTTON}},
-            {{IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LABEL,
-              IDC_COLOR_SPACE_LIST, IDC_CUSTOM_COLOR_LABEL}},
-            {{IDC_RESET_COLOR_BUTTON}},
-            {{IDC_GAMMA_LABEL, IDC_GAMMA_LIST}},
-            {{IDC_ADVANCED_BUTTON, IDC_SAVE_BUTTON, IDC_REVERT_BUTTON, IDC_HELP_BUTTON}}};
+    std::vector<CRowLayout::SRow> rows = {
+        {{IDC_DISPLAY_LABEL, IDC_DISPLAY_LIST}},
+        {{IDC_BRIGHTNESS_LABEL, IDC_BRIGHTNESS_EDIT, IDC_BRIGHTNESS_SLIDER}},
+        {{IDC_CONTRAST_LABEL, IDC_CONTRAST_EDIT, IDC_CONTRAST_SLIDER}},
+        {{}, IDC_COLOR_GROUP, 3},
+        {{IDC_COLOR_SETTING_LABEL, IDC_COLOR_SETTING_LIST, IDC_CUSTOM_COLOR_BUTTON}},
+        {{IDC_COLOR_TEMPERATURE_LABEL, IDC_COLOR_TEMPERATURE_LIST, IDC_COLOR_SPACE_LABEL,
+          IDC_COLOR_SPACE_LIST, IDC_CUSTOM_COLOR_LABEL}},
+        {{IDC_RESET_COLOR_BUTTON}}};
+    for (const SChoiceRow& row : Choices()) {
+        if (row.made) {
+            rows.push_back({{row.label, row.list}});
+        }
+    }
+    rows.push_back({{IDC_ADVANCED_BUTTON, IDC_SAVE_BUTTON, IDC_REVERT_BUTTON, IDC_HELP_BUTTON}});
+    return rows;
 }
 
 }  // namespace MainDialogRows

@@ -4,15 +4,8 @@
 
 namespace {
 
-// In dialog units, as the template's own rows are laid out.
-constexpr int kTop = 10;
-constexpr int kPitch = 18;
-constexpr int kLabelLeft = 10;
-constexpr int kLabelWidth = 140;
-constexpr int kControlLeft = 154;
-constexpr int kControlWidth = 130;
-constexpr int kHalfWidth = 63;
-constexpr int kSecondLeft = 221;
+// An Off/On pair's and a Start button's width, and the gap after the first, in dialog units.
+constexpr int kHalfGap = 4;
 
 struct SPlace {
     int x, y, width, height;
@@ -37,45 +30,59 @@ HWND Make(HWND dialog_I, HWND& after_IO, const wchar_t* type_I, DWORD style_I, i
 
 }  // namespace
 
-void CreateSettingRows(HWND dialog_I, const std::vector<SSettingRowIds>& rows_I) {
-    // What the template holds, moved down below the rows.
-    RECT shift{0, 0, 0, kPitch * static_cast<int>(rows_I.size())};
+void CreateSettingRows(HWND dialog_I, const std::vector<SSettingRowIds>& rows_I,
+                       const SRowGeometry& geometry_I) {
+    const SRowGeometry& g = geometry_I;
+    const int halfWidth = (g.controlWidth - kHalfGap) / 2;
+    const int secondLeft = g.controlLeft + halfWidth + kHalfGap;
+    // What the template holds from the rows' top down moves below the rows; the rows go after
+    // the last control above them in tab order.
+    RECT shift{0, g.top, 0, g.top + g.pitch * static_cast<int>(rows_I.size())};
     MapDialogRect(dialog_I, &shift);
+    const int by = shift.bottom - shift.top;
+    HWND after = HWND_TOP;
+    bool below = false;
     for (HWND child = GetWindow(dialog_I, GW_CHILD); child != nullptr;
          child = GetWindow(child, GW_HWNDNEXT)) {
         RECT rect{};
         GetWindowRect(child, &rect);
         MapWindowPoints(nullptr, dialog_I, reinterpret_cast<POINT*>(&rect), 2);
-        SetWindowPos(child, nullptr, rect.left, rect.top + shift.bottom, 0, 0,
+        if (rect.top < shift.top) {
+            if (!below) {
+                after = child;
+            }
+            continue;
+        }
+        below = true;
+        SetWindowPos(child, nullptr, rect.left, rect.top + by, 0, 0,
                      SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     }
     RECT window{};
     GetWindowRect(dialog_I, &window);
-    SetWindowPos(dialog_I, nullptr, 0, 0, window.right - window.left,
-                 window.bottom - window.top + shift.bottom, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(dialog_I, nullptr, 0, 0, window.right - window.left, window.bottom - window.top + by,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 
-    HWND after = HWND_TOP;
     for (size_t index = 0; index < rows_I.size(); ++index) {
         const SSettingRowIds& row = rows_I[index];
-        const int top = kTop + kPitch * static_cast<int>(index);
+        const int top = g.top + g.pitch * static_cast<int>(index);
         Make(dialog_I, after, L"STATIC", SS_LEFT | WS_GROUP, row.label,
-             {kLabelLeft, top + 2, kLabelWidth, 9});
+             {g.labelLeft, top + 2, g.labelWidth, 9});
         switch (SettingRowOf(row.setting).kind) {
             case ESettingKind::Slider:
                 Make(dialog_I, after, TRACKBAR_CLASSW, TBS_HORZ | TBS_AUTOTICKS | WS_TABSTOP, row.control,
-                     {kControlLeft - 4, top - 3, kControlWidth + 8, 16});
+                     {g.controlLeft - 4, top - 3, g.controlWidth + 8, 16});
                 break;
             case ESettingKind::OnOff:
                 Make(dialog_I, after, L"BUTTON", BS_CHECKBOX | BS_PUSHLIKE | WS_TABSTOP, row.control,
-                     {kControlLeft, top, kHalfWidth, 13});
+                     {g.controlLeft, top, halfWidth, 13});
                 Make(dialog_I, after, L"BUTTON", BS_CHECKBOX | BS_PUSHLIKE | WS_TABSTOP, row.on,
-                     {kSecondLeft, top, kHalfWidth, 13});
+                     {secondLeft, top, halfWidth, 13});
                 break;
             case ESettingKind::Action: {
                 Make(dialog_I, after, L"BUTTON", BS_PUSHBUTTON | WS_TABSTOP, row.control,
-                     {kControlLeft, top, kHalfWidth, 14});
+                     {g.controlLeft, top, halfWidth, 14});
                 HWND state = Make(dialog_I, after, L"STATIC", SS_LEFT | WS_GROUP, row.state,
-                                  {kSecondLeft, top + 3, kHalfWidth, 9});
+                                  {secondLeft, top + 3, halfWidth, 9});
                 if (state != nullptr) {
                     ShowWindow(state, SW_HIDE);
                 }
@@ -84,7 +91,7 @@ void CreateSettingRows(HWND dialog_I, const std::vector<SSettingRowIds>& rows_I)
             case ESettingKind::Choice:
             case ESettingKind::Hidden:
                 Make(dialog_I, after, L"COMBOBOX", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, row.control,
-                     {kControlLeft, top, kControlWidth, 100});
+                     {g.controlLeft, top, g.controlWidth, 100});
                 break;
         }
     }

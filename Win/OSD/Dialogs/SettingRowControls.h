@@ -19,6 +19,18 @@ struct SSettingRowIds {
     int state;    // the text beside a Start button; 0 for the others
 };
 
-// Makes the rows at the top of the dialog and moves every control the template holds, and the
-// window's bottom, down by the height they take.
-void CreateSettingRows(HWND dialog_I, const std::vector<SSettingRowIds>& rows_I);
+// Where a page's rows go, in dialog units: the first row's top, the distance between rows, the
+// label's column and the control's.
+struct SRowGeometry {
+    int top = 10;
+    int pitch = 18;
+    int labelLeft = 10;
+    int labelWidth = 140;
+    int controlLeft = 154;
+    int controlWidth = 130;
+};
+
+// Makes the rows from the geometry's top down and moves every control the template holds at
+// or below that top, and the window's bottom, down by the height they take.
+void CreateSettingRows(HWND dialog_I, const std::vector<SSettingRowIds>& rows_I,
+                       const SRowGeometry& geometry_I);
