@@ -500,6 +500,16 @@ TEST(Journey, TabShiftTabEscapeAndEnterWorkInTheAdvancedPage) {
     EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_ENERGY_SMART_ON));
     PressKey(VK_TAB, {VK_SHIFT});
     EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_ENERGY_SMART_OFF));
+    // The settings' rows come first, top to bottom, then the page's buttons: Tab from Cancel
+    // goes round to the first row, Shift+Tab from it back to Cancel.
+    for (int press = 0; press < 6 && FocusOf(page) != GetDlgItem(page, IDC_ASPECT_LIST); ++press) {
+        PressKey(VK_TAB, {VK_SHIFT});
+    }
+    ASSERT_EQ(FocusOf(page), GetDlgItem(page, IDC_ASPECT_LIST));
+    PressKey(VK_TAB, {VK_SHIFT});
+    EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_ADVANCED_CANCEL));
+    PressKey(VK_TAB);
+    EXPECT_EQ(FocusOf(page), GetDlgItem(page, IDC_ASPECT_LIST));
     // Esc is Cancel: the page closes.
     PressKey(VK_ESCAPE);
     ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(page); }));
@@ -510,10 +520,17 @@ TEST(Journey, TabShiftTabEscapeAndEnterWorkInTheAdvancedPage) {
     ClickOn(GetDlgItem(page, IDC_ENERGY_SMART_OFF));
     PressKey(VK_RETURN);
     ASSERT_TRUE(WaitFor([&] { return !IsWindowVisible(page); }));
-    // Tab in the main dialog still moves there.
+    // Tab in the main dialog still moves there, gamma between the colour group and the buttons.
     ClickOn(program.Item(IDC_BRIGHTNESS_EDIT));
     PressKey(VK_TAB);
     EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_BRIGHTNESS_SLIDER));
+    PressKey('G', {VK_MENU});
+    ASSERT_EQ(FocusOf(program.dialog), program.Item(IDC_GAMMA_LIST));
+    PressKey(VK_TAB, {VK_SHIFT});
+    EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_RESET_COLOR_BUTTON));
+    PressKey(VK_TAB);
+    PressKey(VK_TAB);
+    EXPECT_EQ(FocusOf(program.dialog), program.Item(IDC_ADVANCED_BUTTON));
 }
 
 TEST(Journey, AccessKeysTakeTheKeyboardToTheirControlsInEveryDialog) {
