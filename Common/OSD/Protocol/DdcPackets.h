@@ -38,7 +38,6 @@ constexpr size_t kValueLowByte = 6;
 // Reply capacity every caller asks the connector for.
 constexpr unsigned kReplySize = 38;
 
-
 // The maker's vendor commands: opcode C0 with a command byte.
 constexpr uint8_t kVendorOpcode = 0xC0;
 constexpr uint8_t kFactoryModeCommand = 0xE1;
