@@ -72,15 +72,7 @@ constexpr int kFirstMadeId = 2000;
 std::vector<CAdvancedDialog::SSettingControls> WithIds(
     std::vector<CAdvancedDialog::SSettingControls> rows_I) {
     for (size_t index = 0; index < rows_I.size(); ++index) {
-        CAdvancedDialog::SSettingControls& row = rows_I[index];
-        if (row.label == 0) {
-            const int first = kFirstMadeId + 4 * static_cast<int>(index);
-            const ESettingKind kind = SettingRowOf(row.setting).kind;
-            row.label = first;
-            row.control = first + 1;
-            row.on = kind == ESettingKind::OnOff ? first + 2 : 0;
-            row.state = kind == ESettingKind::Action ? first + 3 : 0;
-        }
+        MakeIds(rows_I[index], index, kFirstMadeId);
     }
     return rows_I;
 }
@@ -115,19 +107,22 @@ const std::vector<CAdvancedDialog::SSettingControls>& CAdvancedDialog::SettingCo
     // A row may leave its ids 0: its controls get ids of their own (the tests name the
     // older rows' ids).
     static const std::vector<SSettingControls> rows = WithIds({
-        {ESetting::AspectRatio, IDC_ASPECT_LABEL, IDC_ASPECT_LIST, 0, 0, true},
-        {ESetting::PowerLedBrightness, IDC_LED_LABEL, IDC_LED_LIST, 0, 0, true},
-        {ESetting::Sharpness, IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER, 0, 0, true},
-        {ESetting::UniformityCompensation, IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST, 0, 0, true},
-        {ESetting::EnergySmart, IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON, 0, true},
-        {ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF,
-         IDC_DYNAMIC_CONTRAST_ON, 0, true},
-        {ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON,
-         0, false},
-        {ESetting::FanSpeed, IDC_FAN_LABEL, IDC_FAN_LIST, 0, 0, false},
-        {ESetting::LcdConditioning, IDC_LCD_CONDITIONING_LABEL, IDC_LCD_CONDITIONING_START, 0,
-         IDC_LCD_CONDITIONING_STATE, false},
-        {ESetting::BatteryMode, IDC_BATTERY_LABEL, IDC_BATTERY_LIST, 0, 0, true},
+        {{ESetting::AspectRatio, IDC_ASPECT_LABEL, IDC_ASPECT_LIST, 0, 0}, true},
+        {{ESetting::PowerLedBrightness, IDC_LED_LABEL, IDC_LED_LIST, 0, 0}, true},
+        {{ESetting::Sharpness, IDC_SHARPNESS_LABEL, IDC_SHARPNESS_SLIDER, 0, 0}, true},
+        {{ESetting::UniformityCompensation, IDC_UNIFORMITY_LABEL, IDC_UNIFORMITY_LIST, 0, 0}, true},
+        {{ESetting::EnergySmart, IDC_ENERGY_SMART_LABEL, IDC_ENERGY_SMART_OFF, IDC_ENERGY_SMART_ON, 0}, true},
+        {{ESetting::DynamicContrast, IDC_DYNAMIC_CONTRAST_LABEL, IDC_DYNAMIC_CONTRAST_OFF,
+          IDC_DYNAMIC_CONTRAST_ON, 0},
+         true},
+        {{ESetting::AutoPowerDown, IDC_AUTO_POWER_DOWN_LABEL, IDC_AUTO_POWER_DOWN_OFF, IDC_AUTO_POWER_DOWN_ON,
+          0},
+         false},
+        {{ESetting::FanSpeed, IDC_FAN_LABEL, IDC_FAN_LIST, 0, 0}, false},
+        {{ESetting::LcdConditioning, IDC_LCD_CONDITIONING_LABEL, IDC_LCD_CONDITIONING_START, 0,
+          IDC_LCD_CONDITIONING_STATE},
+         false},
+        {{ESetting::BatteryMode, IDC_BATTERY_LABEL, IDC_BATTERY_LIST, 0, 0}, true},
     });
     return rows;
 }
@@ -234,11 +229,8 @@ LRESULT CAdvancedDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
         SendMessageW(toolTip, TTM_ACTIVATE, TRUE, 0);
     }
     SetWindowTextW(m_hWnd, MessageWindows::Text(2000, mLanguage).c_str());
-    std::vector<SSettingRowIds> rows;
-    for (const SSettingControls& controls : SettingControls()) {
-        rows.push_back({controls.setting, controls.label, controls.control, controls.on, controls.state});
-    }
-    CreateSettingRows(m_hWnd, rows, SRowGeometry{});
+    CreateSettingRows(m_hWnd, std::vector<SSettingRowIds>(SettingControls().begin(), SettingControls().end()),
+                      SRowGeometry{});
     // The settings' labels first (the access keys go to them first), in the page's order.
     std::vector<SCaption> captions;
     for (const SSettingControls& controls : SettingControls()) {

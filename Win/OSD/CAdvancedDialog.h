@@ -16,6 +16,7 @@
 #include "DialogImpl.h"
 #include "DialogLayout.h"
 #include "SettingCodes.h"
+#include "SettingRowControls.h"
 
 class UiDisplayDelegate;
 
@@ -52,15 +53,10 @@ public:
     // The program's version as its version resource states it ("6.4.3-1").
     static std::wstring ProgramVersion();
 
-    // The page's controls of a setting it shows: its label, its control (the list, the
-    // slider, the Off button, the Start button), the On button of an Off/On pair, and a state
-    // text.
-    struct SSettingControls {
-        ESetting setting;
-        int label;
-        int control;
-        int on;                 // the On button of an Off/On pair (control is its Off)
-        int state;              // a text beside the control
+    // A setting the page shows: its controls (its label, its list, slider, Off or Start button,
+    // an Off/On pair's On, a state text; SettingRowControls makes them) and whether Cancel puts
+    // its value back.
+    struct SSettingControls : SSettingRowIds {
         bool restoredOnCancel;  // Cancel puts back the value the page opened with
     };
     // One row per setting the page shows, in the page's order.

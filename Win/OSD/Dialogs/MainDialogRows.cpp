@@ -16,10 +16,10 @@ constexpr int kFirstMadeId = 2100;
 
 std::vector<SChoiceRow> WithIds(std::vector<SChoiceRow> rows_I) {
     for (size_t index = 0; index < rows_I.size(); ++index) {
-        if (rows_I[index].label == 0) {
-            rows_I[index].label = kFirstMadeId + 2 * static_cast<int>(index);
-            rows_I[index].list = rows_I[index].label + 1;
-        }
+        SSettingRowIds ids{rows_I[index].setting, rows_I[index].label, rows_I[index].list, 0, 0};
+        MakeIds(ids, index, kFirstMadeId);
+        rows_I[index].label = ids.label;
+        rows_I[index].list = ids.control;
     }
     return rows_I;
 }

@@ -30,6 +30,18 @@ HWND Make(HWND dialog_I, HWND& after_IO, const wchar_t* type_I, DWORD style_I, i
 
 }  // namespace
 
+void MakeIds(SSettingRowIds& row_IO, size_t index_I, int firstId_I) {
+    if (row_IO.label != 0) {
+        return;
+    }
+    const int first = firstId_I + 4 * static_cast<int>(index_I);
+    const ESettingKind kind = SettingRowOf(row_IO.setting).kind;
+    row_IO.label = first;
+    row_IO.control = first + 1;
+    row_IO.on = kind == ESettingKind::OnOff ? first + 2 : 0;
+    row_IO.state = kind == ESettingKind::Action ? first + 3 : 0;
+}
+
 void CreateSettingRows(HWND dialog_I, const std::vector<SSettingRowIds>& rows_I,
                        const SRowGeometry& geometry_I) {
     const SRowGeometry& g = geometry_I;

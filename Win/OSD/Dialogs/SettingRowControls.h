@@ -7,6 +7,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <vector>
 
 #include "SettingTable.h"
@@ -18,6 +19,10 @@ struct SSettingRowIds {
     int on;       // an Off/On pair's On; 0 for the others
     int state;    // the text beside a Start button; 0 for the others
 };
+
+// Gives a row that left its ids 0 ids of its own, past every id of the templates: from first_I,
+// four per row by its index (label, control, On, state).
+void MakeIds(SSettingRowIds& row_IO, size_t index_I, int firstId_I);
 
 // Where a page's rows go, in dialog units: the first row's top, the distance between rows, the
 // label's column and the control's.
